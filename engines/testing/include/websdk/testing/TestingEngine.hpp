@@ -1,0 +1,98 @@
+#pragma once
+// An in-memory engine for unit tests of the WebSDK and of host plugins: it
+// records every load, script and setting, lets a test post script messages as
+// a page would, and runs the main queue only when the test drains it.
+
+#include "websdk/webview/WebEngine.hpp"
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace websdk::testing {
+
+/// A main queue that runs nothing until drained. post() is thread-safe.
+class TestingMainQueue final : public MainQueue {
+ public:
+  void post(std::function<void()> task) override;
+  /// Runs queued tasks (also those they post) until none is left; returns how many ran.
+  std::size_t drain();
+  std::size_t pending() const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::deque<std::function<void()>> tasks_;
+};
+
+class TestingEngine final : public WebEngine {
+ public:
+  struct Evaluation {
+    std::string script;
+    bool hasCompletion = false;
+  };
+
+  explicit TestingEngine(std::shared_ptr<TestingMainQueue> queue = std::make_shared<TestingMainQueue>());
+
+  // ---- What the test controls ----------------------------------------------
+  /// The URL the engine reports as shown (nothing = no page).
+  void setURL(std::optional<std::string> url) { url_ = std::move(url); }
+  /// Posts a message as a page would, to the handler registered under `name`.
+  /// Returns false when no handler is registered under that name.
+  bool postScriptMessage(const std::string& name, JSON body);
+  /// Posts {"message": requestText} to "nativeRequest".
+  bool postRequest(std::string_view requestText);
+  /// Answers evaluations that have a completion; by default an empty result.
+  std::function<ScriptResult(const std::string& script)> evaluator;
+  /// Whether the engine offers a pinch recogniser (true by default).
+  bool pinchRecognizerPresent = true;
+
+  WebEngineClient* client() const { return client_; }
+  TestingMainQueue& queue() { return *queue_; }
+  std::shared_ptr<TestingMainQueue> sharedQueue() const { return queue_; }
+
+  // ---- What the engine recorded --------------------------------------------
+  std::vector<URLRequest> loads;
+  std::vector<UserScript> userScripts;
+  std::vector<WebPreferences> preferencesSet;
+  std::vector<bool> incrementalRenderingSet;
+  std::optional<bool> allowsInlineMediaPlayback;
+  std::optional<bool> pinchRecognizerEnabled;
+  /// Registrations refused because the name was already taken.
+  std::size_t refusedHandlerRegistrations = 0;
+
+  std::vector<Evaluation> evaluations() const;
+  /// The envelopes evaluated through "nativeResponse(...)", parsed, in order.
+  std::vector<JSON> nativeResponses() const;
+  bool hasHandler(const std::string& name) const { return handlers_.contains(name); }
+
+  // ---- WebEngine -------------------------------------------------------------
+  void setClient(WebEngineClient* client) override { client_ = client; }
+  void load(const URLRequest& request) override { loads.push_back(request); }
+  void evaluateJavaScript(std::string script, ScriptCompletion completion) override;
+  void addUserScript(const UserScript& script) override { userScripts.push_back(script); }
+  void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;
+  void removeScriptMessageHandler(std::string_view name) override;
+  std::optional<std::string> url() const override { return url_; }
+  void setPreferences(const WebPreferences& preferences) override { preferencesSet.push_back(preferences); }
+  void setSuppressesIncrementalRendering(bool suppress) override { incrementalRenderingSet.push_back(suppress); }
+  void setAllowsInlineMediaPlayback(bool allow) override { allowsInlineMediaPlayback = allow; }
+  bool hasPinchGestureRecognizer() const override { return pinchRecognizerPresent; }
+  void setPinchGestureRecognizerEnabled(bool enabled) override { pinchRecognizerEnabled = enabled; }
+  MainQueue& mainQueue() override { return *queue_; }
+
+ private:
+  std::shared_ptr<TestingMainQueue> queue_;
+  WebEngineClient* client_ = nullptr;
+  std::optional<std::string> url_;
+  std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> handlers_;
+  mutable std::mutex evaluationsMutex_;
+  std::vector<Evaluation> evaluations_;
+};
+
+}  // namespace websdk::testing

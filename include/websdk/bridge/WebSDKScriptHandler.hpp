@@ -1,0 +1,41 @@
+#pragma once
+// Receives the page's "nativeRequest" messages: checks the page's host, finds
+// the family that knows the action, decodes its typed payload and hands it to
+// the host object registered for the family, or answers the failure itself.
+
+#include "websdk/bridge/PluginProtocols.hpp"
+#include "websdk/webview/WebEngine.hpp"
+
+#include <memory>
+
+namespace websdk {
+
+class WebSDKWebView;
+
+class WebSDKScriptHandler final : public ScriptMessageHandler {
+ public:
+  // Everything the handler points at belongs to someone else: all weak.
+  std::weak_ptr<WebSDKWebView> webview;
+  std::weak_ptr<DvWebViewGenericCallsBacks> genericDelegate;
+  std::weak_ptr<DvWebViewPaymentsCallsBacks> paymentsDelegate;
+  std::weak_ptr<DvWebViewRestaurantEmpathyCallsBacks> restaurantEmpathyDelegate;
+  std::weak_ptr<DvWebViewChatConversationCallsBacks> chatConversationDelegate;
+  std::weak_ptr<DvCartWebViewCallBacks> cartDelegate;
+  std::weak_ptr<DvPXCartWebViewCallBacks> pxCartDelegate;
+  std::weak_ptr<DvVRCartWebViewCallBacks> vrCartDelegate;
+  std::weak_ptr<DvGiftingCartWebViewCallBacks> giftingCartDelegate;
+  std::weak_ptr<DvZippaWebViewCallBacks> zippaDelegate;
+  std::weak_ptr<DvWebViewSetRecipientInfoCallsBacks> setRecipientInfoDelegate;
+  std::weak_ptr<DvAccountsWebViewCallBacks> accountsDelegate;
+  std::weak_ptr<DvWebViewMenuListCallbacks> menuListDelegate;
+  std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicationDelegate;
+
+  /// The one entry point: a script message from the page. Runs on the UI
+  /// thread; never throws, whatever the page posted.
+  void userContentController(const ScriptMessage& message) override;
+
+ private:
+  void answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message);
+};
+
+}  // namespace websdk

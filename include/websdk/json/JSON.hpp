@@ -1,0 +1,44 @@
+#pragma once
+// The JSON value every model reads from, and the one text writer the WebSDK uses
+// for payloads, descriptions and tools.
+
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+#include <boost/json/string.hpp>
+#include <boost/json/value.hpp>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace websdk {
+
+using JSON = boost::json::value;
+using JSONObject = boost::json::object;
+using JSONArray = boost::json::array;
+
+/// Deepest nesting a page may send; deeper text reads as not JSON, so no
+/// message can exhaust the stack of anything that walks the value.
+inline constexpr std::size_t kMaxJSONDepth = 512;
+
+/// Parses `text`. Text that is not JSON (or nests deeper than kMaxJSONDepth)
+/// gives null. Never throws.
+JSON parseJSON(std::string_view text);
+
+/// Compact JSON text. Doubles are written as the shortest decimal that reads
+/// back as the same value, with ".0" on whole numbers (5.0, 5.5, 1e+20).
+std::string serialize(const JSON& value);
+void serializeTo(std::string& out, const JSON& value);
+
+/// The same text, indented by two spaces per level, one member per line.
+std::string serializePretty(const JSON& value);
+
+/// Shortest round-trip decimal of `d`, always with a fraction or an exponent
+/// ("300.0", "291.5", "1e+20"). Non-finite values give "null".
+std::string formatDouble(double d);
+
+/// Appends `s` as a JSON string literal. Besides what JSON requires, U+2028
+/// and U+2029 are escaped, so the text is also a valid JavaScript literal.
+void appendQuoted(std::string& out, std::string_view s);
+
+}  // namespace websdk

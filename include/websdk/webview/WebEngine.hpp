@@ -1,0 +1,170 @@
+#pragma once
+// The port between WebSDKWebView and a web engine. The web view keeps every
+// rule of the bridge; an engine only translates these calls to its platform
+// (WebKitGTK in the real app, an in-memory recorder in tests).
+
+#include "websdk/json/JSON.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace websdk {
+
+enum class URLRequestCachePolicy { useProtocolCachePolicy, reloadIgnoringLocalCacheData, returnCacheDataElseLoad };
+
+/// A page load: the URL, its header fields in the order they are set, the
+/// timeout in seconds and the cache policy.
+struct URLRequest {
+  std::string url;
+  std::vector<std::pair<std::string, std::string>> headers;
+  double timeoutInterval = 60;
+  URLRequestCachePolicy cachePolicy = URLRequestCachePolicy::useProtocolCachePolicy;
+  bool operator==(const URLRequest&) const = default;
+};
+
+/// A script installed into every page the engine loads from now on: at
+/// document start, main frame only.
+struct UserScript {
+  std::string source;
+  bool operator==(const UserScript&) const = default;
+};
+
+/// A message a page posted to a named script-message handler.
+struct ScriptMessage {
+  std::string name;
+  JSON body;
+};
+
+/// Receives the script messages of one name (WebSDKScriptHandler).
+class ScriptMessageHandler {
+ public:
+  virtual ~ScriptMessageHandler() = default;
+  virtual void userContentController(const ScriptMessage& message) = 0;
+};
+
+/// The engine's UI-thread queue. post() may be called from any thread; tasks
+/// run on the UI thread in the order posted.
+class MainQueue {
+ public:
+  virtual ~MainQueue() = default;
+  virtual void post(std::function<void()> task) = 0;
+};
+
+// ---- Navigation ------------------------------------------------------------
+
+/// One navigation of the page, as the engine identifies it.
+struct WebSDKNavigation {
+  std::uint64_t id = 0;
+  std::string url;
+};
+
+struct WebSDKNavigationAction {
+  std::string url;
+  std::string method = "GET";
+  bool isMainFrame = true;
+  bool isUserGesture = false;
+};
+
+struct WebSDKNavigationResponse {
+  std::string url;
+  int statusCode = 0;
+  std::string mimeType;
+  bool isMainFrame = true;
+};
+
+/// An engine error: its domain, code and description.
+struct WebSDKError {
+  std::string domain;
+  int code = 0;
+  std::string description;
+  bool isTimeout = false;
+};
+
+struct WebSDKAuthenticationChallenge {
+  std::string host;
+  int port = 0;
+  std::string realm;
+  std::string authenticationMethod;
+  int previousFailureCount = 0;
+};
+
+enum class WebSDKNavigationActionPolicy { cancel, allow };
+enum class WebSDKNavigationResponsePolicy { cancel, allow };
+enum class WebSDKAuthChallengeDisposition { useCredential, performDefaultHandling, cancelAuthenticationChallenge, rejectProtectionSpace };
+
+struct WebSDKURLCredential {
+  std::string user;
+  std::string password;
+};
+
+using WebSDKNavigationActionDecision = std::function<void(WebSDKNavigationActionPolicy)>;
+using WebSDKNavigationResponseDecision = std::function<void(WebSDKNavigationResponsePolicy)>;
+using WebSDKAuthChallengeCompletion =
+    std::function<void(WebSDKAuthChallengeDisposition, std::optional<WebSDKURLCredential>)>;
+
+/// What the engine tells its web view: navigation events and questions, and
+/// the start of a pinch-zoom. Called on the UI thread.
+class WebEngineClient {
+ public:
+  virtual ~WebEngineClient() = default;
+  virtual void didStartProvisionalNavigation(const WebSDKNavigation* navigation) = 0;
+  virtual void didFinish(const WebSDKNavigation* navigation) = 0;
+  virtual void didFail(const WebSDKNavigation* navigation, const WebSDKError& error) = 0;
+  virtual void didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) = 0;
+  virtual void decidePolicyFor(const WebSDKNavigationAction& action, WebSDKNavigationActionDecision decisionHandler) = 0;
+  virtual void decidePolicyFor(const WebSDKNavigationResponse& response,
+                               WebSDKNavigationResponseDecision decisionHandler) = 0;
+  virtual void didReceive(const WebSDKAuthenticationChallenge& challenge,
+                          WebSDKAuthChallengeCompletion completionHandler) = 0;
+  virtual void scrollViewWillBeginZooming() = 0;
+};
+
+/// The result of an evaluation: the script's value (nothing when it returned
+/// nothing) or the error the page reported.
+struct ScriptResult {
+  std::optional<JSON> value;
+  std::optional<std::string> error;
+};
+using ScriptCompletion = std::function<void(ScriptResult)>;
+
+/// The engine's preferences object; replaced whole when the JavaScript switch
+/// changes.
+struct WebPreferences {
+  bool javaScriptEnabled = true;
+  bool operator==(const WebPreferences&) const = default;
+};
+
+class WebEngine {
+ public:
+  virtual ~WebEngine() = default;
+
+  /// The web view that receives navigation events; set once, before loading.
+  virtual void setClient(WebEngineClient* client) = 0;
+
+  virtual void load(const URLRequest& request) = 0;
+  /// Evaluates `script` in the main frame; `completion` (may be empty) is
+  /// called once on the UI thread when evaluation ends.
+  virtual void evaluateJavaScript(std::string script, ScriptCompletion completion) = 0;
+  virtual void addUserScript(const UserScript& script) = 0;
+  virtual void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) = 0;
+  virtual void removeScriptMessageHandler(std::string_view name) = 0;
+  /// The URL of the page shown, or nothing before the first load.
+  virtual std::optional<std::string> url() const = 0;
+
+  virtual void setPreferences(const WebPreferences& preferences) = 0;
+  virtual void setSuppressesIncrementalRendering(bool suppress) = 0;
+  virtual void setAllowsInlineMediaPlayback(bool allow) = 0;
+  /// Whether the engine has a pinch recogniser, and switching it.
+  virtual bool hasPinchGestureRecognizer() const = 0;
+  virtual void setPinchGestureRecognizerEnabled(bool enabled) = 0;
+
+  virtual MainQueue& mainQueue() = 0;
+};
+
+}  // namespace websdk

@@ -1,0 +1,59 @@
+#pragma once
+// The envelope every answer travels in, and the codes it carries.
+
+#include "websdk/json/Enum.hpp"
+#include "websdk/json/Record.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace websdk {
+
+enum class WebSDKResponseType { success, failure };
+constexpr auto rawValues(WebSDKResponseType) {
+  using enum WebSDKResponseType;
+  return rawValueTable<WebSDKResponseType>({{success, "SUCCESS"}, {failure, "FAILED"}});
+}
+
+/// Status codes, in their declaration order (which does not follow the numbers).
+enum class WebSDKStatusCode : std::int64_t {
+  success = 0,
+  unknown = 1,
+  juspaySDKPaymentFailure = 1002,
+  juspaySDKInitFailure = 1001,
+  notHandled = 1003,
+  notFound = 1004,
+  notWhitelistedUrl = 1005,
+};
+constexpr std::int64_t rawValue(WebSDKStatusCode code) { return static_cast<std::int64_t>(code); }
+/// The code whose raw value is `raw` (0, 1, 1001-1005), or nothing.
+constexpr std::optional<WebSDKStatusCode> statusCodeFromRawValue(std::int64_t raw) {
+  if (raw == 0 || raw == 1 || (raw >= 1001 && raw <= 1005)) return static_cast<WebSDKStatusCode>(raw);
+  return std::nullopt;
+}
+
+/// The answer to one request, as the page's `nativeResponse` receives it.
+struct WebSDKResponseModel {
+  std::string type;  // "SUCCESS" or "FAILED"
+  std::int64_t statusCode = 0;
+  std::optional<std::string> statusMessage;
+  std::string requestId;
+  std::optional<std::string> payload;  // already serialised; the page parses it again
+
+  WEBSDK_RECORD(WebSDKResponseModel, type, statusCode, statusMessage, requestId, payload)
+};
+
+/// The envelope as compact JSON text: the fields in declaration order, absent
+/// optionals left out, strings escaped so that the text is also a valid
+/// JavaScript object literal (U+2028 and U+2029 included).
+std::string encodeEnvelope(const WebSDKResponseModel& response);
+
+/// "nativeResponse(" + envelope + ")", built in one allocation.
+std::string nativeResponseScript(const WebSDKResponseModel& response);
+
+/// Whether `bytes` is well-formed UTF-8.
+bool isValidUTF8(std::string_view bytes);
+
+}  // namespace websdk

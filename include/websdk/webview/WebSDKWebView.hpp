@@ -1,0 +1,194 @@
+#pragma once
+// The web view a host app places wherever a screen is a web page: it loads the
+// page with the app's headers (only to trusted hosts), carries the bridge, and
+// sends answers and events to the page.
+
+#include "websdk/bridge/PluginProtocols.hpp"
+#include "websdk/bridge/WebSDKScriptHandler.hpp"
+#include "websdk/json/Record.hpp"
+#include "websdk/webview/WebEngine.hpp"
+#include "websdk/webview/WebSDKConfig.hpp"
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
+#include "websdk/webview/WebSDKResponseModel.hpp"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace websdk {
+
+/// A response payload: any response model (a record) or a dictionary of
+/// strings, rendered to JSON when the answer is sent.
+class WebSDKResponseProtocol {
+ public:
+  template <Record T>
+  WebSDKResponseProtocol(const T& model) : value_(toJSON(model)) {}
+  WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary);
+  const JSON& json() const { return value_; }
+
+ private:
+  JSON value_;
+};
+
+/// The script the web view installs rather than evaluates.
+class WebSDKAppFunctions {
+ public:
+  /// window.__native_headers__.getDovaraHeaders() returns `headers`, inserted
+  /// verbatim: the host passes text without single quotes, backslashes or
+  /// line breaks.
+  static WebSDKAppFunctions nativeHeaders(std::string headers) { return WebSDKAppFunctions(std::move(headers)); }
+  const std::string& headers() const { return headers_; }
+  std::string script() const;
+
+ private:
+  explicit WebSDKAppFunctions(std::string headers) : headers_(std::move(headers)) {}
+  std::string headers_;
+};
+
+using WebSDKHeaders = std::map<std::string, std::string>;
+
+/// The web view's send operations, for code that holds it only as this.
+class WebSDKJSInteractionProtocol {
+ public:
+  virtual ~WebSDKJSInteractionProtocol() = default;
+  /// Ready-encoded payload bytes (UTF-8), evaluated at once on the calling
+  /// (UI) thread; the listener is not told.
+  virtual void sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
+                                  const std::optional<std::string>& encoder) = 0;
+  /// A dictionary payload, rendered as indented JSON text.
+  virtual void sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
+                                  std::optional<std::int64_t> statusCode = std::nullopt,
+                                  std::optional<std::string> statusMessage = std::nullopt) = 0;
+  /// A response model, rendered as indented JSON text.
+  virtual void sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type,
+                                  const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
+                                  std::optional<std::string> statusMessage = std::nullopt) = 0;
+  virtual void sendSuccess(const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
+                           std::optional<std::string> statusMessage = std::nullopt) = 0;
+  virtual void sendFailure(const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
+                           std::optional<std::string> statusMessage = std::nullopt) = 0;
+  /// A payload string used verbatim.
+  virtual void sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
+                                  std::optional<std::int64_t> statusCode = std::nullopt,
+                                  std::optional<std::string> statusMessage = std::nullopt) = 0;
+};
+
+class WebSDKWebView final : public WebSDKJSInteractionProtocol,
+                            private WebEngineClient,
+                            public std::enable_shared_from_this<WebSDKWebView> {
+  struct Passkey {};
+
+ public:
+  /// Builds a web view over `engine` (which carries the platform configuration)
+  /// with its whitelist and first delegates, all held weakly.
+  static std::shared_ptr<WebSDKWebView> create(
+      std::unique_ptr<WebEngine> engine, std::vector<std::string> whitelistedHosts,
+      const std::shared_ptr<DvWebViewGenericCallsBacks>& genericDelegate = nullptr,
+      const std::shared_ptr<DvWebViewPaymentsCallsBacks>& paymentsDelegate = nullptr,
+      const std::shared_ptr<WebSDKNavigationDelegate>& webViewDelegate = nullptr,
+      const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate = nullptr,
+      const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate = nullptr,
+      bool shouldWhitelistAllUrls = false);
+
+  WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, std::vector<std::string> whitelistedHosts,
+                bool shouldWhitelistAllUrls);
+  WebSDKWebView(const WebSDKWebView&) = delete;
+  WebSDKWebView& operator=(const WebSDKWebView&) = delete;
+  ~WebSDKWebView() override;
+
+  // ---- Bridge wiring -------------------------------------------------------
+  void addWebSDKScriptHandler();
+  void removeWebSDKScriptHandler();
+  /// Detaches the bridge from this view: later messages find no web view to
+  /// answer through. Plugins stay registered.
+  void resetWebView();
+
+  void setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& plugin);
+  void setChatConversationPlugin(const std::shared_ptr<DvWebViewChatConversationCallsBacks>& plugin);
+  void setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& plugin);
+  void setPXCartPlugin(const std::shared_ptr<DvPXCartWebViewCallBacks>& plugin);
+  void setVRCartPlugin(const std::shared_ptr<DvVRCartWebViewCallBacks>& plugin);
+  void setGiftingCartPlugin(const std::shared_ptr<DvGiftingCartWebViewCallBacks>& plugin);
+  void setZippaPlugin(const std::shared_ptr<DvZippaWebViewCallBacks>& plugin);
+  void setAccountsPlugin(const std::shared_ptr<DvAccountsWebViewCallBacks>& plugin);
+  void setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCallbacks>& plugin);
+
+  // ---- Loading -------------------------------------------------------------
+  /// Loads `with` when it is a URL (else does nothing). A whitelisted host gets
+  /// the request headers merged with the external ones (external wins); any
+  /// other host only the external headers.
+  void loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
+                   const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval);
+  /// Adds the header user script; every later load runs all scripts added, in order.
+  void executeJSScript(const WebSDKAppFunctions& type);
+
+  // ---- Settings ------------------------------------------------------------
+  bool pinchGestureEnable() const { return pinchGestureEnable_; }
+  void setPinchGestureEnable(bool enable) { pinchGestureEnable_ = enable; }
+  bool javaScriptEnabled() const { return javaScriptEnabled_; }
+  /// Replaces the engine's preferences with a fresh object holding only this switch.
+  void setJavaScriptEnabled(bool enabled);
+  bool suppressesIncrementalRendering() const { return suppressesIncrementalRendering_; }
+  void setSuppressesIncrementalRendering(bool suppress);
+
+  // ---- Answers (any thread) ------------------------------------------------
+  using WebSDKJSInteractionProtocol::sendWebSDKResponse;
+  void sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
+                          const std::optional<std::string>& encoder) override;
+  void sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
+                          std::optional<std::int64_t> statusCode = std::nullopt,
+                          std::optional<std::string> statusMessage = std::nullopt) override;
+  void sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type, const std::string& requestId,
+                          std::optional<std::int64_t> statusCode = std::nullopt,
+                          std::optional<std::string> statusMessage = std::nullopt) override;
+  void sendSuccess(const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
+                   std::optional<std::string> statusMessage = std::nullopt) override;
+  void sendFailure(const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
+                   std::optional<std::string> statusMessage = std::nullopt) override;
+  void sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
+                          std::optional<std::int64_t> statusCode = std::nullopt,
+                          std::optional<std::string> statusMessage = std::nullopt) override;
+
+  /// Encodes `response`, evaluates it in the page on the main queue, and tells
+  /// the listener on the calling thread. Every answer but the ready-encoded
+  /// one goes this way.
+  void deliver(const WebSDKResponseModel& response);
+
+  // ---- State -----------------------------------------------------------------
+  const std::shared_ptr<WebSDKScriptHandler>& handler() const { return handler_; }
+  WebSDKConfig webSDKConfig;
+  std::weak_ptr<WebSDKNavigationDelegate> webSDKNavigationDelegate;
+  std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicatorDelegate;
+
+  /// The URL of the page shown, if any.
+  std::optional<std::string> url() const { return engine_->url(); }
+  WebEngine& engine() { return *engine_; }
+
+  // The engine's events (also callable by a host that drives zooming itself).
+  void scrollViewWillBeginZooming() override;
+
+ private:
+  void didStartProvisionalNavigation(const WebSDKNavigation* navigation) override;
+  void didFinish(const WebSDKNavigation* navigation) override;
+  void didFail(const WebSDKNavigation* navigation, const WebSDKError& error) override;
+  void didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) override;
+  void decidePolicyFor(const WebSDKNavigationAction& action, WebSDKNavigationActionDecision decisionHandler) override;
+  void decidePolicyFor(const WebSDKNavigationResponse& response,
+                       WebSDKNavigationResponseDecision decisionHandler) override;
+  void didReceive(const WebSDKAuthenticationChallenge& challenge,
+                  WebSDKAuthChallengeCompletion completionHandler) override;
+
+  void respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
+               std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage);
+
+  bool pinchGestureEnable_ = false;
+  bool javaScriptEnabled_ = true;
+  bool suppressesIncrementalRendering_ = true;
+  const std::shared_ptr<WebSDKScriptHandler> handler_;
+  const std::unique_ptr<WebEngine> engine_;
+};
+
+}  // namespace websdk

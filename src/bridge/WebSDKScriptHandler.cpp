@@ -1,0 +1,132 @@
+#include "websdk/bridge/WebSDKScriptHandler.hpp"
+
+#include "websdk/bridge/Families.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <array>
+#include <cstdint>
+#include <unordered_map>
+
+namespace websdk {
+namespace {
+
+constexpr std::string_view kHandlerName = "nativeRequest";
+constexpr std::string_view kNotAValidRequest = "not a valid request";
+
+enum class Trial { declined, delivered, dropped, notSubscribed };
+
+using TrialFn = Trial (*)(WebSDKScriptHandler&, std::size_t action, std::string_view requestId, JSON* payload,
+                          std::string_view& failureMessage);
+
+// One family's steps once its action is known: build its request model (the
+// payload is moved out of the parsed request, which is used only for its id
+// afterwards), decode the typed payload, and call the host object.
+template <class F>
+Trial tryFamily(WebSDKScriptHandler& handler, std::size_t action, std::string_view requestId, JSON* payload,
+                std::string_view& failureMessage) {
+  typename F::Request request{static_cast<typename F::Action>(action), std::string(requestId), std::nullopt};
+  if (payload != nullptr)
+    if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
+  const auto typed = F::Payload::validateRequest(request);
+  if (!typed) return Trial::declined;
+  if ((handler.*F::delegate).expired()) {
+    failureMessage = F::failureMessage;
+    return Trial::notSubscribed;
+  }
+  // Taken afresh: a host object released by now is not called.
+  const auto plugin = (handler.*F::delegate).lock();
+  if (!plugin) return Trial::dropped;
+  ((*plugin).*F::operation)(request, *typed);
+  return Trial::delivered;
+}
+
+struct Route {
+  std::uint16_t family;
+  std::uint16_t action;
+};
+
+// Every family's action strings in one table. The families' strings are
+// disjoint (checked here once), so the family that knows an action is the
+// only one that can accept it, and a request of the last family costs what
+// one of the first does.
+struct Routes {
+  std::unordered_map<std::string_view, Route> byAction;
+  std::array<TrialFn, std::tuple_size_v<BridgeFamilies>> trials{};
+
+  Routes() {
+    std::uint16_t family = 0;
+    forEachFamily([&]<class F>(F) {
+      trials[family] = &tryFamily<F>;
+      for (const auto& entry : enumTable<typename F::Action>)
+        byAction.emplace(entry.raw, Route{family, static_cast<std::uint16_t>(entry.value)});
+      ++family;
+    });
+  }
+};
+
+const Routes& routes() {
+  static const Routes table;
+  return table;
+}
+
+}  // namespace
+
+void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
+  if (message.name != kHandlerName) return;
+  const JSONObject* body = message.body.if_object();
+  if (body == nullptr) return;
+  const JSON* textValue = body->if_contains("message");
+  if (textValue == nullptr || !textValue->is_string()) return;
+  const std::string_view text = textValue->get_string();
+
+  if (auto listener = webJSCommunicationDelegate.lock()) listener->didReceiveRequest(text);
+
+  // The page that is shown now must be trusted, whatever the message claims.
+  {
+    const auto view = webview.lock();
+    const auto url = view ? view->url() : std::nullopt;
+    if (!url || !view->webSDKConfig.isWhitelistedURL(*url)) {
+      answerFailure(parseJSON(text), WebSDKStatusCode::notWhitelistedUrl, url);
+      return;
+    }
+  }
+
+  JSON request = parseJSON(text);
+  if (auto* fields = request.if_object()) {
+    const JSON* type = fields->if_contains("type");
+    const JSON* requestId = fields->if_contains("requestId");
+    if (type != nullptr && requestId != nullptr && requestId->is_string()) {
+      const auto& table = routes();
+      auto route = table.byAction.end();
+      if (const auto* s = type->if_string()) {
+        route = table.byAction.find(std::string_view(*s));
+      } else {
+        route = table.byAction.find(lenientString(type));
+      }
+      if (route != table.byAction.end()) {
+        std::string_view failureMessage;
+        switch (table.trials[route->second.family](*this, route->second.action, requestId->get_string(),
+                                                   fields->if_contains("payload"), failureMessage)) {
+          case Trial::delivered:
+          case Trial::dropped: return;
+          case Trial::notSubscribed:
+            answerFailure(request, WebSDKStatusCode::notFound, std::string(failureMessage));
+            return;
+          case Trial::declined: break;
+        }
+      }
+    }
+  }
+  answerFailure(request, WebSDKStatusCode::notFound, std::string(kNotAValidRequest));
+}
+
+void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode code,
+                                        std::optional<std::string> message) {
+  const auto view = webview.lock();
+  if (!view) return;
+  const Fields fields = Fields::of(&request);
+  view->deliver(WebSDKResponseModel{std::string(rawValue(WebSDKResponseType::failure)), rawValue(code),
+                                    std::move(message), fields.lenientString("requestId"), std::nullopt});
+}
+
+}  // namespace websdk

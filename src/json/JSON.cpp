@@ -1,0 +1,147 @@
+#include "websdk/json/JSON.hpp"
+
+#include <boost/json/parse.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+
+namespace websdk {
+
+JSON parseJSON(std::string_view text) {
+  boost::json::parse_options options;
+  options.max_depth = kMaxJSONDepth;
+  boost::json::error_code ec;
+  JSON value = boost::json::parse(text, ec, boost::json::storage_ptr(), options);
+  if (ec) return nullptr;
+  return value;
+}
+
+std::string formatDouble(double d) {
+  if (!std::isfinite(d)) return "null";
+  char buf[32];
+  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, d);
+  std::string out(buf, end);
+  if (out.find_first_of(".e") == std::string::npos) out += ".0";
+  return out;
+}
+
+namespace {
+
+constexpr char kHex[] = "0123456789abcdef";
+
+void appendEscape(std::string& out, unsigned code) {
+  out += "\\u";
+  out += kHex[(code >> 12) & 0xF];
+  out += kHex[(code >> 8) & 0xF];
+  out += kHex[(code >> 4) & 0xF];
+  out += kHex[code & 0xF];
+}
+
+void write(std::string& out, const JSON& v, int indent, int depth);
+
+void newline(std::string& out, int indent, int depth) {
+  if (indent < 0) return;
+  out += '\n';
+  out.append(static_cast<std::size_t>(indent * depth), ' ');
+}
+
+void write(std::string& out, const JSON& v, int indent, int depth) {
+  switch (v.kind()) {
+    case boost::json::kind::null: out += "null"; break;
+    case boost::json::kind::bool_: out += v.get_bool() ? "true" : "false"; break;
+    case boost::json::kind::int64: {
+      char buf[24];
+      auto r = std::to_chars(buf, buf + sizeof buf, v.get_int64());
+      out.append(buf, r.ptr);
+      break;
+    }
+    case boost::json::kind::uint64: {
+      char buf[24];
+      auto r = std::to_chars(buf, buf + sizeof buf, v.get_uint64());
+      out.append(buf, r.ptr);
+      break;
+    }
+    case boost::json::kind::double_: out += formatDouble(v.get_double()); break;
+    case boost::json::kind::string: appendQuoted(out, v.get_string()); break;
+    case boost::json::kind::array: {
+      const auto& a = v.get_array();
+      out += '[';
+      bool first = true;
+      for (const auto& x : a) {
+        if (!first) out += ',';
+        first = false;
+        newline(out, indent, depth + 1);
+        write(out, x, indent, depth + 1);
+      }
+      if (!a.empty()) newline(out, indent, depth);
+      out += ']';
+      break;
+    }
+    case boost::json::kind::object: {
+      const auto& o = v.get_object();
+      out += '{';
+      bool first = true;
+      for (const auto& kv : o) {
+        if (!first) out += ',';
+        first = false;
+        newline(out, indent, depth + 1);
+        appendQuoted(out, kv.key());
+        out += indent < 0 ? ":" : " : ";
+        write(out, kv.value(), indent, depth + 1);
+      }
+      if (!o.empty()) newline(out, indent, depth);
+      out += '}';
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+void appendQuoted(std::string& out, std::string_view s) {
+  out += '"';
+  std::size_t run = 0;  // start of the current run of plain text
+  for (std::size_t i = 0; i < s.size(); ++i) {
+    const auto c = static_cast<unsigned char>(s[i]);
+    const bool lineSeparator = c == 0xE2 && i + 2 < s.size() && static_cast<unsigned char>(s[i + 1]) == 0x80 &&
+                               (static_cast<unsigned char>(s[i + 2]) & 0xFE) == 0xA8;
+    if (c >= 0x20 && c != '"' && c != '\\' && !lineSeparator) continue;
+    out.append(s.data() + run, i - run);
+    switch (c) {
+      case '"': out += "\\\""; break;
+      case '\\': out += "\\\\"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\t': out += "\\t"; break;
+      case '\b': out += "\\b"; break;
+      case '\f': out += "\\f"; break;
+      default:
+        if (lineSeparator) {
+          appendEscape(out, static_cast<unsigned char>(s[i + 2]) == 0xA8 ? 0x2028 : 0x2029);
+          i += 2;
+        } else {
+          appendEscape(out, c);
+        }
+    }
+    run = i + 1;
+  }
+  out.append(s.data() + run, s.size() - run);
+  out += '"';
+}
+
+void serializeTo(std::string& out, const JSON& value) { write(out, value, -1, 0); }
+
+std::string serialize(const JSON& value) {
+  std::string out;
+  serializeTo(out, value);
+  return out;
+}
+
+std::string serializePretty(const JSON& value) {
+  std::string out;
+  write(out, value, 2, 0);
+  return out;
+}
+
+}  // namespace websdk

@@ -1,0 +1,195 @@
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <iostream>
+
+namespace websdk {
+namespace {
+constexpr std::string_view kHandlerName = "nativeRequest";
+}
+
+WebSDKResponseProtocol::WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary) {
+  JSONObject o;
+  for (const auto& [k, v] : dictionary) o.emplace(k, v);
+  value_ = std::move(o);
+}
+
+std::string WebSDKAppFunctions::script() const {
+  return "window.__native_headers__ = {\n    getDovaraHeaders: function() {\n        return '" + headers_ +
+         "';\n    }\n};";
+}
+
+std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
+    std::unique_ptr<WebEngine> engine, std::vector<std::string> whitelistedHosts,
+    const std::shared_ptr<DvWebViewGenericCallsBacks>& genericDelegate,
+    const std::shared_ptr<DvWebViewPaymentsCallsBacks>& paymentsDelegate,
+    const std::shared_ptr<WebSDKNavigationDelegate>& webViewDelegate,
+    const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate,
+    const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate, bool shouldWhitelistAllUrls) {
+  auto view = std::make_shared<WebSDKWebView>(Passkey{}, std::move(engine), std::move(whitelistedHosts),
+                                              shouldWhitelistAllUrls);
+  // Wiring needs the shared owner, so it happens once the view exists.
+  WebSDKScriptHandler& h = *view->handler_;
+  h.webview = view;
+  h.genericDelegate = genericDelegate;
+  h.paymentsDelegate = paymentsDelegate;
+  h.webJSCommunicationDelegate = webJSCommunicationDelegate;
+  view->webSDKNavigationDelegate = webViewDelegate;
+  h.setRecipientInfoDelegate = setRecipientInfoDelegate;
+  view->webJSCommunicatorDelegate = webJSCommunicationDelegate;
+  view->engine_->setClient(view.get());
+  return view;
+}
+
+WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, std::vector<std::string> whitelistedHosts,
+                             bool shouldWhitelistAllUrls)
+    : webSDKConfig{std::move(whitelistedHosts), shouldWhitelistAllUrls},
+      handler_(std::make_shared<WebSDKScriptHandler>()),
+      engine_(std::move(engine)) {
+  engine_->setAllowsInlineMediaPlayback(true);
+  engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
+  // javaScriptEnabled and suppressesIncrementalRendering start true without
+  // touching the engine: its configuration stays as the host made it.
+}
+
+WebSDKWebView::~WebSDKWebView() = default;
+
+void WebSDKWebView::addWebSDKScriptHandler() { engine_->addScriptMessageHandler(handler_, std::string(kHandlerName)); }
+void WebSDKWebView::removeWebSDKScriptHandler() { engine_->removeScriptMessageHandler(kHandlerName); }
+void WebSDKWebView::resetWebView() { handler_->webview.reset(); }
+
+void WebSDKWebView::setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& p) {
+  handler_->restaurantEmpathyDelegate = p;
+}
+void WebSDKWebView::setChatConversationPlugin(const std::shared_ptr<DvWebViewChatConversationCallsBacks>& p) {
+  handler_->chatConversationDelegate = p;
+}
+void WebSDKWebView::setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& p) { handler_->cartDelegate = p; }
+void WebSDKWebView::setPXCartPlugin(const std::shared_ptr<DvPXCartWebViewCallBacks>& p) { handler_->pxCartDelegate = p; }
+void WebSDKWebView::setVRCartPlugin(const std::shared_ptr<DvVRCartWebViewCallBacks>& p) { handler_->vrCartDelegate = p; }
+void WebSDKWebView::setGiftingCartPlugin(const std::shared_ptr<DvGiftingCartWebViewCallBacks>& p) {
+  handler_->giftingCartDelegate = p;
+}
+void WebSDKWebView::setZippaPlugin(const std::shared_ptr<DvZippaWebViewCallBacks>& p) { handler_->zippaDelegate = p; }
+void WebSDKWebView::setAccountsPlugin(const std::shared_ptr<DvAccountsWebViewCallBacks>& p) {
+  handler_->accountsDelegate = p;
+}
+void WebSDKWebView::setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCallbacks>& p) {
+  handler_->menuListDelegate = p;
+}
+
+void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
+                                const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
+  if (!parseURL(with)) return;
+  WebSDKHeaders headers;
+  // The app's headers go only to trusted hosts.
+  if (webSDKConfig.isWhitelistedURL(with)) headers = requestHeaders;
+  if (externalHeaders)
+    for (const auto& [name, value] : *externalHeaders) headers.insert_or_assign(name, value);
+  URLRequest request{with, {headers.begin(), headers.end()}, timeoutInterval,
+                     URLRequestCachePolicy::useProtocolCachePolicy};
+  engine_->load(request);
+}
+
+void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) { engine_->addUserScript(UserScript{type.script()}); }
+
+void WebSDKWebView::setJavaScriptEnabled(bool enabled) {
+  javaScriptEnabled_ = enabled;
+  engine_->setPreferences(WebPreferences{enabled});
+}
+
+void WebSDKWebView::setSuppressesIncrementalRendering(bool suppress) {
+  suppressesIncrementalRendering_ = suppress;
+  engine_->setSuppressesIncrementalRendering(suppress);
+}
+
+void WebSDKWebView::scrollViewWillBeginZooming() {
+  if (engine_->hasPinchGestureRecognizer()) engine_->setPinchGestureRecognizerEnabled(pinchGestureEnable_);
+}
+
+// ---- Answers -----------------------------------------------------------------
+
+void WebSDKWebView::deliver(const WebSDKResponseModel& response) {
+  std::string script = nativeResponseScript(response);
+  // The queued task holds the view weakly: an answer queued for a view that
+  // is gone by then does nothing.
+  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(script)]() mutable {
+    if (auto view = weak.lock()) view->engine_->evaluateJavaScript(std::move(script), nullptr);
+  });
+  if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
+}
+
+void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
+                            std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage) {
+  const std::int64_t code = statusCode.value_or(
+      rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown));
+  deliver(WebSDKResponseModel{std::string(rawValue(type)), code, std::move(statusMessage), requestId,
+                              std::move(payload)});
+}
+
+void WebSDKWebView::sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
+                                       std::optional<std::int64_t> statusCode,
+                                       std::optional<std::string> statusMessage) {
+  respond(serializePretty(with), type, requestId, statusCode, std::move(statusMessage));
+}
+
+void WebSDKWebView::sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type,
+                                       const std::string& requestId, std::optional<std::int64_t> statusCode,
+                                       std::optional<std::string> statusMessage) {
+  respond(serializePretty(with.json()), type, requestId, statusCode, std::move(statusMessage));
+}
+
+void WebSDKWebView::sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
+                                       std::optional<std::int64_t> statusCode,
+                                       std::optional<std::string> statusMessage) {
+  respond(std::move(with), type, requestId, statusCode, std::move(statusMessage));
+}
+
+void WebSDKWebView::sendSuccess(const std::string& requestId, std::optional<std::int64_t> statusCode,
+                                std::optional<std::string> statusMessage) {
+  respond(std::nullopt, WebSDKResponseType::success, requestId, statusCode, std::move(statusMessage));
+}
+
+void WebSDKWebView::sendFailure(const std::string& requestId, std::optional<std::int64_t> statusCode,
+                                std::optional<std::string> statusMessage) {
+  respond(std::nullopt, WebSDKResponseType::failure, requestId, statusCode, std::move(statusMessage));
+}
+
+void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
+                                       const std::optional<std::string>& encoder) {
+  std::optional<std::string> payload;
+  if (encoder && isValidUTF8(*encoder)) payload = *encoder;
+  const auto code = rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
+  const WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, std::move(payload)};
+  engine_->evaluateJavaScript(nativeResponseScript(response), [](ScriptResult result) {
+    if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
+  });
+}
+
+// ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----
+
+void WebSDKWebView::didStartProvisionalNavigation(const WebSDKNavigation* navigation) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didStartProvisionalNavigation(*this, navigation);
+}
+void WebSDKWebView::didFinish(const WebSDKNavigation* navigation) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didFinish(*this, navigation);
+}
+void WebSDKWebView::didFail(const WebSDKNavigation* navigation, const WebSDKError& error) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didFail(*this, navigation, error);
+}
+void WebSDKWebView::didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didFailProvisionalNavigation(*this, navigation, error);
+}
+void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
+                                    WebSDKNavigationActionDecision decisionHandler) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->decidePolicyFor(*this, action, std::move(decisionHandler));
+}
+void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
+                                    WebSDKNavigationResponseDecision decisionHandler) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->decidePolicyFor(*this, response, std::move(decisionHandler));
+}
+void WebSDKWebView::didReceive(const WebSDKAuthenticationChallenge& challenge,
+                               WebSDKAuthChallengeCompletion completionHandler) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didReceive(*this, challenge, std::move(completionHandler));
+}
+
+}  // namespace websdk

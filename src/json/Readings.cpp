@@ -149,6 +149,13 @@ std::optional<JSONArray> array(const JSON* v) {
   return std::nullopt;
 }
 
+std::optional<std::map<std::string, std::string>> stringMap(const JSON* v) {
+  if (v == nullptr || !v->is_object()) return std::nullopt;
+  std::map<std::string, std::string> out;
+  for (const auto& member : v->get_object()) out.emplace(member.key(), lenientString(&member.value()));
+  return out;
+}
+
 std::optional<JSON> raw(const JSON* v) {
   if (v == nullptr) return std::nullopt;
   return *v;

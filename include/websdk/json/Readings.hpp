@@ -6,6 +6,7 @@
 #include "websdk/json/JSON.hpp"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,6 +36,9 @@ std::optional<std::int64_t> integer(const JSON* v);
 /// The value only when it is a JSON object / array.
 std::optional<JSONObject> object(const JSON* v);
 std::optional<JSONArray> array(const JSON* v);
+/// An object's members as strings (each by the lenient string reading); nothing
+/// unless the value is an object.
+std::optional<std::map<std::string, std::string>> stringMap(const JSON* v);
 /// The value as it stands (JSON null included); nothing only when absent.
 std::optional<JSON> raw(const JSON* v);
 /// A JSON string that is one of E's raw values.
@@ -80,6 +84,9 @@ class Fields {
   std::optional<JSONObject> object(std::string_view key) const { return websdk::object((*this)[key]); }
   std::optional<JSONArray> array(std::string_view key) const { return websdk::array((*this)[key]); }
   std::optional<JSON> raw(std::string_view key) const { return websdk::raw((*this)[key]); }
+  std::optional<std::map<std::string, std::string>> stringMap(std::string_view key) const {
+    return websdk::stringMap((*this)[key]);
+  }
   template <class E>
   std::optional<E> enumeration(std::string_view key) const { return websdk::enumeration<E>((*this)[key]); }
 

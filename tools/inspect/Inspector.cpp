@@ -1,0 +1,194 @@
+#include "Inspector.hpp"
+
+#include "websdk/bridge/Families.hpp"
+#include "websdk/testing/TestingEngine.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <istream>
+#include <ostream>
+#include <sstream>
+
+namespace websdk::inspect {
+namespace {
+
+// One host object for every family: it records what the bridge delivers.
+template <class... Families>
+struct RecordingPluginsOf : Families::Plugin... {
+  std::optional<JSONObject> delivered;
+
+  template <class F>
+  void record(const typename F::Request& request, const typename F::Payload& payload) {
+    JSONObject d;
+    d.emplace("family", F::name);
+    d.emplace("action", rawValue(request.type));
+    d.emplace("requestId", request.requestId);
+    d.emplace("payload", payload.describe());
+    delivered = std::move(d);
+  }
+};
+
+struct Listener final : WebSDKJSCommunicationProtocol {
+  bool received = false;
+  void didSendResponse(const WebSDKResponseModel&) override {}
+  void didReceiveRequest(std::string_view) override { received = true; }
+};
+
+#define WEBSDK_INSPECT_PLUGIN(F, op)                                                 \
+  void op(const F::Request& request, const F::Payload& payload) override { record<F>(request, payload); }
+
+struct RecordingPlugins final
+    : RecordingPluginsOf<GenericFamily, PaymentsFamily, RestaurantEmpathyFamily, ChatConversationFamily, CartFamily,
+                         PXCartFamily, VRCartFamily, GiftingCartFamily, ZippaFamily, SetRecipientInfoFamily,
+                         AccountsFamily, MenuListFamily> {
+  WEBSDK_INSPECT_PLUGIN(GenericFamily, handleGenericRequest)
+  WEBSDK_INSPECT_PLUGIN(PaymentsFamily, handlePaymentsRequest)
+  WEBSDK_INSPECT_PLUGIN(RestaurantEmpathyFamily, handleRestaurantEmpathyRequest)
+  WEBSDK_INSPECT_PLUGIN(ChatConversationFamily, handleChatConversationRequest)
+  WEBSDK_INSPECT_PLUGIN(CartFamily, handleCartRequest)
+  WEBSDK_INSPECT_PLUGIN(PXCartFamily, handlePXCartRequest)
+  WEBSDK_INSPECT_PLUGIN(VRCartFamily, handleVRCartRequest)
+  WEBSDK_INSPECT_PLUGIN(GiftingCartFamily, handleGiftingCartRequest)
+  WEBSDK_INSPECT_PLUGIN(ZippaFamily, handleZippaRequest)
+  WEBSDK_INSPECT_PLUGIN(SetRecipientInfoFamily, handleSetRecipientInfoRequest)
+  WEBSDK_INSPECT_PLUGIN(AccountsFamily, handleAccountsRequest)
+  WEBSDK_INSPECT_PLUGIN(MenuListFamily, handleMenuListRequest)
+};
+#undef WEBSDK_INSPECT_PLUGIN
+
+// The host object registered for family F, when the options ask for it.
+template <class F>
+std::shared_ptr<typename F::Plugin> pluginFor(const Options& options, const std::shared_ptr<RecordingPlugins>& all) {
+  if (!options.plugins.contains(std::string(F::name))) return nullptr;
+  return std::static_pointer_cast<typename F::Plugin>(all);
+}
+
+}  // namespace
+
+std::vector<std::string> familyNames() {
+  std::vector<std::string> names;
+  forEachFamily([&]<class F>(F) { names.emplace_back(F::name); });
+  return names;
+}
+
+std::optional<Options> parseArguments(const std::vector<std::string>& args, std::string& file, std::string& error) {
+  Options options;
+  options.plugins = {};
+  bool whitelistGiven = false;
+  std::string plugins = "all";
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    auto value = [&]() -> std::optional<std::string> {
+      if (i + 1 >= args.size()) {
+        error = a + " needs a value";
+        return std::nullopt;
+      }
+      return args[++i];
+    };
+    if (a == "--url") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      options.url = *v == "none" ? std::nullopt : std::optional<std::string>(*v);
+    } else if (a == "--whitelist") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      if (!whitelistGiven) options.whitelist.clear();
+      whitelistGiven = true;
+      options.whitelist.push_back(*v);
+    } else if (a == "--whitelist-all") {
+      options.whitelistAll = true;
+    } else if (a == "--plugins") {
+      auto v = value();
+      if (!v) return std::nullopt;
+      plugins = *v;
+    } else if (a == "-" || (!a.empty() && a[0] != '-')) {
+      if (!file.empty()) {
+        error = "more than one input file";
+        return std::nullopt;
+      }
+      file = a;
+    } else {
+      error = "unknown option " + a;
+      return std::nullopt;
+    }
+  }
+  const auto names = familyNames();
+  if (plugins == "all") {
+    options.plugins.insert(names.begin(), names.end());
+  } else if (plugins != "none") {
+    std::stringstream list(plugins);
+    for (std::string name; std::getline(list, name, ',');) {
+      if (std::find(names.begin(), names.end(), name) == names.end()) {
+        error = "unknown family " + name;
+        return std::nullopt;
+      }
+      options.plugins.insert(name);
+    }
+  }
+  return options;
+}
+
+int run(const Options& options, std::istream& in, std::ostream& out, std::ostream& err) {
+  auto plugins = std::make_shared<RecordingPlugins>();
+  auto listener = std::make_shared<Listener>();
+  auto owned = std::make_unique<testing::TestingEngine>();
+  testing::TestingEngine& engine = *owned;
+  auto view = WebSDKWebView::create(std::move(owned), options.whitelist, pluginFor<GenericFamily>(options, plugins),
+                                    pluginFor<PaymentsFamily>(options, plugins), nullptr, listener,
+                                    pluginFor<SetRecipientInfoFamily>(options, plugins), options.whitelistAll);
+  view->setRestaurantEmpathyPlugin(pluginFor<RestaurantEmpathyFamily>(options, plugins));
+  view->setChatConversationPlugin(pluginFor<ChatConversationFamily>(options, plugins));
+  view->setCartPlugin(pluginFor<CartFamily>(options, plugins));
+  view->setPXCartPlugin(pluginFor<PXCartFamily>(options, plugins));
+  view->setVRCartPlugin(pluginFor<VRCartFamily>(options, plugins));
+  view->setGiftingCartPlugin(pluginFor<GiftingCartFamily>(options, plugins));
+  view->setZippaPlugin(pluginFor<ZippaFamily>(options, plugins));
+  view->setAccountsPlugin(pluginFor<AccountsFamily>(options, plugins));
+  view->setMenuListPlugin(pluginFor<MenuListFamily>(options, plugins));
+
+  int status = 0;
+  std::size_t lineNumber = 0;
+  std::size_t responsesSeen = 0;
+  for (std::string line; std::getline(in, line);) {
+    ++lineNumber;
+    if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+    const JSON input = parseJSON(line);
+    const JSONObject* message = input.if_object();
+    if (message == nullptr) {
+      err << "websdk-inspect: line " << lineNumber << ": not a JSON object\n";
+      status = 2;
+      continue;
+    }
+    const Fields fields(message);
+    std::string name = "nativeRequest";
+    if (const JSON* n = fields["name"]) {
+      if (!n->is_string()) {
+        err << "websdk-inspect: line " << lineNumber << ": \"name\" is not a string\n";
+        status = 2;
+        continue;
+      }
+      name = std::string(n->get_string());
+    }
+    std::optional<std::string> url = options.url;
+    if (const JSON* u = fields["url"]) url = u->is_string() ? std::optional<std::string>(u->get_string()) : std::nullopt;
+    engine.setURL(url);
+
+    plugins->delivered.reset();
+    listener->received = false;
+    engine.postScriptMessage(name, fields["body"] ? *fields["body"] : JSON(nullptr));
+    engine.queue().drain();
+
+    JSONObject result;
+    result.emplace("line", lineNumber);
+    result.emplace("received", listener->received);
+    if (plugins->delivered) result.emplace("delivered", std::move(*plugins->delivered));
+    JSONArray responses;
+    const auto all = engine.nativeResponses();
+    for (std::size_t i = responsesSeen; i < all.size(); ++i) responses.push_back(all[i]);
+    responsesSeen = all.size();
+    result.emplace("responses", std::move(responses));
+    out << serialize(result) << '\n';
+  }
+  return status;
+}
+
+}  // namespace websdk::inspect

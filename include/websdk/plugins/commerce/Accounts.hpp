@@ -1,24 +1,48 @@
 #pragma once
-// Catalogue not filled in yet: no action belongs to this family so far.
+// The accounts family: profile refresh, mobile number verification and logout.
 
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
 #include <optional>
+#include <string>
 
 namespace websdk {
 
-enum class WebSDKAccountsAction {};
-constexpr auto rawValues(WebSDKAccountsAction) { return rawValueTable<WebSDKAccountsAction>(); }
+enum class WebSDKAccountsAction { updateProfileInfo, verifyMobileNo, logout };
+constexpr auto rawValues(WebSDKAccountsAction) {
+  using enum WebSDKAccountsAction;
+  return rawValueTable<WebSDKAccountsAction>(
+      {{updateProfileInfo, "UPDATE_PROFILE_INFO"}, {verifyMobileNo, "VERIFY_MOBILE_NUMBER"}, {logout, "LOGOUT"}});
+}
 
 using WebSDKAccountsRequestModel = WebSDKBridgeRequest<WebSDKAccountsAction>;
 
-enum class WebSDKAccountsRequestPayloadCase {};
-constexpr auto rawValues(WebSDKAccountsRequestPayloadCase) { return rawValueTable<WebSDKAccountsRequestPayloadCase>(); }
+/// Never fails: a missing or non-string "number" gives "".
+struct WebSDKVerifyMobileRequestModel {
+  std::string number;
 
-class WebSDKAccountsRequestPayload : public TaggedPayload<WebSDKAccountsRequestPayload, WebSDKAccountsRequestPayloadCase> {
+  static std::optional<WebSDKVerifyMobileRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKVerifyMobileRequestModel, number)
+};
+
+/// Never fails: a missing or non-string "tid" or "sid" gives "".
+struct WebSDKAccountLogoutRequestModel {
+  std::string tid;
+  std::string sid;
+
+  static std::optional<WebSDKAccountLogoutRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKAccountLogoutRequestModel, tid, sid)
+};
+
+WEBSDK_NAMED_CASES(WebSDKAccountsRequestPayloadCase, verifyMobileNo, logout, updateProfileInfo)
+class WebSDKAccountsRequestPayload
+    : public TaggedPayload<WebSDKAccountsRequestPayload, WebSDKAccountsRequestPayloadCase,
+                           Carries<WebSDKAccountsRequestPayloadCase::verifyMobileNo, WebSDKVerifyMobileRequestModel>,
+                           Carries<WebSDKAccountsRequestPayloadCase::logout, WebSDKAccountLogoutRequestModel>> {
  public:
-  static std::optional<WebSDKAccountsRequestPayload> validateRequest(const WebSDKAccountsRequestModel&) { return std::nullopt; }
+  /// Never yields nothing: every accounts action decodes.
+  static std::optional<WebSDKAccountsRequestPayload> validateRequest(const WebSDKAccountsRequestModel& request);
 };
 
 }  // namespace websdk

@@ -2,7 +2,22 @@
 
 #include "websdk/json/Readings.hpp"
 
+#include <utility>
+
 namespace websdk {
+namespace {
+
+// A JSON array read element by element as lenient strings; nothing unless
+// the value is an array.
+std::optional<std::vector<std::string>> stringList(const JSON* v) {
+  if (v == nullptr || !v->is_array()) return std::nullopt;
+  std::vector<std::string> out;
+  out.reserve(v->get_array().size());
+  for (const auto& element : v->get_array()) out.push_back(lenientString(&element));
+  return out;
+}
+
+}  // namespace
 
 std::optional<WebSDKSetLocationRequestModel> WebSDKSetLocationRequestModel::from(
     const std::optional<JSONObject>& payload) {
@@ -32,5 +47,71 @@ std::optional<Location> Location::from(const std::optional<JSONObject>& payload)
   const Fields p(payload);
   return Location{p.lenientDouble("latitude"), p.lenientDouble("longitude")};
 }
+
+std::optional<WebSDKAddAddressRequestModel> WebSDKAddAddressRequestModel::from(
+    const std::optional<JSONObject>& payload) {
+  if (!payload) return std::nullopt;
+  const Fields p(payload);
+  return WebSDKAddAddressRequestModel{p.strictString("type").value_or(""), p.strictString("storeId").value_or(""),
+                                      p.strictString("userContext"), stringList(p["disabledAnnotationTags"])};
+}
+
+std::optional<WebSDKEditAddressRequestModel> WebSDKEditAddressRequestModel::from(
+    const std::optional<JSONObject>& payload) {
+  if (!payload) return std::nullopt;
+  const Fields p(payload);
+  return WebSDKEditAddressRequestModel{p.raw("address"), stringList(p["enabled"]), p.strictString("focused"),
+                                       p.enumeration<ActionType>("actionType").value_or(ActionType::none)};
+}
+
+std::optional<WebSDKEditDirectionsRequestModel> WebSDKEditDirectionsRequestModel::from(
+    const std::optional<JSONObject>& payload) {
+  if (!payload) return std::nullopt;
+  const Fields p(payload);
+  std::optional<bool> xpVal;
+  if (p.has("enable_voice_directions")) xpVal = p.lenientBool("enable_voice_directions");
+  return WebSDKEditDirectionsRequestModel{p.raw("address"), xpVal};
+}
+
+std::optional<WebSDKGetGPSLocationRequestModel> WebSDKGetGPSLocationRequestModel::from(
+    const std::optional<JSONObject>& payload) {
+  if (!payload) return std::nullopt;
+  const Fields p(payload);
+  return WebSDKGetGPSLocationRequestModel{p.lenientBool("permissionRequired"), p.lenientBool("accurateLocationRequired"),
+                                          p.lenientBool("shouldShowSettings"), p.lenientInt("accuracyLevel")};
+}
+
+WebSDKDeviceDetailsResponseModel WebSDKDeviceDetailsResponseModel::make(std::string memory, std::string osversion,
+                                                                        std::string battery, std::string networkType,
+                                                                        std::string connectionQuality,
+                                                                        std::string deviceModel) {
+  return {std::move(memory),      std::move(osversion),         std::move(battery),
+          std::move(networkType), std::move(connectionQuality), std::move(deviceModel)};
+}
+
+std::optional<WebSDKIRCTCResponseModel> WebSDKIRCTCResponseModel::from(const std::optional<JSONObject>& payload) {
+  const Fields data = Fields(payload).nested("irctc_data");
+  if (data.absent()) return std::nullopt;
+  return WebSDKIRCTCResponseModel{data.lenientString("encoded_payload"), data.lenientString("mobile_number"),
+                                  data.lenientString("platform_number"), data.lenientString("berth"),
+                                  data.lenientString("coach"),           data.lenientString("station_name")};
+}
+
+bool WebSDKIRCTCResponseModel::isEmptyModel() const {
+  return encodedIrctcData.empty() && phoneNo.empty() && platformNo.empty() && berth.empty() && coach.empty() &&
+         junction.empty();
+}
+
+// Field lists are checked where they are declared, not first at a caller's encode.
+static_assert(checkRecord<WebSDKSetLocationRequestModel>() && checkRecord<Location>() &&
+              checkRecord<WebSDKAddAddressRequestModel>() && checkRecord<WebSDKEditAddressRequestModel>() &&
+              checkRecord<WebSDKEditDirectionsRequestModel>() && checkRecord<WebSDKGetGPSLocationRequestModel>() &&
+              checkRecord<WebSDKDeviceDetailsResponseModel>() && checkRecord<WebSDKGetLocationResponseModel>() &&
+              checkRecord<WebSDKGetCurrentAddressResponseModel>() && checkRecord<AddressMetadataResponse>() &&
+              checkRecord<WebSDKGetSortedAddressesResponseModel>() && checkRecord<WebSDKEditDirectionsResponseModel>() &&
+              checkRecord<WebSDKDialogConfirmResponseModel>() && checkRecord<PinLocation>() &&
+              checkRecord<WebSDKGetTnsSignalResponseModel>() && checkRecord<InternationalUser>() &&
+              checkRecord<OrbisData>() && checkRecord<WebSDKGetUserInfoResponseModel>() &&
+              checkRecord<WebSDKIRCTCResponseModel>());
 
 }  // namespace websdk

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace websdk {
 
@@ -48,6 +49,195 @@ struct Location {
 
   static std::optional<Location> from(const std::optional<JSONObject>& payload);
   WEBSDK_RECORD(Location, lat, lng)
+};
+
+/// The address form a page opens. Fails only without a payload dictionary;
+/// `type` and `storeId` are empty unless given as JSON strings.
+struct WebSDKAddAddressRequestModel {
+  std::string type;
+  std::string storeId;
+  std::optional<std::string> userContext;
+  std::optional<std::vector<std::string>> disabledAnnotationTags;
+
+  static std::optional<WebSDKAddAddressRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKAddAddressRequestModel, type, storeId, userContext, disabledAnnotationTags)
+};
+
+/// Which address screen an edit opens. Anything the app does not know is `none`.
+enum class ActionType {
+  addAddressFullForm,
+  editReceiverDetailsHalfCard,
+  addReceiverDetailsHalfCard1,
+  addReceiverDetailsHalfCard2,
+  none
+};
+constexpr auto rawValues(ActionType) {
+  using enum ActionType;
+  return rawValueTable<ActionType>({{addAddressFullForm, "ADD_ADDRESS_FULL_FORM"},
+                                    {editReceiverDetailsHalfCard, "EDIT_RECEIVER_DETAILS_HALF_CARD"},
+                                    {addReceiverDetailsHalfCard1, "ADD_RECEIVER_DETAILS_HALF_CARD_1"},
+                                    {addReceiverDetailsHalfCard2, "ADD_RECEIVER_DETAILS_HALF_CARD_2"},
+                                    {none, "none"}});
+}
+
+/// An address to edit, kept unparsed under `data` (from "address"). Fails
+/// only without a payload dictionary.
+struct WebSDKEditAddressRequestModel {
+  std::optional<JSON> data;
+  std::optional<std::vector<std::string>> enabled;
+  std::optional<std::string> focused;
+  ActionType actionType = ActionType::none;
+
+  static std::optional<WebSDKEditAddressRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKEditAddressRequestModel, data, enabled, focused, actionType)
+};
+
+/// Directions to reach an address. `xpVal` comes from "enable_voice_directions"
+/// and is absent without that key. Fails only without a payload dictionary.
+struct WebSDKEditDirectionsRequestModel {
+  std::optional<JSON> data;
+  std::optional<bool> xpVal;
+
+  static std::optional<WebSDKEditDirectionsRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKEditDirectionsRequestModel, data, xpVal)
+};
+
+/// How a GPS fix is wanted; missing keys read as false or 0. Fails only
+/// without a payload dictionary.
+struct WebSDKGetGPSLocationRequestModel {
+  bool permissionRequired = false;
+  bool accurateLocationRequired = false;
+  bool shouldShowSettings = false;
+  std::int64_t accuracyLevel = 0;
+
+  static std::optional<WebSDKGetGPSLocationRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKGetGPSLocationRequestModel, permissionRequired, accurateLocationRequired, shouldShowSettings,
+                accuracyLevel)
+};
+
+// ---- Response models -------------------------------------------------------
+
+struct WebSDKDeviceDetailsResponseModel {
+  std::string memory;
+  std::string osversion;
+  std::string battery;
+  std::string networkType;
+  std::string connectionQuality;
+  std::string deviceModel;
+
+  static WebSDKDeviceDetailsResponseModel make(std::string memory, std::string osversion, std::string battery,
+                                               std::string networkType, std::string connectionQuality,
+                                               std::string deviceModel);
+  WEBSDK_RECORD(WebSDKDeviceDetailsResponseModel, memory, osversion, battery, networkType, connectionQuality,
+                deviceModel)
+};
+
+struct WebSDKGetLocationResponseModel {
+  double latitude = 0;
+  double longitude = 0;
+
+  WEBSDK_RECORD(WebSDKGetLocationResponseModel, latitude, longitude)
+};
+
+struct WebSDKGetCurrentAddressResponseModel {
+  std::string currentAddress;
+
+  WEBSDK_RECORD(WebSDKGetCurrentAddressResponseModel, currentAddress)
+};
+
+struct AddressMetadataResponse {
+  std::string addressId;
+
+  WEBSDK_RECORD(AddressMetadataResponse, addressId)
+};
+
+struct WebSDKGetSortedAddressesResponseModel {
+  std::vector<AddressMetadataResponse> addresses;
+  bool enableCxAppAddressSorting = false;
+
+  WEBSDK_RECORD(WebSDKGetSortedAddressesResponseModel, addresses, enableCxAppAddressSorting)
+};
+
+struct WebSDKEditDirectionsResponseModel {
+  bool isDirectionsToReachChanged = false;
+
+  WEBSDK_RECORD(WebSDKEditDirectionsResponseModel, isDirectionsToReachChanged)
+};
+
+/// The answer to a confirm dialog: the id of the button the user chose.
+struct WebSDKDialogConfirmResponseModel {
+  std::string id;
+
+  WEBSDK_RECORD(WebSDKDialogConfirmResponseModel, id)
+};
+
+/// A pinned point. The longitude is sent as "long", which C++ reserves, so
+/// the member is `long_`.
+struct PinLocation {
+  double lat = 0;
+  double long_ = 0;
+
+  WEBSDK_KEYED_RECORD(PinLocation, (lat, "lat"), (long_, "long"))
+};
+
+struct WebSDKGetTnsSignalResponseModel {
+  std::optional<std::string> location;
+  std::string currentAppVersion;
+  std::optional<std::string> ipAddress;
+  std::optional<PinLocation> pinLocation;
+  std::optional<std::string> deviceModel;
+  std::optional<std::string> deviceMake;
+  std::optional<bool> isOTPAutoRead;
+
+  WEBSDK_RECORD(WebSDKGetTnsSignalResponseModel, location, currentAppVersion, ipAddress, pinLocation, deviceModel,
+                deviceMake, isOTPAutoRead)
+};
+
+struct InternationalUser {
+  std::string countryCode;
+  std::string unmaskedNumber;
+  std::string maskedNumber;
+
+  WEBSDK_RECORD(InternationalUser, countryCode, unmaskedNumber, maskedNumber)
+};
+
+/// Pages read these two keys in snake case.
+struct OrbisData {
+  std::optional<std::string> orbisState;
+  std::optional<std::string> orbisType;
+
+  WEBSDK_KEYED_RECORD(OrbisData, (orbisState, "orbis_state"), (orbisType, "orbis_type"))
+};
+
+struct WebSDKGetUserInfoResponseModel {
+  std::string customerId;
+  std::string name;
+  std::string mobile;
+  std::string email;
+  bool isOrbisUser = false;
+  std::optional<InternationalUser> internationalUser;
+  std::optional<OrbisData> orbisData;
+
+  WEBSDK_RECORD(WebSDKGetUserInfoResponseModel, customerId, name, mobile, email, isOrbisUser, internationalUser,
+                orbisData)
+};
+
+/// The train journey of an IRCTC order. Pages write it in snake case under
+/// "irctc_data" and read it back with these field names.
+struct WebSDKIRCTCResponseModel {
+  std::string encodedIrctcData;
+  std::string phoneNo;
+  std::string platformNo;
+  std::string berth;
+  std::string coach;
+  std::string junction;
+
+  /// Fails when the payload has no "irctc_data" object; missing keys inside
+  /// it read as "".
+  static std::optional<WebSDKIRCTCResponseModel> from(const std::optional<JSONObject>& payload);
+  /// True when all six strings are empty.
+  bool isEmptyModel() const;
+  WEBSDK_RECORD(WebSDKIRCTCResponseModel, encodedIrctcData, phoneNo, platformNo, berth, coach, junction)
 };
 
 }  // namespace websdk

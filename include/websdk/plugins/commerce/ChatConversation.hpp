@@ -1,5 +1,8 @@
 #pragma once
-// Catalogue not filled in yet: no action belongs to this family so far.
+// The chat conversation family: a support page asks for unread-conversation
+// data or reports a conversation id. The payload is the action itself; what
+// the page sent (the conversation id, say) reaches the plugin untouched in the
+// request model's `payload`.
 
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
@@ -8,17 +11,24 @@
 
 namespace websdk {
 
-enum class WebSDKChatConversationAction {};
-constexpr auto rawValues(WebSDKChatConversationAction) { return rawValueTable<WebSDKChatConversationAction>(); }
+enum class WebSDKChatConversationAction { getSupportUnreadConversationData, updateConversationId };
+constexpr auto rawValues(WebSDKChatConversationAction) {
+  using enum WebSDKChatConversationAction;
+  return rawValueTable<WebSDKChatConversationAction>(
+      {{getSupportUnreadConversationData, "GET_SUPPORT_UNREAD_CONVERSATION_DATA"},
+       {updateConversationId, "UPDATE_CONVERSATION_ID"}});
+}
 
 using WebSDKChatConversationRequestModel = WebSDKBridgeRequest<WebSDKChatConversationAction>;
 
-enum class WebSDKChatConversationRequestPayloadCase {};
-constexpr auto rawValues(WebSDKChatConversationRequestPayloadCase) { return rawValueTable<WebSDKChatConversationRequestPayloadCase>(); }
-
-class WebSDKChatConversationRequestPayload : public TaggedPayload<WebSDKChatConversationRequestPayload, WebSDKChatConversationRequestPayloadCase> {
+// One case per action, carrying nothing.
+WEBSDK_NAMED_CASES(WebSDKChatConversationRequestPayloadCase, getSupportUnreadConversationData, updateConversationId)
+class WebSDKChatConversationRequestPayload
+    : public TaggedPayload<WebSDKChatConversationRequestPayload, WebSDKChatConversationRequestPayloadCase> {
  public:
-  static std::optional<WebSDKChatConversationRequestPayload> validateRequest(const WebSDKChatConversationRequestModel&) { return std::nullopt; }
+  /// The case of the request's action; never yields nothing.
+  static std::optional<WebSDKChatConversationRequestPayload> validateRequest(
+      const WebSDKChatConversationRequestModel& request);
 };
 
 }  // namespace websdk

@@ -1,24 +1,53 @@
 #pragma once
-// Catalogue not filled in yet: no action belongs to this family so far.
+// The set recipient info family: a gifting page hands the host the
+// recipient's details and the gift flow.
 
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
 #include <optional>
+#include <string>
 
 namespace websdk {
 
-enum class WebSDKSetRecipientInfoAction {};
-constexpr auto rawValues(WebSDKSetRecipientInfoAction) { return rawValueTable<WebSDKSetRecipientInfoAction>(); }
+enum class WebSDKSetRecipientInfoAction { SetRecipientInfo };
+constexpr auto rawValues(WebSDKSetRecipientInfoAction) {
+  return rawValueTable<WebSDKSetRecipientInfoAction>({{WebSDKSetRecipientInfoAction::SetRecipientInfo, "SET_RECIPIENT_INFO"}});
+}
 
+/// Its `type` is always SetRecipientInfo, the family's one action.
 using WebSDKSetRecipientInfoRequestModel = WebSDKBridgeRequest<WebSDKSetRecipientInfoAction>;
 
-enum class WebSDKSetRecipientInfoRequestPayloadCase {};
-constexpr auto rawValues(WebSDKSetRecipientInfoRequestPayloadCase) { return rawValueTable<WebSDKSetRecipientInfoRequestPayloadCase>(); }
+/// The recipient's details; each field absent unless its key holds a string.
+struct WebSDKRecipientInfoUserDataResponseModel {
+  std::optional<std::string> messageId;
+  std::optional<std::string> recipientName;
+  std::optional<std::string> createdTs;
+  std::optional<std::string> expiredTs;
 
-class WebSDKSetRecipientInfoRequestPayload : public TaggedPayload<WebSDKSetRecipientInfoRequestPayload, WebSDKSetRecipientInfoRequestPayloadCase> {
+  static std::optional<WebSDKRecipientInfoUserDataResponseModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKRecipientInfoUserDataResponseModel, messageId, recipientName, createdTs, expiredTs)
+};
+
+/// Read from the request despite its name. Never fails; `flowData` is always
+/// there, with all its fields absent when "flowData" is not an object.
+struct WebSDKRecipientInfoUserFlowResponseModel {
+  std::optional<std::string> flowType;
+  std::optional<WebSDKRecipientInfoUserDataResponseModel> flowData;
+
+  static std::optional<WebSDKRecipientInfoUserFlowResponseModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKRecipientInfoUserFlowResponseModel, flowType, flowData)
+};
+
+WEBSDK_NAMED_CASES(WebSDKSetRecipientInfoRequestPayloadCase, SetRecipientInfo)
+class WebSDKSetRecipientInfoRequestPayload
+    : public TaggedPayload<WebSDKSetRecipientInfoRequestPayload, WebSDKSetRecipientInfoRequestPayloadCase,
+                           Carries<WebSDKSetRecipientInfoRequestPayloadCase::SetRecipientInfo,
+                                   WebSDKRecipientInfoUserFlowResponseModel>> {
  public:
-  static std::optional<WebSDKSetRecipientInfoRequestPayload> validateRequest(const WebSDKSetRecipientInfoRequestModel&) { return std::nullopt; }
+  /// Never yields nothing.
+  static std::optional<WebSDKSetRecipientInfoRequestPayload> validateRequest(
+      const WebSDKSetRecipientInfoRequestModel& request);
 };
 
 }  // namespace websdk

@@ -1,0 +1,251 @@
+#pragma once
+// Requests with which a page moves the user: to a native screen or a deep
+// link, to another web page or the external browser, out of the web view,
+// to a refreshed menu, to a further web view that shares data, to another
+// bottom-bar tab, or to a new delivery location followed by a deep link.
+
+#include "websdk/json/Enum.hpp"
+#include "websdk/json/JSON.hpp"
+#include "websdk/json/Readings.hpp"
+#include "websdk/json/Record.hpp"
+#include "websdk/plugins/generic/LocationModels.hpp"
+#include "websdk/plugins/generic/Tenant.hpp"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace websdk {
+
+// ---- Native screens and deep links ------------------------------------------
+
+enum class NavigationType { screen, deeplink };
+constexpr auto rawValues(NavigationType) {
+  using enum NavigationType;
+  return rawValueTable<NavigationType>({{screen, "screen"}, {deeplink, "deeplink"}});
+}
+
+/// The native screens a page may name.
+enum class ScreenType { cart, orderDetail, chatWebview, refundHistory, home, menu, track, collections };
+constexpr auto rawValues(ScreenType) {
+  using enum ScreenType;
+  return rawValueTable<ScreenType>({{cart, "cart"},
+                                    {orderDetail, "order_detail"},
+                                    {chatWebview, "chat"},
+                                    {refundHistory, "refund_history"},
+                                    {home, "home"},
+                                    {menu, "menu"},
+                                    {track, "track"},
+                                    {collections, "collections"}});
+}
+
+/// What the native screen needs to open. Never fails: strings are taken only
+/// when they are JSON strings ("" or absent otherwise), booleans leniently
+/// (false, or absent when the key is absent), `tenant` only when known.
+struct NavigationScreenParam {
+  std::string id;
+  bool refresh = false;
+  std::optional<Tenant> tenant;
+  bool shouldCloseWebview = false;
+  bool shouldReplacePreviousWebview = false;
+  std::optional<bool> shouldDismissPresentedScreen;
+  std::optional<std::string> url;
+  bool isFromCart = false;              // "fromCart"
+  std::optional<JSON> orderDataJson;    // "data", kept as it stands for the order screen
+  std::optional<std::string> collectionId;
+  std::optional<std::string> restaurantId;
+  std::optional<std::string> orderId;
+  std::optional<bool> hideMakePaymentButton;
+  bool expandRefund = false;
+  std::optional<std::string> source;
+  std::optional<std::string> query;
+  std::optional<bool> isPXOrder;
+
+  static std::optional<NavigationScreenParam> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(NavigationScreenParam, id, refresh, tenant, shouldCloseWebview, shouldReplacePreviousWebview,
+                shouldDismissPresentedScreen, url, isFromCart, orderDataJson, collectionId, restaurantId, orderId,
+                hideMakePaymentButton, expandRefund, source, query, isPXOrder)
+};
+
+/// A native screen or a deep link. Fails unless "type" names a navigation
+/// type and "link" is a string; a screen link must name a `ScreenType`.
+struct DeeplinkModel {
+  NavigationType type{};
+  std::string link;
+
+  static std::optional<DeeplinkModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(DeeplinkModel, type, link)
+};
+
+/// Fails on an empty payload and wherever `DeeplinkModel` fails.
+struct WebSDKNavigationToScreenRequestModel {
+  NavigationType type{};
+  std::string link;
+  std::optional<std::map<std::string, std::string>> httpHeaders;
+  std::optional<NavigationScreenParam> params;
+  std::optional<JSONArray> analyticsFunnel;
+
+  static std::optional<WebSDKNavigationToScreenRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKNavigationToScreenRequestModel, type, link, httpHeaders, params, analyticsFunnel)
+};
+
+/// Sets the delivery location, then follows a deep link. Never fails: an
+/// address or deep link that does not read is left out.
+struct WebSDKSetLocationWithDeeplinkRequestModel {
+  std::optional<WebSDKSetLocationRequestModel> addressObject;  // "address"
+  std::optional<DeeplinkModel> deeplinkDetailModel;           // "deepLink"
+
+  static std::optional<WebSDKSetLocationWithDeeplinkRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKSetLocationWithDeeplinkRequestModel, addressObject, deeplinkDetailModel)
+};
+
+// ---- Web pages and the browser -------------------------------------------------
+
+/// Opens another web page. Fails unless "url" is a string; the other strings
+/// default to "", the booleans count only as JSON bools.
+struct WebSDKWebNavigateRequestModel {
+  std::string url;
+  bool openAsExternal = false;
+  bool showLoader = false;
+  bool showBack = false;
+  std::string callbackUrl;
+  std::optional<std::map<std::string, std::string>> headers;
+  std::string title;
+  bool openAsExternalWithBridgeSupport = false;
+
+  static std::optional<WebSDKWebNavigateRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKWebNavigateRequestModel, url, openAsExternal, showLoader, showBack, callbackUrl, headers, title,
+                openAsExternalWithBridgeSupport)
+};
+
+/// `url` read leniently ("" when missing). Never fails.
+struct WebSDKLaunchBrowserRequestModel {
+  std::string url;
+
+  static std::optional<WebSDKLaunchBrowserRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKLaunchBrowserRequestModel, url)
+};
+
+/// Fails on an empty payload or without "link" (read leniently).
+struct WebSDKOpenOrbisV2RequestModel {
+  std::string link;
+  std::optional<double> lastMile;
+
+  static std::optional<WebSDKOpenOrbisV2RequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKOpenOrbisV2RequestModel, link, lastMile)
+};
+
+/// Fails unless "link" reads (leniently) as non-empty text.
+struct WebSDKOpenOrbisV3RequestModel {
+  std::string link;
+
+  static std::optional<WebSDKOpenOrbisV3RequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKOpenOrbisV3RequestModel, link)
+};
+
+// ---- Leaving the web view ------------------------------------------------------
+
+/// Instructions for the screen under a closing web view. Never fails. A
+/// boolean is true only when its value reads as "True", "true", "yes" or "1";
+/// an optional boolean is absent when its key is.
+struct CloseWebViewParams {
+  bool shouldRefresh = false;
+  std::int64_t rating = 0;
+  std::optional<std::string> orbisV2SelectedPlanId;
+  bool goToHome = false;
+  bool moveToAccount = false;  // "movetoAccount"
+  bool moveToMenu = false;
+  std::optional<std::string> menuId;
+  bool isFromRating = false;  // "isForRating"
+  bool expandRefund = false;
+  std::optional<bool> isBreachResolved;
+  std::optional<bool> isCurrentDeviceLoggedOut;
+  std::optional<std::string> flow;
+  std::optional<std::string> stationId;
+
+  static std::optional<CloseWebViewParams> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(CloseWebViewParams, shouldRefresh, rating, orbisV2SelectedPlanId, goToHome, moveToAccount, moveToMenu,
+                menuId, isFromRating, expandRefund, isBreachResolved, isCurrentDeviceLoggedOut, flow, stationId)
+};
+
+/// Never fails; `params` is absent when "params" is missing or JSON null.
+struct WebSDKCloseWebviewWithParamsModel {
+  std::optional<CloseWebViewParams> params;
+
+  static std::optional<WebSDKCloseWebviewWithParamsModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKCloseWebviewWithParamsModel, params)
+};
+
+// ---- Refreshing a screen ---------------------------------------------------------
+
+enum class RefreshType { screen };
+constexpr auto rawValues(RefreshType) { return rawValueTable<RefreshType>({{RefreshType::screen, "screen"}}); }
+
+enum class RefreshScreenType { menu };
+constexpr auto rawValues(RefreshScreenType) {
+  return rawValueTable<RefreshScreenType>({{RefreshScreenType::menu, "menu"}});
+}
+
+/// Never fails; `restaurantId` only when it is a string.
+struct RefreshScreenParam {
+  std::optional<std::string> restaurantId;
+
+  static std::optional<RefreshScreenParam> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(RefreshScreenParam, restaurantId)
+};
+
+/// Only the menu screen can be refreshed: fails unless "type" is "screen" and
+/// "link" is "menu".
+struct WebSDKRefreshScreenRequestModel {
+  RefreshType type{};
+  RefreshScreenType link{};
+  std::optional<RefreshScreenParam> params;
+
+  static std::optional<WebSDKRefreshScreenRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKRefreshScreenRequestModel, type, link, params)
+};
+
+// ---- Web views that share data ---------------------------------------------------
+
+/// Never fails; both strings "" unless given as strings.
+struct WebSDKOpenWebViewAndSyncDataRequestModel {
+  std::string source;
+  std::string link;
+
+  static std::optional<WebSDKOpenWebViewAndSyncDataRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKOpenWebViewAndSyncDataRequestModel, source, link)
+};
+
+/// Never fails. `closeOnly` only as a JSON bool, `data` only as an object.
+struct WebSDKCloseWebViewAndSyncDataRequestModel {
+  std::string source;
+  std::optional<bool> closeOnly;
+  std::optional<JSONObject> data;
+
+  static std::optional<WebSDKCloseWebViewAndSyncDataRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKCloseWebViewAndSyncDataRequestModel, source, closeOnly, data)
+};
+
+// ---- Bottom bar and half card ------------------------------------------------------
+
+/// Fails unless "tabIdentifier" is a string. Pages cannot pass tab
+/// parameters: `params` is always an empty map.
+struct WebSDKSwitchBottomBarModel {
+  std::optional<std::string> tabIdentifier;
+  std::optional<JSONObject> params;
+
+  static std::optional<WebSDKSwitchBottomBarModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKSwitchBottomBarModel, tabIdentifier, params)
+};
+
+/// `height` read leniently ("" when missing). Never fails. The host holds it
+/// by shared reference.
+struct WebSDKGetHalfCardHeightRequestModel {
+  std::string height;
+
+  static std::optional<WebSDKGetHalfCardHeightRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKGetHalfCardHeightRequestModel, height)
+};
+
+}  // namespace websdk

@@ -1,0 +1,162 @@
+#pragma once
+// Order and transaction events the checkout page reports, and the host's
+// answers about the checkout and about Juspay and UPI.
+
+#include "websdk/json/Readings.hpp"
+#include "websdk/json/Record.hpp"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace websdk {
+
+// ---- Requests ----------------------------------------------------------------
+
+/// "POST_ORDER_EVENT". Fails unless "orderData" is an object.
+struct WebSDKPostOrderRequestModel {
+  JSONObject orderData;
+  std::optional<std::string> businessLine;
+  std::optional<bool> showTrack;
+
+  static std::optional<WebSDKPostOrderRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKPostOrderRequestModel, orderData, businessLine, showTrack)
+};
+
+/// "STORE_ORDER_INFO_EVENT": the order event plus where the order can be read.
+struct WebSDKStoreOrderInfoRequestModel {
+  JSONObject orderData;
+  std::optional<std::string> businessLine;
+  std::optional<bool> showTrack;
+  std::optional<std::string> orderInfoUrl;
+
+  static std::optional<WebSDKStoreOrderInfoRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKStoreOrderInfoRequestModel, orderData, businessLine, showTrack, orderInfoUrl)
+};
+
+/// The payment method that failed, as the checkout page lists it.
+struct PaymentMethodData {
+  std::string name;
+  std::string displayName;
+  std::string paymentCode;
+  bool enabled = false;
+  std::string groupName;
+  bool couponApplicable = false;
+  std::optional<bool> preferred;
+  bool splitPayEnabled = false;
+  std::optional<std::int64_t> preferredPriority;
+
+  /// Nothing when there is no object; otherwise never fails.
+  static std::optional<PaymentMethodData> from(Fields method);
+  WEBSDK_RECORD(PaymentMethodData, name, displayName, paymentCode, enabled, groupName, couponApplicable, preferred,
+                splitPayEnabled, preferredPriority)
+};
+
+/// "ORDER_FAILED_EVENT". Fails unless "paymentMethodData" is an object.
+struct WebSDKOrderFailedRequestModel {
+  PaymentMethodData paymentMethodData;
+  std::optional<std::string> orderId;
+  std::string errorCode;
+  std::string errorText;
+  std::string totalBill;
+
+  static std::optional<WebSDKOrderFailedRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKOrderFailedRequestModel, paymentMethodData, orderId, errorCode, errorText, totalBill)
+};
+
+/// "PAYMENT_IN_PENDING_STATE". Shared with the host by reference. Never
+/// fails: missing strings are "", `data` is the "requestObj" object or empty.
+struct WebSDKPaymentPendingStateRequestModel {
+  std::string paymentMethodName;
+  std::string marketplaceBusinessLine;
+  std::string marketplaceCategory;
+  JSONObject data;
+
+  static std::optional<WebSDKPaymentPendingStateRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKPaymentPendingStateRequestModel, paymentMethodName, marketplaceBusinessLine,
+                marketplaceCategory, data)
+};
+
+// ---- Responses -----------------------------------------------------------------
+
+struct WebSDKCheckoutRestaurantDetails {
+  std::string name;
+  std::string id;
+
+  WEBSDK_RECORD(WebSDKCheckoutRestaurantDetails, name, id)
+};
+
+struct WebSDKCheckoutDeliveryAddress {
+  std::string address;
+  std::string annotation;
+  std::string name;
+
+  WEBSDK_RECORD(WebSDKCheckoutDeliveryAddress, address, annotation, name)
+};
+
+/// Answers "GET_CHECKOUT_META_INFO". Absent values are left out; the train
+/// journey travels under "irctc_data" as flat string pairs.
+struct WebSDKCheckoutMetaResponseModel {
+  std::optional<WebSDKCheckoutRestaurantDetails> restaurantDetails;
+  std::optional<std::int64_t> cartItemsCount;
+  std::optional<std::int64_t> slaTime;
+  std::optional<std::string> slaMessage;
+  std::optional<WebSDKCheckoutDeliveryAddress> deliveryAddress;
+  std::optional<std::string> couponCode;
+  std::optional<std::string> discountMessage;
+  std::optional<std::string> orderComments;
+  std::optional<std::map<std::string, std::string>> irctc_data;
+
+  WEBSDK_RECORD(WebSDKCheckoutMetaResponseModel, restaurantDetails, cartItemsCount, slaTime, slaMessage,
+                deliveryAddress, couponCode, discountMessage, orderComments, irctc_data)
+};
+
+/// Answers "IS_JUSPAY_AVAILABLE", with each SDK feature's availability.
+struct WebSDKJuspayAvailableResponseModel {
+  bool isAvailable = false;
+  std::map<std::string, bool> featuresAvailability;
+
+  WEBSDK_RECORD(WebSDKJuspayAvailableResponseModel, isAvailable, featuresAvailability)
+};
+
+/// Answers the Juspay payment actions.
+struct WebSDKJuspayGenericResponseModel {
+  std::string status;
+  std::string orderId;
+
+  WEBSDK_RECORD(WebSDKJuspayGenericResponseModel, status, orderId)
+};
+
+/// Answers "PAY_USING_UPI_INTENT".
+struct WebSDKPayUsingUPIIntentResponseModel {
+  std::string status;
+  std::string orderId;
+
+  WEBSDK_RECORD(WebSDKPayUsingUPIIntentResponseModel, status, orderId)
+};
+
+/// Answers "IS_UPI_INTENT_METHOD_AVAILABLE" with the UPI apps found.
+struct WebSDKIsUPIIntentMethodAvailableResponseModel {
+  std::vector<std::string> methods;
+
+  WEBSDK_RECORD(WebSDKIsUPIIntentMethodAvailableResponseModel, methods)
+};
+
+/// Answers "IS_INAPP_UPI_ENABLED".
+struct WebSDKUpiEnabledResponseModel {
+  bool isEnabled = false;
+
+  WEBSDK_RECORD(WebSDKUpiEnabledResponseModel, isEnabled)
+};
+
+/// Answers "GET_INAPP_UPI_DATA_FROM_CACHE" with the hash of the user's in-app
+/// UPI accounts.
+struct WebSDKUpiGstResponseModel {
+  std::string inAppUPIAccountsHash;
+
+  WEBSDK_RECORD(WebSDKUpiGstResponseModel, inAppUPIAccountsHash)
+};
+
+}  // namespace websdk

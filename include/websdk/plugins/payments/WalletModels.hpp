@@ -1,0 +1,160 @@
+#pragma once
+// Amazon Pay, linked wallets and CRED eligibility: what the page asks and what
+// the host answers.
+
+#include "websdk/json/Readings.hpp"
+#include "websdk/json/Record.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace websdk {
+
+// ---- Requests ----------------------------------------------------------------
+
+/// The Amazon Pay step a request is for. "unknown" is what any other step reads
+/// as; the host decides how to answer it.
+enum class WebSDKAmazonPayRequestState { getBalance, linkWallet, proceedToPay, checkChargeStatus, isAmazonSDKAvailable, unknown };
+constexpr auto rawValues(WebSDKAmazonPayRequestState) {
+  using enum WebSDKAmazonPayRequestState;
+  return rawValueTable<WebSDKAmazonPayRequestState>({{getBalance, "GET_BALANCE"},
+                                                     {linkWallet, "LINK_WALLET"},
+                                                     {proceedToPay, "PROCEED_TO_PAY"},
+                                                     {checkChargeStatus, "CHECK_CHARGE_STATUS"},
+                                                     {isAmazonSDKAvailable, "IS_AMAZON_SDK_AVAILABLE"},
+                                                     {unknown, "unknown"}});
+}
+
+/// "PAY_USING_AMAZON_PAY": one action for every Amazon Pay step, with the
+/// step's parameters passed on untouched. Never fails.
+struct WebSDKPayUsingAmazonPayRequestModel {
+  WebSDKAmazonPayRequestState state = WebSDKAmazonPayRequestState::unknown;
+  JSONObject data;
+
+  static std::optional<WebSDKPayUsingAmazonPayRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKPayUsingAmazonPayRequestModel, state, data)
+};
+
+enum class WebSDKLinkRequestSource { payments, accounts };
+constexpr auto rawValues(WebSDKLinkRequestSource) {
+  using enum WebSDKLinkRequestSource;
+  return rawValueTable<WebSDKLinkRequestSource>({{payments, "PAYMENTS"}, {accounts, "ACCOUNTS"}});
+}
+
+/// "SEND_LINK_ACCOUNT_STATUS". Fails without "paymentCode"; an unknown
+/// "source" only leaves `linkRequestSource` absent.
+struct WebSDKSendLinkStatusRequestModel {
+  std::string paymentCode;
+  std::optional<std::string> status;
+  std::optional<std::string> token;
+  std::optional<std::string> linkedMobileNumber;
+  std::optional<WebSDKLinkRequestSource> linkRequestSource;
+  std::optional<std::string> corporateEmail;
+
+  static std::optional<WebSDKSendLinkStatusRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKSendLinkStatusRequestModel, paymentCode, status, token, linkedMobileNumber, linkRequestSource,
+                corporateEmail)
+};
+
+/// The wallet a wallet-data, linked-wallet or add-money request is about;
+/// filled from the page's "walletCode" by the payments decoding itself.
+struct WebSDKGetLinkWalletDataRequestModel {
+  std::string paymentCode;
+
+  WEBSDK_RECORD(WebSDKGetLinkWalletDataRequestModel, paymentCode)
+};
+
+/// "WALLET_DELINKED". Fails without "walletCode".
+struct WebSDKWalletDelinkedRequestModel {
+  std::string walletCode;
+  std::optional<std::vector<std::string>> walletCodes;
+  std::optional<std::string> mobileNumber;
+
+  static std::optional<WebSDKWalletDelinkedRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKWalletDelinkedRequestModel, walletCode, walletCodes, mobileNumber)
+};
+
+/// "GET_CRED_ELIGIBILTY". Never fails: missing values are "". `authToken`
+/// comes from "clientAuthToken".
+struct WebSDKGetCredEligibilityRequestModel {
+  std::string authToken;
+  std::string merchantId;
+  std::string amount;
+  std::string mobileNumber;
+
+  static std::optional<WebSDKGetCredEligibilityRequestModel> from(const std::optional<JSONObject>& payload);
+  WEBSDK_RECORD(WebSDKGetCredEligibilityRequestModel, authToken, merchantId, amount, mobileNumber)
+};
+
+// ---- Responses -----------------------------------------------------------------
+
+/// Answers the Amazon Pay SDK availability step.
+struct WebSDKAmazonAvailableResponseModel {
+  bool isAmazonSdkAvailable = false;
+
+  WEBSDK_RECORD(WebSDKAmazonAvailableResponseModel, isAmazonSdkAvailable)
+};
+
+/// Answers the balance step; no balance leaves "balance" out.
+struct WebSDKAmazonPayGetbalanceResponseModel {
+  bool linked = false;
+  std::optional<double> balance;
+
+  WEBSDK_RECORD(WebSDKAmazonPayGetbalanceResponseModel, linked, balance)
+};
+
+/// Answers the proceed-to-pay step.
+struct WebSDKAmazonPayProceedToPayResponseModel {
+  std::string status;
+  std::string orderId;
+  std::string transactionId;
+
+  WEBSDK_RECORD(WebSDKAmazonPayProceedToPayResponseModel, status, orderId, transactionId)
+};
+
+/// Answers the charge-status step with the provider's values as text.
+struct WebSDKAmazonPayChargeStatusResponseModel {
+  std::string transactionStatusDescription;
+  std::string signature;
+  std::string verificationOperationName;
+  std::string merchantTransactionId;
+  std::string transactionCurrencyCode;
+  std::string transactionStatusCode;
+  std::string transactionValue;
+  std::string transactionDate;
+  std::string transactionId;
+
+  WEBSDK_RECORD(WebSDKAmazonPayChargeStatusResponseModel, transactionStatusDescription, signature,
+                verificationOperationName, merchantTransactionId, transactionCurrencyCode, transactionStatusCode,
+                transactionValue, transactionDate, transactionId)
+};
+
+/// An app-pay transaction's result.
+struct WebSDKAppPayTxnResponseModel {
+  std::string status;
+  std::string orderId;
+
+  WEBSDK_RECORD(WebSDKAppPayTxnResponseModel, status, orderId)
+};
+
+/// Answers "GET_CRED_ELIGIBILTY": the live answer always has all three facts.
+struct WebSDKGetCredEligibilityResponseModel {
+  std::string flowType;
+  bool isEligible = false;
+  std::string bannerText;
+
+  WEBSDK_RECORD(WebSDKGetCredEligibilityResponseModel, flowType, isEligible, bannerText)
+};
+
+/// Answers "GET_CRED_ELIGIBILTY_FROM_APP_CACHE": the cached answer may lack
+/// the banner and the flow type.
+struct WebSDKGetCredEligibilityFromAppCacheResponseModel {
+  bool isEligible = false;
+  std::optional<std::string> bannerText;
+  std::optional<std::string> flowType;
+
+  WEBSDK_RECORD(WebSDKGetCredEligibilityFromAppCacheResponseModel, isEligible, bannerText, flowType)
+};
+
+}  // namespace websdk

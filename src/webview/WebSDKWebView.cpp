@@ -165,6 +165,20 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
   });
 }
 
+// ---- Page events ---------------------------------------------------------------
+
+void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
+                                                    WebSDKJSCompletionHandler completionHandler) {
+  engine_->evaluateJavaScript(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
+    // A script error is not passed on: the handler then gets nothing.
+    if (handler) handler(result.error ? std::nullopt : std::move(result.value));
+  });
+}
+
+void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
+  engine_->evaluateJavaScript(type.script(), nullptr);
+}
+
 // ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----
 
 void WebSDKWebView::didStartProvisionalNavigation(const WebSDKNavigation* navigation) {

@@ -8,6 +8,7 @@
 #include "websdk/json/Record.hpp"
 #include "websdk/webview/WebEngine.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
+#include "websdk/webview/WebSDKJSFunctionType.hpp"
 #include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
@@ -54,6 +55,12 @@ using WebSDKHeaders = std::map<std::string, std::string>;
 class WebSDKJSInteractionProtocol {
  public:
   virtual ~WebSDKJSInteractionProtocol() = default;
+  /// Evaluates the event's call text at once (UI thread); `completionHandler`
+  /// gets the script's value, or nothing when it returned nothing or failed.
+  virtual void executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
+                                               WebSDKJSCompletionHandler completionHandler) = 0;
+  /// Evaluates the event's call text at once (UI thread); result and errors are ignored.
+  virtual void executeJSFunction(const WebSDKJSFunctionType& type) = 0;
   /// Ready-encoded payload bytes (UTF-8), evaluated at once on the calling
   /// (UI) thread; the listener is not told.
   virtual void sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
@@ -151,6 +158,11 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
                           std::optional<std::int64_t> statusCode = std::nullopt,
                           std::optional<std::string> statusMessage = std::nullopt) override;
+
+  // ---- Page events (UI thread) ------------------------------------------------
+  void executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
+                                       WebSDKJSCompletionHandler completionHandler) override;
+  void executeJSFunction(const WebSDKJSFunctionType& type) override;
 
   /// Encodes `response`, evaluates it in the page on the main queue, and tells
   /// the listener on the calling thread. Every answer but the ready-encoded

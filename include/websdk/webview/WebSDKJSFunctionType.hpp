@@ -1,0 +1,118 @@
+#pragma once
+// The events native code pushes to the page on its own initiative: each case
+// knows the exact call text of its page function. Arguments are spliced in
+// verbatim (nothing is escaped), so callers pass text without single quotes,
+// backslashes or line breaks.
+
+#include "websdk/json/JSON.hpp"
+#include "websdk/json/Payload.hpp"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace websdk {
+
+/// What each case carries, as the page function receives it.
+namespace jsfunction {
+struct KeyboardState {
+  bool visible = false;
+  double height = 0;
+  WEBSDK_RECORD(KeyboardState, visible, height)
+};
+struct ScreenVisibility {
+  bool isVisible = false;
+  WEBSDK_RECORD(ScreenVisibility, isVisible)
+};
+struct Deeplink {
+  std::string url;
+  WEBSDK_RECORD(Deeplink, url)
+};
+struct UserState {
+  bool loggedin = false;
+  WEBSDK_RECORD(UserState, loggedin)
+};
+struct PayloadData {
+  std::string payloadData;
+  WEBSDK_RECORD(PayloadData, payloadData)
+};
+struct SearchQuery {
+  std::string query;
+  WEBSDK_RECORD(SearchQuery, query)
+};
+struct MenuListInteraction {
+  bool playVideo = false;
+  bool menuClick = false;
+  WEBSDK_RECORD(MenuListInteraction, playVideo, menuClick)
+};
+struct PXSearchAction {
+  std::string query;
+  std::string type;
+  WEBSDK_RECORD(PXSearchAction, query, type)
+};
+struct ScratchCardsData {
+  std::string cardData;
+  WEBSDK_RECORD(ScratchCardsData, cardData)
+};
+}  // namespace jsfunction
+
+WEBSDK_NAMED_CASES(WebSDKJSFunctionTypeCase, keyboardStateChanged, onScreenVisibility, openDeeplink, userStateChange,
+                   allowNativeBottomBarExit, searchQueryInput, menuListInteracted, handlePXSearchActions,
+                   updateScratchCardsData, globalJSBridgeHandler, getPXCartCallback, handleSwipeGesture,
+                   onHalfCardBackgroundTap, updateLocationHeader, pageResume)
+
+class WebSDKJSFunctionType
+    : public TaggedPayload<
+          WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
+          Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,
+          Carries<WebSDKJSFunctionTypeCase::onScreenVisibility, jsfunction::ScreenVisibility>,
+          Carries<WebSDKJSFunctionTypeCase::openDeeplink, jsfunction::Deeplink>,
+          Carries<WebSDKJSFunctionTypeCase::userStateChange, jsfunction::UserState>,
+          Carries<WebSDKJSFunctionTypeCase::allowNativeBottomBarExit, jsfunction::PayloadData>,
+          Carries<WebSDKJSFunctionTypeCase::searchQueryInput, jsfunction::SearchQuery>,
+          Carries<WebSDKJSFunctionTypeCase::menuListInteracted, jsfunction::MenuListInteraction>,
+          Carries<WebSDKJSFunctionTypeCase::handlePXSearchActions, jsfunction::PXSearchAction>,
+          Carries<WebSDKJSFunctionTypeCase::updateScratchCardsData, jsfunction::ScratchCardsData>,
+          Carries<WebSDKJSFunctionTypeCase::globalJSBridgeHandler, jsfunction::PayloadData>> {
+ public:
+  static WebSDKJSFunctionType keyboardStateChanged(bool visible, double height) {
+    return make<Case::keyboardStateChanged>({visible, height});
+  }
+  static WebSDKJSFunctionType onScreenVisibility(bool isVisible) { return make<Case::onScreenVisibility>({isVisible}); }
+  static WebSDKJSFunctionType openDeeplink(std::string url) { return make<Case::openDeeplink>({std::move(url)}); }
+  static WebSDKJSFunctionType userStateChange(bool loggedin) { return make<Case::userStateChange>({loggedin}); }
+  static WebSDKJSFunctionType allowNativeBottomBarExit(std::string payloadData) {
+    return make<Case::allowNativeBottomBarExit>({std::move(payloadData)});
+  }
+  /// Only the opening "SEARCH_QUERY_INPUT(" is written: `query` carries the
+  /// rest of the call, its quotes and the closing parenthesis.
+  static WebSDKJSFunctionType searchQueryInput(std::string query) {
+    return make<Case::searchQueryInput>({std::move(query)});
+  }
+  static WebSDKJSFunctionType menuListInteracted(bool playVideo, bool menuClick) {
+    return make<Case::menuListInteracted>({playVideo, menuClick});
+  }
+  static WebSDKJSFunctionType handlePXSearchActions(std::string query, std::string type) {
+    return make<Case::handlePXSearchActions>({std::move(query), std::move(type)});
+  }
+  static WebSDKJSFunctionType updateScratchCardsData(std::string cardData) {
+    return make<Case::updateScratchCardsData>({std::move(cardData)});
+  }
+  static WebSDKJSFunctionType globalJSBridgeHandler(std::string payloadData) {
+    return make<Case::globalJSBridgeHandler>({std::move(payloadData)});
+  }
+  static WebSDKJSFunctionType getPXCartCallback() { return make<Case::getPXCartCallback>(); }
+  static WebSDKJSFunctionType handleSwipeGesture() { return make<Case::handleSwipeGesture>(); }
+  static WebSDKJSFunctionType onHalfCardBackgroundTap() { return make<Case::onHalfCardBackgroundTap>(); }
+  static WebSDKJSFunctionType updateLocationHeader() { return make<Case::updateLocationHeader>(); }
+  static WebSDKJSFunctionType pageResume() { return make<Case::pageResume>(); }
+
+  /// The call text evaluated in the page.
+  std::string script() const;
+};
+
+/// Called once when an evaluation ends: the script's value, or nothing when
+/// it returned nothing or failed.
+using WebSDKJSCompletionHandler = std::function<void(std::optional<JSON>)>;
+
+}  // namespace websdk

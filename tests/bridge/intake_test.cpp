@@ -1,0 +1,221 @@
+#include "support/Harness.hpp"
+
+#include "websdk/bridge/Families.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace websdk {
+namespace {
+
+using test::Harness;
+using test::RecordingCart;
+
+JSON failure(std::int64_t code, std::optional<std::string> message, std::string requestId) {
+  JSONObject o{{"type", "FAILED"}, {"statusCode", code}};
+  if (message) o.emplace("statusMessage", *message);
+  o.emplace("requestId", requestId);
+  return o;
+}
+
+TEST(Intake, ACartRequestReachesTheCartPluginAndItsAnswerReachesThePage) {
+  Harness h;
+  auto cart = std::make_shared<RecordingCart>();
+  h.view->setCartPlugin(cart);
+  h.post(R"({"type":"GET_LOCAL_CART","requestId":"7","payload":{"tenant":{}}})");
+
+  ASSERT_EQ(cart->received.size(), 1u);
+  const auto& [request, payload] = cart->received[0];
+  EXPECT_EQ(request.type, WebSDKCartAction::getCart);
+  EXPECT_EQ(request.requestId, "7");
+  EXPECT_EQ(payload, WebSDKCartRequestPayload::make<WebSDKCartRequestPayloadCase::getCart>({}));
+  EXPECT_TRUE(h.pageResponses().empty());
+  EXPECT_EQ(h.listener->requests.size(), 1u);
+
+  h.view->sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success, "7");
+  EXPECT_TRUE(h.pageResponses().empty()) << "evaluated on the main queue, not at once";
+  EXPECT_EQ(h.listener->responses.size(), 1u) << "the listener is told on the sender's thread";
+  h.engine->queue().drain();
+  const auto responses = h.pageResponses();
+  ASSERT_EQ(responses.size(), 1u);
+  EXPECT_EQ(responses[0].at("requestId"), "7");
+  EXPECT_EQ(responses[0].at("statusCode"), 0);
+  EXPECT_EQ(parseJSON(responses[0].at("payload").as_string()), parseJSON(R"({"items":2})"));
+}
+
+struct FailureRow {
+  const char* name;
+  std::string request;
+  JSON expected;
+};
+
+// Every failure the bridge answers itself, with no plugin registered.
+TEST(Intake, EveryFailureReachesThePageAsItsEnvelope) {
+  const FailureRow rows[] = {
+      {"family known, no plugin", R"({"type":"GET_LOCAL_CART","requestId":"7","payload":{"tenant":{}}})",
+       failure(1004, "Cart Plugin not subscribed or not a valid request", "7")},
+      {"gifting wording for recipient info", R"({"type":"CLEAR_GIFTING_LOCAL_CART","requestId":"g"})",
+       failure(1004, "Gifting Cart Plugin not subscribed or not a valid request", "g")},
+      {"numeric request id", R"({"type":"GET_LOCAL_CART","requestId":7,"payload":{"tenant":{}}})",
+       failure(1004, "not a valid request", "7")},
+      {"unknown action, no id", R"({"type":"NO_SUCH_ACTION"})", failure(1004, "not a valid request", "")},
+      {"payload fails its model", R"({"type":"APPLY_COUPON","requestId":"c","payload":{}})",
+       failure(1004, "not a valid request", "c")},
+      {"type given as a number", R"({"type":5,"requestId":"n"})", failure(1004, "not a valid request", "n")},
+      {"type in lower case", R"({"type":"get_local_cart","requestId":"l"})", failure(1004, "not a valid request", "l")},
+      {"text that is not JSON", "GET_LOCAL_CART", failure(1004, "not a valid request", "")},
+      {"a JSON array", R"(["GET_LOCAL_CART"])", failure(1004, "not a valid request", "")},
+  };
+  for (const auto& row : rows) {
+    Harness h;
+    h.post(row.request);
+    const auto responses = h.pageResponses();
+    ASSERT_EQ(responses.size(), 1u) << row.name;
+    EXPECT_EQ(responses[0], row.expected) << row.name;
+    ASSERT_EQ(h.listener->responses.size(), 1u) << row.name;
+  }
+}
+
+TEST(Intake, ARequestOfEveryFamilyWithoutItsPluginGetsTheFamilysMessage) {
+  // A request whose payload decodes for each family that has actions so far.
+  std::set<std::string_view> messages;
+  forEachFamily([&]<class F>(F) {
+    messages.insert(F::failureMessage);
+    for (const auto& entry : enumTable<typename F::Action>) {
+      for (const char* payload : {"{}", R"({"tenant":{},"restaurantId":"1","orderId":"1","juspayParams":{}})"}) {
+        const std::string text = std::string(R"({"type":")") + std::string(entry.raw) +
+                                 R"(","requestId":"r","payload":)" + payload + "}";
+        typename F::Request request{entry.value, "r", parseJSON(payload).as_object()};
+        if (!F::Payload::validateRequest(request)) continue;
+        Harness h;
+        h.post(text);
+        const auto responses = h.pageResponses();
+        ASSERT_EQ(responses.size(), 1u) << text;
+        EXPECT_EQ(responses[0].at("statusMessage").as_string(), F::failureMessage) << text;
+        break;
+      }
+    }
+  });
+  EXPECT_EQ(messages.size(), std::tuple_size_v<BridgeFamilies>);
+  EXPECT_TRUE(messages.contains("Gifting plugin not subscribed or not a valid request"));
+}
+
+TEST(Intake, APageOutsideTheWhitelistIsAnsweredWithItsURLAndNoPluginIsCalled) {
+  Harness h({"example.com"}, false, "https://evil.test/pay?x=1");
+  auto cart = std::make_shared<RecordingCart>();
+  h.view->setCartPlugin(cart);
+  h.post(R"({"type":"GET_LOCAL_CART","requestId":"7","payload":{"tenant":{}}})");
+  EXPECT_TRUE(cart->received.empty());
+  EXPECT_EQ(h.listener->requests.size(), 1u) << "the listener hears the request before the host check";
+  ASSERT_EQ(h.pageResponses().size(), 1u);
+  EXPECT_EQ(h.pageResponses()[0], failure(1005, "https://evil.test/pay?x=1", "7"));
+
+  Harness noPage({"localhost"}, false, std::nullopt);
+  noPage.post(R"({"type":"GET_LOCAL_CART","requestId":"8"})");
+  ASSERT_EQ(noPage.pageResponses().size(), 1u);
+  EXPECT_EQ(noPage.pageResponses()[0], failure(1005, std::nullopt, "8"));
+}
+
+TEST(Intake, MalformedMessagesAreDroppedSilently) {
+  Harness h;
+  auto cart = std::make_shared<RecordingCart>();
+  h.view->setCartPlugin(cart);
+  const std::string valid = R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})";
+  // A message to another name never reaches the handler's logic.
+  h.view->handler()->userContentController(ScriptMessage{"otherHandler", JSONObject{{"message", valid}}});
+  h.engine->postScriptMessage("nativeRequest", JSON(valid));                                 // body not a dictionary
+  h.engine->postScriptMessage("nativeRequest", JSONObject{{"msg", valid}});                  // no "message"
+  h.engine->postScriptMessage("nativeRequest", JSONObject{{"message", parseJSON(valid)}});   // not a string
+  h.engine->postScriptMessage("nativeRequest", JSON(nullptr));
+  h.engine->queue().drain();
+  EXPECT_TRUE(cart->received.empty());
+  EXPECT_TRUE(h.pageResponses().empty());
+  EXPECT_TRUE(h.listener->requests.empty());
+}
+
+TEST(Registration, TheLastPluginSetWinsAndAReleasedOneFallsBackToTheFailure) {
+  Harness h;
+  auto first = std::make_shared<RecordingCart>();
+  auto second = std::make_shared<RecordingCart>();
+  h.view->setCartPlugin(first);
+  h.view->setCartPlugin(second);
+  h.post(R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})");
+  EXPECT_TRUE(first->received.empty());
+  EXPECT_EQ(second->received.size(), 1u);
+
+  second.reset();
+  h.post(R"({"type":"CLEAR_LOCAL_CART","requestId":"2"})");
+  ASSERT_EQ(h.pageResponses().size(), 1u);
+  EXPECT_EQ(h.pageResponses()[0], failure(1004, "Cart Plugin not subscribed or not a valid request", "2"));
+}
+
+struct BothCarts final : DvCartWebViewCallBacks, DvPXCartWebViewCallBacks {
+  std::vector<std::string> calls;
+  void handleCartRequest(const WebSDKCartRequestModel& r, const WebSDKCartRequestPayload&) override {
+    calls.push_back("cart:" + std::string(rawValue(r.type)));
+  }
+  void handlePXCartRequest(const WebSDKPXCartRequestModel& r, const WebSDKPXCartRequestPayload&) override {
+    calls.push_back("px:" + std::string(rawValue(r.type)));
+  }
+};
+
+TEST(Registration, OneObjectServingTwoFamiliesGetsEachThroughItsOwnOperation) {
+  Harness h;
+  auto both = std::make_shared<BothCarts>();
+  h.view->setCartPlugin(both);
+  h.view->setPXCartPlugin(both);
+  h.post(R"({"type":"PX_GET_LOCAL_CART","requestId":"1"})");
+  h.post(R"({"type":"CLEAR_LOCAL_CART","requestId":"2"})");
+  EXPECT_EQ(both->calls, (std::vector<std::string>{"px:PX_GET_LOCAL_CART", "cart:CLEAR_LOCAL_CART"}));
+}
+
+// A plugin that drops its own registration (and the page's view) while handling.
+struct SelfReleasing final : DvCartWebViewCallBacks {
+  std::shared_ptr<WebSDKWebView>* view = nullptr;
+  int calls = 0;
+  void handleCartRequest(const WebSDKCartRequestModel&, const WebSDKCartRequestPayload&) override {
+    ++calls;
+    view->reset();
+  }
+};
+
+TEST(Lifetimes, ResetReleasedViewsAndPluginsAnswerNothingAndNeverCrash) {
+  {
+    Harness h;
+    auto cart = std::make_shared<RecordingCart>();
+    h.view->setCartPlugin(cart);
+    h.view->resetWebView();
+    h.post(R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})");
+    h.post(R"({"type":"NOPE","requestId":"2"})");
+    EXPECT_TRUE(cart->received.empty());
+    EXPECT_TRUE(h.pageResponses().empty());
+    EXPECT_EQ(h.listener->requests.size(), 2u);
+  }
+  {
+    Harness h;
+    auto cart = std::make_shared<SelfReleasing>();
+    cart->view = &h.view;
+    h.view->setCartPlugin(cart);
+    auto engine = h.view->handler();  // keep the handler alive past its view, as a late message would
+    h.engine->postRequest(R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})");
+    EXPECT_EQ(cart->calls, 1);
+    EXPECT_EQ(h.view, nullptr);
+    engine->userContentController(ScriptMessage{"nativeRequest", JSONObject{{"message", R"({"type":"X"})"}}});
+  }
+}
+
+TEST(Routing, ActionStringsOfTheFamiliesAreDisjoint) {
+  std::set<std::string_view> seen;
+  std::size_t total = 0;
+  forEachFamily([&]<class F>(F) {
+    for (const auto& entry : enumTable<typename F::Action>) {
+      seen.insert(entry.raw);
+      ++total;
+    }
+  });
+  EXPECT_EQ(seen.size(), total);
+}
+
+}  // namespace
+}  // namespace websdk

@@ -75,7 +75,7 @@ struct WebSDKGetOneClickCardEligibilityResponseModel {
   struct Vies {
     bool eligibility = false;
     bool enrolled = false;
-    std::optional<std::string> responseMsg;
+    std::optional<std::string> responseMsg{};
     bool expired = false;
 
     static std::optional<Vies> decode(const JSON& value);
@@ -83,22 +83,22 @@ struct WebSDKGetOneClickCardEligibilityResponseModel {
   };
 
   struct CheckType {
-    Vies vies;
+    Vies vies{};
 
     static std::optional<CheckType> decode(const JSON& value);
     WEBSDK_RECORD(CheckType, vies)
   };
 
   struct CardEligiblityDetail {
-    CheckType checkType;
-    std::string cardBin;
-    std::string cardFingerPrint;
+    CheckType checkType{};
+    std::string cardBin{};
+    std::string cardFingerPrint{};
 
     static std::optional<CardEligiblityDetail> decode(const JSON& value);
     WEBSDK_RECORD(CardEligiblityDetail, checkType, cardBin, cardFingerPrint)
   };
 
-  std::vector<CardEligiblityDetail> cardEligiblityDetails;
+  std::vector<CardEligiblityDetail> cardEligiblityDetails{};
 
   /// From the provider's answer: the cards under "payload"."cards", each with
   /// a string "cardBin", a string "cardAlias" (the fingerprint) and a strictly
@@ -124,8 +124,8 @@ struct WebSDKOneClickDeEnrollResponseModel {
 
 struct WebSDKOneClickDeleteResponseModel {
   bool isDeleted = false;
-  std::string errorMessage;
-  std::string errorCode;
+  std::string errorMessage{};
+  std::string errorCode{};
 
   static std::optional<WebSDKOneClickDeleteResponseModel> decode(const JSON& value);
   WEBSDK_RECORD(WebSDKOneClickDeleteResponseModel, isDeleted, errorMessage, errorCode)

@@ -82,16 +82,16 @@ struct WebSDKPaymentPendingStateRequestModel {
 // ---- Responses -----------------------------------------------------------------
 
 struct WebSDKCheckoutRestaurantDetails {
-  std::string name;
-  std::string id;
+  std::string name{};
+  std::string id{};
 
   WEBSDK_RECORD(WebSDKCheckoutRestaurantDetails, name, id)
 };
 
 struct WebSDKCheckoutDeliveryAddress {
-  std::string address;
-  std::string annotation;
-  std::string name;
+  std::string address{};
+  std::string annotation{};
+  std::string name{};
 
   WEBSDK_RECORD(WebSDKCheckoutDeliveryAddress, address, annotation, name)
 };
@@ -99,15 +99,15 @@ struct WebSDKCheckoutDeliveryAddress {
 /// Answers "GET_CHECKOUT_META_INFO". Absent values are left out; the train
 /// journey travels under "irctc_data" as flat string pairs.
 struct WebSDKCheckoutMetaResponseModel {
-  std::optional<WebSDKCheckoutRestaurantDetails> restaurantDetails;
-  std::optional<std::int64_t> cartItemsCount;
-  std::optional<std::int64_t> slaTime;
-  std::optional<std::string> slaMessage;
-  std::optional<WebSDKCheckoutDeliveryAddress> deliveryAddress;
-  std::optional<std::string> couponCode;
-  std::optional<std::string> discountMessage;
-  std::optional<std::string> orderComments;
-  std::optional<std::map<std::string, std::string>> irctc_data;
+  std::optional<WebSDKCheckoutRestaurantDetails> restaurantDetails{};
+  std::optional<std::int64_t> cartItemsCount{};
+  std::optional<std::int64_t> slaTime{};
+  std::optional<std::string> slaMessage{};
+  std::optional<WebSDKCheckoutDeliveryAddress> deliveryAddress{};
+  std::optional<std::string> couponCode{};
+  std::optional<std::string> discountMessage{};
+  std::optional<std::string> orderComments{};
+  std::optional<std::map<std::string, std::string>> irctc_data{};
 
   WEBSDK_RECORD(WebSDKCheckoutMetaResponseModel, restaurantDetails, cartItemsCount, slaTime, slaMessage,
                 deliveryAddress, couponCode, discountMessage, orderComments, irctc_data)
@@ -116,30 +116,30 @@ struct WebSDKCheckoutMetaResponseModel {
 /// Answers "IS_JUSPAY_AVAILABLE", with each SDK feature's availability.
 struct WebSDKJuspayAvailableResponseModel {
   bool isAvailable = false;
-  std::map<std::string, bool> featuresAvailability;
+  std::map<std::string, bool> featuresAvailability{};
 
   WEBSDK_RECORD(WebSDKJuspayAvailableResponseModel, isAvailable, featuresAvailability)
 };
 
 /// Answers the Juspay payment actions.
 struct WebSDKJuspayGenericResponseModel {
-  std::string status;
-  std::string orderId;
+  std::string status{};
+  std::string orderId{};
 
   WEBSDK_RECORD(WebSDKJuspayGenericResponseModel, status, orderId)
 };
 
 /// Answers "PAY_USING_UPI_INTENT".
 struct WebSDKPayUsingUPIIntentResponseModel {
-  std::string status;
-  std::string orderId;
+  std::string status{};
+  std::string orderId{};
 
   WEBSDK_RECORD(WebSDKPayUsingUPIIntentResponseModel, status, orderId)
 };
 
 /// Answers "IS_UPI_INTENT_METHOD_AVAILABLE" with the UPI apps found.
 struct WebSDKIsUPIIntentMethodAvailableResponseModel {
-  std::vector<std::string> methods;
+  std::vector<std::string> methods{};
 
   WEBSDK_RECORD(WebSDKIsUPIIntentMethodAvailableResponseModel, methods)
 };
@@ -154,7 +154,7 @@ struct WebSDKUpiEnabledResponseModel {
 /// Answers "GET_INAPP_UPI_DATA_FROM_CACHE" with the hash of the user's in-app
 /// UPI accounts.
 struct WebSDKUpiGstResponseModel {
-  std::string inAppUPIAccountsHash;
+  std::string inAppUPIAccountsHash{};
 
   WEBSDK_RECORD(WebSDKUpiGstResponseModel, inAppUPIAccountsHash)
 };

@@ -99,31 +99,31 @@ struct WebSDKAmazonAvailableResponseModel {
 /// Answers the balance step; no balance leaves "balance" out.
 struct WebSDKAmazonPayGetbalanceResponseModel {
   bool linked = false;
-  std::optional<double> balance;
+  std::optional<double> balance{};
 
   WEBSDK_RECORD(WebSDKAmazonPayGetbalanceResponseModel, linked, balance)
 };
 
 /// Answers the proceed-to-pay step.
 struct WebSDKAmazonPayProceedToPayResponseModel {
-  std::string status;
-  std::string orderId;
-  std::string transactionId;
+  std::string status{};
+  std::string orderId{};
+  std::string transactionId{};
 
   WEBSDK_RECORD(WebSDKAmazonPayProceedToPayResponseModel, status, orderId, transactionId)
 };
 
 /// Answers the charge-status step with the provider's values as text.
 struct WebSDKAmazonPayChargeStatusResponseModel {
-  std::string transactionStatusDescription;
-  std::string signature;
-  std::string verificationOperationName;
-  std::string merchantTransactionId;
-  std::string transactionCurrencyCode;
-  std::string transactionStatusCode;
-  std::string transactionValue;
-  std::string transactionDate;
-  std::string transactionId;
+  std::string transactionStatusDescription{};
+  std::string signature{};
+  std::string verificationOperationName{};
+  std::string merchantTransactionId{};
+  std::string transactionCurrencyCode{};
+  std::string transactionStatusCode{};
+  std::string transactionValue{};
+  std::string transactionDate{};
+  std::string transactionId{};
 
   WEBSDK_RECORD(WebSDKAmazonPayChargeStatusResponseModel, transactionStatusDescription, signature,
                 verificationOperationName, merchantTransactionId, transactionCurrencyCode, transactionStatusCode,
@@ -132,17 +132,17 @@ struct WebSDKAmazonPayChargeStatusResponseModel {
 
 /// An app-pay transaction's result.
 struct WebSDKAppPayTxnResponseModel {
-  std::string status;
-  std::string orderId;
+  std::string status{};
+  std::string orderId{};
 
   WEBSDK_RECORD(WebSDKAppPayTxnResponseModel, status, orderId)
 };
 
 /// Answers "GET_CRED_ELIGIBILTY": the live answer always has all three facts.
 struct WebSDKGetCredEligibilityResponseModel {
-  std::string flowType;
+  std::string flowType{};
   bool isEligible = false;
-  std::string bannerText;
+  std::string bannerText{};
 
   WEBSDK_RECORD(WebSDKGetCredEligibilityResponseModel, flowType, isEligible, bannerText)
 };
@@ -151,8 +151,8 @@ struct WebSDKGetCredEligibilityResponseModel {
 /// the banner and the flow type.
 struct WebSDKGetCredEligibilityFromAppCacheResponseModel {
   bool isEligible = false;
-  std::optional<std::string> bannerText;
-  std::optional<std::string> flowType;
+  std::optional<std::string> bannerText{};
+  std::optional<std::string> flowType{};
 
   WEBSDK_RECORD(WebSDKGetCredEligibilityFromAppCacheResponseModel, isEligible, bannerText, flowType)
 };

@@ -6,15 +6,21 @@
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 namespace websdk::test {
 
+// Notices of answers come on the sender's thread, so they are recorded under a lock.
 struct RecordingListener final : WebSDKJSCommunicationProtocol {
+  std::mutex mutex;
   std::vector<std::string> requests;
   std::vector<WebSDKResponseModel> responses;
-  void didSendResponse(const WebSDKResponseModel& r) override { responses.push_back(r); }
+  void didSendResponse(const WebSDKResponseModel& r) override {
+    std::lock_guard lock(mutex);
+    responses.push_back(r);
+  }
   void didReceiveRequest(std::string_view r) override { requests.emplace_back(r); }
 };
 

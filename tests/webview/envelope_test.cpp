@@ -1,0 +1,65 @@
+#include "websdk/webview/WebSDKResponseModel.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace websdk {
+namespace {
+
+TEST(Envelope, WritesTheFieldsAndLeavesAbsentOptionalsOut) {
+  EXPECT_EQ(nativeResponseScript({"SUCCESS", 0, std::nullopt, "r1", std::nullopt}),
+            R"(nativeResponse({"type":"SUCCESS","statusCode":0,"requestId":"r1"}))");
+  EXPECT_EQ(encodeEnvelope({"FAILED", 1005, "https://a.test/", "r2", ""}),
+            R"({"type":"FAILED","statusCode":1005,"statusMessage":"https://a.test/","requestId":"r2","payload":""})");
+  EXPECT_EQ(encodeEnvelope({"FAILED", -7, std::nullopt, "", std::nullopt}),
+            R"({"type":"FAILED","statusCode":-7,"requestId":""})");
+}
+
+TEST(Envelope, EscapesWhatJSONAndJavaScriptRequire) {
+  const std::string payload = "{\n  \"a\" : \"x/y\\\\\"\t\x01\x1f \xE2\x80\xA8\xE2\x80\xA9 \xE2\x80\x94";
+  const std::string text = encodeEnvelope({"SUCCESS", 0, std::nullopt, "id", payload});
+  EXPECT_EQ(text.find('\n'), std::string::npos);
+  EXPECT_EQ(text.find("\xE2\x80\xA8"), std::string::npos);
+  EXPECT_EQ(text.find("\xE2\x80\xA9"), std::string::npos);
+  EXPECT_NE(text.find("\\u2028\\u2029 \xE2\x80\x94"), std::string::npos) << "other characters stay as they are";
+  EXPECT_EQ(parseJSON(text).at("payload").as_string(), payload);
+}
+
+// Random payloads of every byte pattern around the special characters and the
+// eight-byte blocks: the envelope always parses back to the same fields.
+TEST(Envelope, AnyPayloadParsesBackToTheSameFields) {
+  std::mt19937 rng(42);
+  const std::string alphabet[] = {"a", "\"", "\\", "\n", "\x01", "\x7f", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x82\xAC",
+                                  "/", "\xC3\xA9", " "};
+  for (int round = 0; round < 2000; ++round) {
+    std::string payload, id;
+    const int n = static_cast<int>(rng() % 40);
+    for (int i = 0; i < n; ++i) payload += alphabet[rng() % std::size(alphabet)];
+    for (int i = 0; i < 3; ++i) id += alphabet[rng() % std::size(alphabet)];
+    const WebSDKResponseModel model{"SUCCESS", 0, id, id, payload};
+    const JSON back = parseJSON(encodeEnvelope(model));
+    ASSERT_TRUE(back.is_object()) << payload;
+    EXPECT_EQ(back.at("payload").as_string(), payload);
+    EXPECT_EQ(back.at("requestId").as_string(), id);
+    EXPECT_EQ(back.at("statusMessage").as_string(), id);
+  }
+}
+
+TEST(StatusCodes, OnlyTheKnownCodesBuildAStatusCode) {
+  for (std::int64_t raw : {0, 1, 1001, 1002, 1003, 1004, 1005})
+    EXPECT_EQ(rawValue(statusCodeFromRawValue(raw).value()), raw);
+  for (std::int64_t raw : {-1, 2, 1000, 1006, 200}) EXPECT_EQ(statusCodeFromRawValue(raw), std::nullopt);
+  EXPECT_EQ(fromRawValue<WebSDKResponseType>("FAILED"), WebSDKResponseType::failure);
+  EXPECT_EQ(fromRawValue<WebSDKResponseType>("failed"), std::nullopt);
+}
+
+TEST(UTF8, ValidationRejectsMalformedBytes) {
+  EXPECT_TRUE(isValidUTF8("plain ascii text, long enough for blocks"));
+  EXPECT_TRUE(isValidUTF8("\xC3\xA9\xE2\x80\xA8\xF0\x9F\x98\x80"));
+  for (const char* bad : {"\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "abc\xFF", "\x80"})
+    EXPECT_FALSE(isValidUTF8(bad)) << bad;
+}
+
+}  // namespace
+}  // namespace websdk

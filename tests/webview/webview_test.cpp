@@ -1,0 +1,268 @@
+#include "support/Harness.hpp"
+
+#include "websdk/webview/WebSDKRequestHeaders.hpp"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace websdk {
+namespace {
+
+using test::Harness;
+
+TEST(Whitelist, HostContainmentIsLooseAndCaseSensitive) {
+  const WebSDKConfig config{{"example.com"}, false};
+  const std::pair<const char*, bool> rows[] = {
+      {"https://example.com/", true},
+      {"https://pay.example.com:8443/x", true},
+      {"https://example.com.other.test/", true},  // loose on purpose
+      {"http://myexample.company/", true},
+      {"https://EXAMPLE.com/", false},
+      {"https://other.test/?u=example.com", false},
+      {"https://user@evil.test/example.com", false},
+      {"https://example.com@evil.test/", false},
+      {"about:blank", false},
+      {"file:///example.com/x", false},
+      {"not a url", false},
+  };
+  for (const auto& [url, expected] : rows) EXPECT_EQ(config.isWhitelistedURL(url), expected) << url;
+
+  const WebSDKConfig all{{}, true};
+  EXPECT_TRUE(all.isWhitelistedURL("https://anything.test/"));
+  EXPECT_FALSE(all.isWhitelistedURL("about:blank")) << "no host is never trusted";
+  EXPECT_FALSE((WebSDKConfig{{""}, false}.isWhitelistedURL("https://a.test/"))) << "an empty entry trusts nothing";
+}
+
+TEST(Loading, TheAppsHeadersGoOnlyToTrustedHosts) {
+  struct Row {
+    const char* url;
+    std::optional<WebSDKHeaders> external;
+    std::vector<std::pair<std::string, std::string>> sent;
+  };
+  const WebSDKHeaders app{{"token", "a"}, {"platform", "ios"}};
+  const Row rows[] = {
+      {"https://example.com.other.test/", std::nullopt, {{"platform", "ios"}, {"token", "a"}}},
+      {"https://example.com/", WebSDKHeaders{{"token", "b"}, {"x", "1"}}, {{"platform", "ios"}, {"token", "b"}, {"x", "1"}}},
+      {"https://evil.test/", WebSDKHeaders{{"token", "b"}}, {{"token", "b"}}},
+      {"https://EXAMPLE.com/", std::nullopt, {}},
+  };
+  for (const auto& row : rows) {
+    Harness h({"example.com"});
+    h.view->loadWebView(row.url, app, row.external, 12.5);
+    ASSERT_EQ(h.engine->loads.size(), 1u) << row.url;
+    const URLRequest& r = h.engine->loads[0];
+    EXPECT_EQ(r.url, row.url);
+    EXPECT_EQ(r.headers, row.sent) << row.url;
+    EXPECT_EQ(r.timeoutInterval, 12.5);
+    EXPECT_EQ(r.cachePolicy, URLRequestCachePolicy::useProtocolCachePolicy);
+  }
+  Harness h({"example.com"});
+  for (const char* bad : {"not a url", "", "https://exa mple.com/", "https://example.com/%zz", "://x"})
+    h.view->loadWebView(bad, app, std::nullopt, 10);
+  EXPECT_TRUE(h.engine->loads.empty());
+}
+
+TEST(HeaderScript, EachCallAddsOneDocumentStartScript) {
+  Harness h;
+  h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders(R"({"token":"a"})"));
+  h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders("second"));
+  ASSERT_EQ(h.engine->userScripts.size(), 2u);
+  EXPECT_EQ(h.engine->userScripts[0].source,
+            "window.__native_headers__ = {\n    getDovaraHeaders: function() {\n        return '{\"token\":\"a\"}';\n"
+            "    }\n};");
+  EXPECT_NE(h.engine->userScripts[1].source.find("return 'second';"), std::string::npos);
+}
+
+TEST(Construction, RegistersTheHandlerAndLeavesTheConfigurationAsTheHostMadeIt) {
+  Harness h;
+  EXPECT_TRUE(h.engine->hasHandler("nativeRequest"));
+  EXPECT_EQ(h.engine->allowsInlineMediaPlayback, true);
+  EXPECT_TRUE(h.engine->preferencesSet.empty());
+  EXPECT_TRUE(h.engine->incrementalRenderingSet.empty());
+  EXPECT_TRUE(h.view->javaScriptEnabled());
+  EXPECT_TRUE(h.view->suppressesIncrementalRendering());
+  EXPECT_FALSE(h.view->pinchGestureEnable());
+
+  h.view->removeWebSDKScriptHandler();
+  EXPECT_FALSE(h.engine->hasHandler("nativeRequest"));
+  h.view->addWebSDKScriptHandler();
+  h.view->addWebSDKScriptHandler();  // already registered: the engine refuses the second
+  EXPECT_TRUE(h.engine->hasHandler("nativeRequest"));
+  EXPECT_EQ(h.engine->refusedHandlerRegistrations, 1u);
+}
+
+TEST(Settings, SettersReachTheEngineAsStated) {
+  Harness h;
+  h.view->setJavaScriptEnabled(false);
+  h.view->setSuppressesIncrementalRendering(false);
+  EXPECT_EQ(h.engine->preferencesSet, (std::vector<WebPreferences>{{false}}));
+  EXPECT_EQ(h.engine->incrementalRenderingSet, (std::vector<bool>{false}));
+
+  h.view->setPinchGestureEnable(true);
+  EXPECT_FALSE(h.engine->pinchRecognizerEnabled) << "stored only; applied when a zoom begins";
+  h.engine->client()->scrollViewWillBeginZooming();
+  EXPECT_EQ(h.engine->pinchRecognizerEnabled, true);
+  h.view->setPinchGestureEnable(false);
+  h.engine->client()->scrollViewWillBeginZooming();
+  EXPECT_EQ(h.engine->pinchRecognizerEnabled, false);
+}
+
+struct SendRow {
+  const char* name;
+  std::function<void(WebSDKWebView&)> send;
+  JSON expected;
+};
+
+struct Answer {
+  std::string planId;
+  std::optional<int> count;
+  WEBSDK_RECORD(Answer, planId, count)
+};
+
+TEST(Sending, EveryOperationBuildsItsEnvelope) {
+  const SendRow rows[] = {
+      {"success defaults", [](WebSDKWebView& v) { v.sendSuccess("r1"); },
+       parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r1"})")},
+      {"failure defaults", [](WebSDKWebView& v) { v.sendFailure("r2", std::nullopt, "not a valid request"); },
+       parseJSON(R"({"type":"FAILED","statusCode":1,"statusMessage":"not a valid request","requestId":"r2"})")},
+      {"failure with a success code", [](WebSDKWebView& v) { v.sendFailure("r3", 0); },
+       parseJSON(R"({"type":"FAILED","statusCode":0,"requestId":"r3"})")},
+      {"code outside the enumeration", [](WebSDKWebView& v) { v.sendSuccess("r4", 4242); },
+       parseJSON(R"({"type":"SUCCESS","statusCode":4242,"requestId":"r4"})")},
+      {"string payload verbatim", [](WebSDKWebView& v) { v.sendWebSDKResponse(std::string(), WebSDKResponseType::success, "r5"); },
+       parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r5","payload":""})")},
+      {"dictionary payload", [](WebSDKWebView& v) {
+         v.sendWebSDKResponse(JSONObject{{"a", "x/y"}}, WebSDKResponseType::failure, "r6", 1005);
+       },
+       parseJSON(R"({"type":"FAILED","statusCode":1005,"requestId":"r6","payload":"{\n  \"a\" : \"x/y\"\n}"})")},
+      {"response model", [](WebSDKWebView& v) {
+         v.sendWebSDKResponse(Answer{"p", std::nullopt}, WebSDKResponseType::success, "r7");
+       },
+       parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r7","payload":"{\n  \"planId\" : \"p\"\n}"})")},
+      {"string dictionary", [](WebSDKWebView& v) {
+         v.sendWebSDKResponse(std::map<std::string, std::string>{{"k", "v"}}, WebSDKResponseType::success, "r8");
+       },
+       parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r8","payload":"{\n  \"k\" : \"v\"\n}"})")},
+  };
+  for (const auto& row : rows) {
+    Harness h;
+    row.send(*h.view);
+    ASSERT_EQ(h.listener->responses.size(), 1u) << row.name;
+    EXPECT_TRUE(h.pageResponses().empty()) << row.name;
+    h.engine->queue().drain();
+    ASSERT_EQ(h.pageResponses().size(), 1u) << row.name;
+    EXPECT_EQ(h.pageResponses()[0], row.expected) << row.name;
+    EXPECT_EQ(describe(h.listener->responses[0]), row.expected) << row.name;
+  }
+}
+
+TEST(Sending, ReadyEncodedBytesAreEvaluatedAtOnceWithoutANotice) {
+  Harness h;
+  h.view->sendWebSDKResponse(WebSDKResponseType::failure, "e1", std::optional<std::string>(R"({"ok":true})"));
+  h.view->sendWebSDKResponse(WebSDKResponseType::success, "e2", std::nullopt);
+  h.view->sendWebSDKResponse(WebSDKResponseType::success, "e3", std::optional<std::string>("bad \xFF bytes"));
+  EXPECT_EQ(h.engine->queue().pending(), 0u);
+  EXPECT_TRUE(h.listener->responses.empty());
+  const auto responses = h.pageResponses();
+  ASSERT_EQ(responses.size(), 3u);
+  EXPECT_EQ(responses[0], parseJSON(R"({"type":"FAILED","statusCode":1,"requestId":"e1","payload":"{\"ok\":true}"})"));
+  EXPECT_EQ(responses[1], parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"e2"})"));
+  EXPECT_EQ(responses[2], parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"e3"})"));
+  EXPECT_TRUE(h.engine->evaluations()[0].hasCompletion);
+}
+
+// Answers sent from many threads while the main queue runs: each is evaluated
+// once, in each thread's order, and each notice is made once.
+TEST(Threads, AnswersFromManyThreadsArriveOnceAndInOrder) {
+  constexpr int kThreads = 8, kAnswers = 20000;
+  Harness h;
+  std::atomic<int> running{kThreads};
+  std::vector<std::thread> senders;
+  for (int t = 0; t < kThreads; ++t)
+    senders.emplace_back([&, t] {
+      for (int i = 0; i < kAnswers; ++i) h.view->sendSuccess(std::to_string(t) + ":" + std::to_string(i));
+      --running;
+    });
+  while (running > 0) h.engine->queue().drain();
+  for (auto& s : senders) s.join();
+  h.engine->queue().drain();
+
+  std::vector<int> next(kThreads, 0);
+  std::size_t count = 0;
+  for (const auto& e : h.engine->evaluations()) {
+    const std::string id(parseJSON(e.script.substr(15, e.script.size() - 16)).at("requestId").as_string());
+    const auto colon = id.find(':');
+    const int t = std::stoi(id.substr(0, colon));
+    ASSERT_EQ(std::stoi(id.substr(colon + 1)), next[t]++);
+    ++count;
+  }
+  EXPECT_EQ(count, static_cast<std::size_t>(kThreads * kAnswers));
+  EXPECT_EQ(h.listener->responses.size(), static_cast<std::size_t>(kThreads * kAnswers));
+}
+
+TEST(Lifetimes, AnswersQueuedForADestroyedViewDoNothing) {
+  auto queue = std::make_shared<testing::TestingMainQueue>();
+  auto engine = std::make_unique<testing::TestingEngine>(queue);
+  auto view = WebSDKWebView::create(std::move(engine), {"localhost"});
+  for (int i = 0; i < 5000; ++i) view->sendSuccess(std::to_string(i));
+  EXPECT_EQ(queue->pending(), 5000u);
+  view.reset();
+  EXPECT_EQ(queue->drain(), 5000u);
+}
+
+struct Navigation final : WebSDKNavigationDelegate {
+  std::vector<std::string> events;
+  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override { events.push_back("start"); }
+  void didFinish(WebSDKWebView&, const WebSDKNavigation*) override { events.push_back("finish"); }
+  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError& e) override {
+    events.push_back("failProvisional:" + e.description);
+  }
+  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&, WebSDKAuthChallengeCompletion c) override {
+    events.push_back("challenge");
+    c(WebSDKAuthChallengeDisposition::cancelAuthenticationChallenge, std::nullopt);
+  }
+};
+
+TEST(Navigation, EventsAreForwardedAndDefaultsAllowButNoDelegateAnswersNothing) {
+  auto owned = std::make_unique<testing::TestingEngine>();
+  auto* engine = owned.get();
+  auto delegate = std::make_shared<Navigation>();
+  auto view = WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, nullptr, delegate);
+  WebEngineClient& client = *engine->client();
+
+  std::vector<std::string> answers;
+  client.didStartProvisionalNavigation(nullptr);
+  client.decidePolicyFor(WebSDKNavigationAction{"https://a.test/", "GET", true, false}, [&](WebSDKNavigationActionPolicy p) {
+    answers.push_back(p == WebSDKNavigationActionPolicy::allow ? "action:allow" : "action:cancel");
+  });
+  client.decidePolicyFor(WebSDKNavigationResponse{"https://a.test/", 200, "text/html", true}, [&](WebSDKNavigationResponsePolicy p) {
+    answers.push_back(p == WebSDKNavigationResponsePolicy::allow ? "response:allow" : "response:cancel");
+  });
+  client.didFail(nullptr, WebSDKError{"d", 1, "x"});  // the default does nothing
+  client.didFailProvisionalNavigation(nullptr, WebSDKError{"d", 2, "timeout", true});
+  client.didReceive({}, [&](WebSDKAuthChallengeDisposition, std::optional<WebSDKURLCredential>) {
+    answers.push_back("challenge:answered");
+  });
+  client.didFinish(nullptr);
+  EXPECT_EQ(delegate->events, (std::vector<std::string>{"start", "failProvisional:timeout", "challenge", "finish"}));
+  EXPECT_EQ(answers, (std::vector<std::string>{"action:allow", "response:allow", "challenge:answered"}));
+
+  delegate.reset();
+  answers.clear();
+  client.decidePolicyFor(WebSDKNavigationAction{"https://a.test/", "GET", true, false}, [&](auto) { answers.push_back("answered"); });
+  client.didReceive({}, [&](auto, auto) { answers.push_back("answered"); });
+  EXPECT_TRUE(answers.empty()) << "with no delegate the questions stay unanswered";
+}
+
+TEST(RequestHeaders, WireNamesAreKeptLetterForLetter) {
+  EXPECT_EQ(WebSDKRequestHeaders::versionCode, "version-code");
+  EXPECT_EQ(WebSDKRequestHeaders::osversion, "osVersion");
+  EXPECT_EQ(WebSDKRequestHeaders::marketPlaceId, "marketplaceId");
+  EXPECT_EQ(WebSDKRequestHeaders::cartPageLoadingFromBottomTabBar, "isFromBottomBar");
+  EXPECT_EQ(WebSDKRequestHeaders::isWebSDKEnabled, "x-websdk");
+  EXPECT_EQ(WebSDKRequestHeaders::showPxBottomBar, "isPxBottomBarXpEnabled");
+}
+
+}  // namespace
+}  // namespace websdk

@@ -1,0 +1,598 @@
+// The WebKitGTK port. Every GLib closure and posted task holds the engine's
+// state weakly: a signal, an evaluation or a policy answer that arrives after
+// the engine is gone does nothing.
+
+#include "websdk/webkitgtk/Native.hpp"
+
+#include "Compat.hpp"
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace websdk::webkitgtk {
+
+// ---- Main loop -----------------------------------------------------------------
+
+bool initialize(int* argc, char*** argv) { return gtk_init_check(argc, argv) != FALSE; }
+
+bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
+  if (done()) return true;
+  GMainContext* context = g_main_context_ref_thread_default();
+  bool expired = false;
+  GSource* timer = g_timeout_source_new(static_cast<guint>(std::max<std::int64_t>(0, bound.count())));
+  g_source_set_callback(
+      timer,
+      [](gpointer flag) -> gboolean {
+        *static_cast<bool*>(flag) = true;
+        return G_SOURCE_REMOVE;
+      },
+      &expired, nullptr);
+  g_source_attach(timer, context);
+  bool ok = false;
+  while (!(ok = done()) && !expired) g_main_context_iteration(context, TRUE);
+  g_source_destroy(timer);
+  g_source_unref(timer);
+  g_main_context_unref(context);
+  return ok;
+}
+
+GLibMainQueue::GLibMainQueue() : context_(g_main_context_ref_thread_default()) {}
+GLibMainQueue::~GLibMainQueue() { g_main_context_unref(static_cast<GMainContext*>(context_)); }
+
+void GLibMainQueue::post(std::function<void()> task) {
+  using Task = std::function<void()>;
+  // An idle source rather than g_main_context_invoke: a task posted from the
+  // UI thread must still run later, after the caller has returned. Sources of
+  // one priority run in the order attached. The destroy-notify frees the task
+  // also when its context goes away before it runs.
+  GSource* source = g_idle_source_new();
+  g_source_set_priority(source, G_PRIORITY_DEFAULT);
+  g_source_set_callback(
+      source,
+      [](gpointer data) -> gboolean {
+        (*static_cast<Task*>(data))();
+        return G_SOURCE_REMOVE;
+      },
+      new Task(std::move(task)), [](gpointer data) { delete static_cast<Task*>(data); });
+  g_source_attach(source, static_cast<GMainContext*>(context_));
+  g_source_unref(source);
+}
+
+bool GLibMainQueue::isCurrent() const { return g_main_context_is_owner(static_cast<GMainContext*>(context_)) != FALSE; }
+
+// ---- Engine state ----------------------------------------------------------------
+
+namespace {
+
+struct GFree {
+  void operator()(void* p) const { g_free(p); }
+};
+using GText = std::unique_ptr<char, GFree>;
+
+std::string text(const char* s) { return s ? std::string(s) : std::string(); }
+
+// A JavaScript value as JSON; nothing for undefined and for values JSON cannot
+// carry (functions, cycles).
+std::optional<JSON> toJSON(JSCValue* value) {
+  if (value == nullptr || jsc_value_is_undefined(value)) return std::nullopt;
+  GText json(jsc_value_to_json(value, 0));
+  if (!json) {
+    jsc_context_clear_exception(jsc_value_get_context(value));
+    return std::nullopt;
+  }
+  return parseJSON(json.get());
+}
+
+WebSDKError toError(const GError* error) {
+  const bool timeout = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
+  return WebSDKError{g_quark_to_string(error->domain), error->code, text(error->message), timeout};
+}
+
+std::string authenticationMethod(WebKitAuthenticationScheme scheme) {
+  switch (scheme) {
+    case WEBKIT_AUTHENTICATION_SCHEME_DEFAULT: return "default";
+    case WEBKIT_AUTHENTICATION_SCHEME_HTTP_BASIC: return "httpBasic";
+    case WEBKIT_AUTHENTICATION_SCHEME_HTTP_DIGEST: return "httpDigest";
+    case WEBKIT_AUTHENTICATION_SCHEME_HTML_FORM: return "htmlForm";
+    case WEBKIT_AUTHENTICATION_SCHEME_NTLM: return "ntlm";
+    case WEBKIT_AUTHENTICATION_SCHEME_NEGOTIATE: return "negotiate";
+    case WEBKIT_AUTHENTICATION_SCHEME_CLIENT_CERTIFICATE_REQUESTED: return "clientCertificateRequested";
+    case WEBKIT_AUTHENTICATION_SCHEME_SERVER_TRUST_EVALUATION_REQUESTED: return "serverTrustEvaluationRequested";
+    default: return "unknown";
+  }
+}
+
+}  // namespace
+
+struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
+  using Weak = std::weak_ptr<State>;
+
+  WebKitWebView* view = nullptr;  // our own (sunk) reference; null once shut down
+  WebKitUserContentManager* contentManager = nullptr;
+  GCancellable* cancellable = nullptr;
+  GtkGesture* zoomGesture = nullptr;
+  WebEngineClient* client = nullptr;
+  GLibMainQueue queue;
+
+  struct Connection {
+    gpointer instance;
+    gulong id;
+  };
+  std::vector<Connection> connections;
+  struct Channel {
+    gulong id;
+    std::weak_ptr<ScriptMessageHandler> handler;
+  };
+  std::map<std::string, Channel, std::less<>> channels;
+  // How deep we are inside a signal of the view: tearing the widget down
+  // from inside its own signal is deferred to the loop.
+  int emitting = 0;
+
+  bool allowsInlineMediaPlayback = true;
+  bool suppressesIncrementalRendering = false;
+  bool pinchEnabled = true;
+
+  // Navigation bookkeeping.
+  std::uint64_t lastNavigationId = 0;
+  std::optional<WebSDKNavigation> current;  // the navigation last started
+  std::string requestedURL;                 // the last load() asked for
+  bool loadStarted = false;                 // the last load() has started
+  bool failed = false;                      // current navigation failed: its end is not a finish
+  bool abandoned = false;                   // stopped on timeout: WebKit's own stop events stay quiet
+  guint timeoutSource = 0;
+
+  // Questions the client has not answered yet. An unanswered WebKit decision
+  // would be taken by default when its last reference goes, so each is held
+  // until answered (or the engine goes).
+  std::uint64_t lastPendingId = 0;
+  std::map<std::uint64_t, WebKitPolicyDecision*> decisions;
+  std::map<std::uint64_t, WebKitAuthenticationRequest*> challenges;
+
+  struct Emitting {
+    State& s;
+    explicit Emitting(State& state) : s(state) { ++s.emitting; }
+    ~Emitting() { --s.emitting; }
+  };
+
+  // ---- Wiring ----
+  template <class Callback>
+  void connect(gpointer instance, const char* signal, Callback callback) {
+    const gulong id = g_signal_connect_data(
+        instance, signal, G_CALLBACK(callback), new Weak(weak_from_this()),
+        [](gpointer data, GClosure*) { delete static_cast<Weak*>(data); }, GConnectFlags{});
+    connections.push_back({instance, id});
+  }
+  static std::shared_ptr<State> from(gpointer data) { return static_cast<Weak*>(data)->lock(); }
+
+  void wire() {
+    connect(view, "load-changed", +[](WebKitWebView*, WebKitLoadEvent event, gpointer data) {
+      if (auto s = from(data); s && s->view) s->loadChanged(event);
+    });
+    connect(view, "load-failed",
+            +[](WebKitWebView*, WebKitLoadEvent event, gchar*, GError* error, gpointer data) -> gboolean {
+              if (auto s = from(data); s && s->view) return s->loadFailed(event, error);
+              return TRUE;
+            });
+    connect(view, "decide-policy",
+            +[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
+                gpointer data) -> gboolean {
+              if (auto s = from(data); s && s->view) return s->decidePolicy(decision, type);
+              return FALSE;
+            });
+    connect(view, "authenticate", +[](WebKitWebView*, WebKitAuthenticationRequest* request, gpointer data) -> gboolean {
+      if (auto s = from(data); s && s->view) return s->authenticate(request);
+      return FALSE;
+    });
+    // Pinch-zoom is watched ahead of the web view's own handling, so that a
+    // refused pinch can be claimed (and so swallowed) as soon as it begins.
+    zoomGesture = gtk_gesture_zoom_new(GTK_WIDGET(view));
+    gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(zoomGesture), GTK_PHASE_CAPTURE);
+    connect(zoomGesture, "begin", +[](GtkGesture* gesture, GdkEventSequence*, gpointer data) {
+      if (auto s = from(data); s && s->view) s->zoomBegan(gesture);
+    });
+  }
+
+  // ---- Teardown ----
+  void shutdown() {
+    disarmTimeout();
+    for (const auto& c : connections) g_signal_handler_disconnect(c.instance, c.id);
+    connections.clear();
+    for (const auto& [name, channel] : channels) {
+      g_signal_handler_disconnect(contentManager, channel.id);
+      webkit_user_content_manager_unregister_script_message_handler(contentManager, name.c_str());
+    }
+    channels.clear();
+    g_cancellable_cancel(cancellable);
+    // Held questions stay unanswered for good: nothing may proceed on their account.
+    for (const auto& [id, decision] : decisions) {
+      webkit_policy_decision_ignore(decision);
+      g_object_unref(decision);
+    }
+    decisions.clear();
+    for (const auto& [id, request] : challenges) {
+      webkit_authentication_request_cancel(request);
+      g_object_unref(request);
+    }
+    challenges.clear();
+    if (zoomGesture) g_object_unref(zoomGesture);
+    zoomGesture = nullptr;
+    client = nullptr;
+
+    WebKitWebView* widget = std::exchange(view, nullptr);
+    if (emitting > 0) {
+      g_idle_add(
+          [](gpointer w) -> gboolean {
+            gtk_widget_destroy(GTK_WIDGET(w));
+            g_object_unref(w);
+            return G_SOURCE_REMOVE;
+          },
+          widget);
+    } else {
+      gtk_widget_destroy(GTK_WIDGET(widget));
+      g_object_unref(widget);
+    }
+    g_object_unref(contentManager);
+    contentManager = nullptr;
+    g_object_unref(cancellable);
+    cancellable = nullptr;
+  }
+
+  // ---- Navigation events ----
+  void loadChanged(WebKitLoadEvent event) {
+    Emitting guard(*this);
+    switch (event) {
+      case WEBKIT_LOAD_STARTED:
+        abandoned = false;
+        failed = false;
+        loadStarted = true;
+        current = WebSDKNavigation{++lastNavigationId, text(webkit_web_view_get_uri(view))};
+        if (client) client->didStartProvisionalNavigation(&*current);
+        break;
+      case WEBKIT_LOAD_REDIRECTED: break;
+      case WEBKIT_LOAD_COMMITTED:
+        disarmTimeout();
+        if (current) current->url = text(webkit_web_view_get_uri(view));
+        break;
+      case WEBKIT_LOAD_FINISHED:
+        // WebKit ends a failed load with FINISHED as well; that is no finish.
+        if (abandoned || failed) break;
+        if (client) client->didFinish(current ? &*current : nullptr);
+        break;
+    }
+  }
+
+  gboolean loadFailed(WebKitLoadEvent event, const GError* error) {
+    Emitting guard(*this);
+    disarmTimeout();
+    if (abandoned) return TRUE;
+    failed = true;
+    const WebSDKError e = toError(error);
+    const WebSDKNavigation* navigation = current ? &*current : nullptr;
+    if (client) {
+      if (event == WEBKIT_LOAD_COMMITTED) client->didFail(navigation, e);
+      else client->didFailProvisionalNavigation(navigation, e);
+    }
+    // No built-in error page: what the user sees on failure is the host's call.
+    return TRUE;
+  }
+
+  void armTimeout(double seconds) {
+    disarmTimeout();
+    if (!(seconds > 0) || !std::isfinite(seconds)) return;
+    const double ms = std::min(seconds * 1000.0, static_cast<double>(std::numeric_limits<guint>::max()));
+    timeoutSource = g_timeout_add_full(
+        G_PRIORITY_DEFAULT, static_cast<guint>(std::ceil(ms)),
+        [](gpointer data) -> gboolean {
+          if (auto s = from(data); s && s->view) {
+            s->timeoutSource = 0;
+            s->loadTimedOut();
+          }
+          return G_SOURCE_REMOVE;
+        },
+        new Weak(weak_from_this()), [](gpointer data) { delete static_cast<Weak*>(data); });
+  }
+
+  void disarmTimeout() {
+    if (timeoutSource != 0) g_source_remove(timeoutSource);
+    timeoutSource = 0;
+  }
+
+  void loadTimedOut() {
+    Emitting guard(*this);
+    const WebSDKNavigation navigation =
+        loadStarted && current ? *current : WebSDKNavigation{++lastNavigationId, requestedURL};
+    abandoned = true;
+    webkit_web_view_stop_loading(view);
+    if (client)
+      client->didFailProvisionalNavigation(
+          &navigation, WebSDKError{g_quark_to_string(G_IO_ERROR), G_IO_ERROR_TIMED_OUT, "The request timed out.", true});
+  }
+
+  // ---- Questions ----
+  // Runs `settle` on the UI thread: at once when called there, else posted.
+  static void onUIThread(const Weak& weak, std::function<void(State&)> settle) {
+    const auto s = weak.lock();
+    if (!s) return;
+    if (s->queue.isCurrent()) {
+      if (s->view) settle(*s);
+      return;
+    }
+    s->queue.post([weak, settle = std::move(settle)] {
+      if (auto state = weak.lock(); state && state->view) settle(*state);
+    });
+  }
+
+  gboolean decidePolicy(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type) {
+    Emitting guard(*this);
+    const std::uint64_t id = ++lastPendingId;
+    decisions.emplace(id, WEBKIT_POLICY_DECISION(g_object_ref(decision)));
+    auto settle = [weak = weak_from_this(), id](bool use) {
+      onUIThread(weak, [id, use](State& s) { s.settleDecision(id, use); });
+    };
+    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+      auto* r = WEBKIT_RESPONSE_POLICY_DECISION(decision);
+      WebKitURIResponse* response = webkit_response_policy_decision_get_response(r);
+      const WebSDKNavigationResponse navigationResponse{
+          text(webkit_uri_response_get_uri(response)), static_cast<int>(webkit_uri_response_get_status_code(response)),
+          text(webkit_uri_response_get_mime_type(response)), compat::isMainFrameMainResource(r)};
+      if (client)
+        client->decidePolicyFor(navigationResponse, [settle](WebSDKNavigationResponsePolicy policy) {
+          settle(policy == WebSDKNavigationResponsePolicy::allow);
+        });
+    } else {
+      WebKitNavigationAction* action =
+          webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+      WebKitURIRequest* request = webkit_navigation_action_get_request(action);
+      const char* method = webkit_uri_request_get_http_method(request);
+      const WebSDKNavigationAction navigationAction{text(webkit_uri_request_get_uri(request)),
+                                                    method ? method : "GET",
+                                                    type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION,
+                                                    webkit_navigation_action_is_user_gesture(action) != FALSE};
+      if (client)
+        client->decidePolicyFor(navigationAction, [settle](WebSDKNavigationActionPolicy policy) {
+          settle(policy == WebSDKNavigationActionPolicy::allow);
+        });
+    }
+    return TRUE;
+  }
+
+  void settleDecision(std::uint64_t id, bool use) {
+    const auto it = decisions.find(id);
+    if (it == decisions.end()) return;  // answered already: the first answer stands
+    WebKitPolicyDecision* decision = it->second;
+    decisions.erase(it);
+    if (use) webkit_policy_decision_use(decision);
+    else webkit_policy_decision_ignore(decision);
+    g_object_unref(decision);
+  }
+
+  gboolean authenticate(WebKitAuthenticationRequest* request) {
+    Emitting guard(*this);
+    const std::uint64_t id = ++lastPendingId;
+    challenges.emplace(id, WEBKIT_AUTHENTICATION_REQUEST(g_object_ref(request)));
+    const WebSDKAuthenticationChallenge challenge{
+        text(webkit_authentication_request_get_host(request)),
+        static_cast<int>(webkit_authentication_request_get_port(request)),
+        text(webkit_authentication_request_get_realm(request)),
+        authenticationMethod(webkit_authentication_request_get_scheme(request)),
+        webkit_authentication_request_is_retry(request) ? 1 : 0};
+    if (client)
+      client->didReceive(challenge, [weak = weak_from_this(), id](WebSDKAuthChallengeDisposition disposition,
+                                                                   std::optional<WebSDKURLCredential> credential) {
+        onUIThread(weak, [id, disposition, credential = std::move(credential)](State& s) {
+          s.settleChallenge(id, disposition, credential);
+        });
+      });
+    return TRUE;
+  }
+
+  void settleChallenge(std::uint64_t id, WebSDKAuthChallengeDisposition disposition,
+                       const std::optional<WebSDKURLCredential>& credential) {
+    const auto it = challenges.find(id);
+    if (it == challenges.end()) return;
+    WebKitAuthenticationRequest* request = it->second;
+    challenges.erase(it);
+    switch (disposition) {
+      case WebSDKAuthChallengeDisposition::useCredential:
+        if (credential) {
+          WebKitCredential* c = webkit_credential_new(credential->user.c_str(), credential->password.c_str(),
+                                                      WEBKIT_CREDENTIAL_PERSISTENCE_FOR_SESSION);
+          webkit_authentication_request_authenticate(request, c);
+          webkit_credential_free(c);
+          break;
+        }
+        [[fallthrough]];
+      case WebSDKAuthChallengeDisposition::performDefaultHandling:
+      case WebSDKAuthChallengeDisposition::rejectProtectionSpace:
+        // Go on without a credential: the server's answer stands.
+        webkit_authentication_request_authenticate(request, nullptr);
+        break;
+      case WebSDKAuthChallengeDisposition::cancelAuthenticationChallenge:
+        webkit_authentication_request_cancel(request);
+        break;
+    }
+    g_object_unref(request);
+  }
+
+  void zoomBegan(GtkGesture* gesture) {
+    Emitting guard(*this);
+    if (client) client->scrollViewWillBeginZooming();
+    if (!view) return;
+    // Claiming the touch sequences at capture keeps them from the page.
+    gtk_gesture_set_state(gesture, pinchEnabled ? GTK_EVENT_SEQUENCE_DENIED : GTK_EVENT_SEQUENCE_CLAIMED);
+  }
+
+  // ---- Script messages ----
+  struct ChannelClosure {
+    Weak state;
+    std::string name;
+  };
+
+  bool addChannel(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
+    if (channels.contains(name)) return false;  // the first handler of a name keeps it
+    const std::string signal = "script-message-received::" + name;
+    const gulong id = g_signal_connect_data(
+        contentManager, signal.c_str(),
+        G_CALLBACK(+[](WebKitUserContentManager*, compat::ScriptMessageArgument argument, gpointer data) {
+          const auto* closure = static_cast<ChannelClosure*>(data);
+          if (auto s = closure->state.lock(); s && s->view)
+            s->scriptMessage(closure->name, compat::scriptMessageValue(argument));
+        }),
+        new ChannelClosure{weak_from_this(), name},
+        [](gpointer data, GClosure*) { delete static_cast<ChannelClosure*>(data); }, GConnectFlags{});
+    if (!webkit_user_content_manager_register_script_message_handler(contentManager, name.c_str())) {
+      g_signal_handler_disconnect(contentManager, id);
+      return false;
+    }
+    channels.emplace(std::move(name), Channel{id, std::move(handler)});
+    return true;
+  }
+
+  void removeChannel(std::string_view name) {
+    const auto it = channels.find(name);
+    if (it == channels.end()) return;
+    g_signal_handler_disconnect(contentManager, it->second.id);
+    webkit_user_content_manager_unregister_script_message_handler(contentManager, it->first.c_str());
+    channels.erase(it);
+  }
+
+  void scriptMessage(const std::string& name, JSCValue* value) {
+    Emitting guard(*this);
+    const auto it = channels.find(name);
+    if (it == channels.end()) return;
+    const auto handler = it->second.handler.lock();
+    if (!handler) return;
+    // The body reaches the handler as posted: any JSON value, checked there.
+    handler->userContentController(ScriptMessage{name, toJSON(value).value_or(JSON(nullptr))});
+  }
+
+  // ---- Settings ----
+  void applySettings(bool javaScriptEnabled) {
+    WebKitSettings* settings = webkit_settings_new();
+    webkit_settings_set_enable_javascript(settings, javaScriptEnabled);
+    // Inline playback belongs to the view's configuration, not to the
+    // preferences being replaced, so it carries over.
+    webkit_settings_set_media_playback_allows_inline(settings, allowsInlineMediaPlayback);
+    webkit_web_view_set_settings(view, settings);
+    g_object_unref(settings);
+  }
+};
+
+// ---- WebKitGTKEngine ---------------------------------------------------------------
+
+WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : state_(std::make_shared<State>()) {
+  State& s = *state_;
+  WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
+  s.contentManager = webkit_user_content_manager_new();
+  s.cancellable = g_cancellable_new();
+  s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context,
+                                                          "user-content-manager", s.contentManager, nullptr)));
+  g_object_unref(context);
+  webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), TRUE);
+  s.wire();
+}
+
+WebKitGTKEngine::~WebKitGTKEngine() { state_->shutdown(); }
+
+void WebKitGTKEngine::setClient(WebEngineClient* client) { state_->client = client; }
+
+void WebKitGTKEngine::load(const URLRequest& request) {
+  State& s = *state_;
+  if (!s.view) return;
+  WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
+  // Header fields are set one by one in the order given; a later field of the
+  // same name replaces the earlier one. WebKit has no per-request cache
+  // policy: every load uses the protocol's own.
+  if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
+    for (const auto& [name, value] : request.headers) soup_message_headers_replace(headers, name.c_str(), value.c_str());
+  s.requestedURL = request.url;
+  s.loadStarted = false;
+  s.armTimeout(request.timeoutInterval);
+  webkit_web_view_load_request(s.view, uriRequest);
+  g_object_unref(uriRequest);
+}
+
+void WebKitGTKEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
+  State& s = *state_;
+  if (!s.view) return;
+  if (!completion) {
+    webkit_web_view_evaluate_javascript(s.view, script.data(), static_cast<gssize>(script.size()), nullptr, nullptr,
+                                        s.cancellable, nullptr, nullptr);
+    return;
+  }
+  struct Pending {
+    State::Weak state;
+    ScriptCompletion completion;
+  };
+  webkit_web_view_evaluate_javascript(
+      s.view, script.data(), static_cast<gssize>(script.size()), nullptr, nullptr, s.cancellable,
+      [](GObject* source, GAsyncResult* result, gpointer data) {
+        std::unique_ptr<Pending> pending(static_cast<Pending*>(data));
+        GError* error = nullptr;
+        JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(source), result, &error);
+        ScriptResult outcome;
+        if (error) outcome.error = text(error->message);
+        else outcome.value = toJSON(value);
+        if (error) g_error_free(error);
+        if (value) g_object_unref(value);
+        // A completion for an engine that is gone is dropped.
+        if (auto state = pending->state.lock(); state && state->view) pending->completion(std::move(outcome));
+      },
+      new Pending{state_, std::move(completion)});
+}
+
+void WebKitGTKEngine::addUserScript(const UserScript& script) {
+  State& s = *state_;
+  if (!s.view) return;
+  WebKitUserScript* userScript =
+      webkit_user_script_new(script.source.c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
+                             WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
+  webkit_user_content_manager_add_script(s.contentManager, userScript);
+  webkit_user_script_unref(userScript);
+}
+
+void WebKitGTKEngine::addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
+  if (state_->view) state_->addChannel(std::move(handler), std::move(name));
+}
+
+void WebKitGTKEngine::removeScriptMessageHandler(std::string_view name) {
+  if (state_->view) state_->removeChannel(name);
+}
+
+std::optional<std::string> WebKitGTKEngine::url() const {
+  if (!state_->view) return std::nullopt;
+  const char* uri = webkit_web_view_get_uri(state_->view);
+  if (uri == nullptr || *uri == '\0') return std::nullopt;
+  return std::string(uri);
+}
+
+void WebKitGTKEngine::setPreferences(const WebPreferences& preferences) {
+  if (state_->view) state_->applySettings(preferences.javaScriptEnabled);
+}
+
+void WebKitGTKEngine::setSuppressesIncrementalRendering(bool suppress) {
+  state_->suppressesIncrementalRendering = suppress;
+}
+bool WebKitGTKEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
+
+void WebKitGTKEngine::setAllowsInlineMediaPlayback(bool allow) {
+  State& s = *state_;
+  s.allowsInlineMediaPlayback = allow;
+  if (s.view) webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), allow);
+}
+
+bool WebKitGTKEngine::hasPinchGestureRecognizer() const { return state_->zoomGesture != nullptr; }
+void WebKitGTKEngine::setPinchGestureRecognizerEnabled(bool enabled) { state_->pinchEnabled = enabled; }
+bool WebKitGTKEngine::pinchGestureRecognizerEnabled() const { return state_->pinchEnabled; }
+
+MainQueue& WebKitGTKEngine::mainQueue() { return state_->queue; }
+
+void* nativeHandle(WebEngine& engine) {
+  auto* gtk = dynamic_cast<WebKitGTKEngine*>(&engine);
+  return gtk ? static_cast<void*>(gtk->state_->view) : nullptr;
+}
+
+}  // namespace websdk::webkitgtk

@@ -1,0 +1,98 @@
+#include "E2E.hpp"
+
+namespace websdk::e2e {
+
+std::string testPage(std::string_view body) {
+  return R"(<!doctype html>
+<html><head><meta charset="utf-8"><script>
+const headersAtStart = window.__native_headers__ ? window.__native_headers__.getDovaraHeaders() : null;
+function report(kind, data) { window.webkit.messageHandlers.e2e.postMessage({kind: kind, data: data}); }
+function nativeResponse(envelope) { report('nativeResponse', envelope); }
+function recorder(name) { return function() { report('call', {name: name, args: Array.from(arguments)}); return name; }; }
+window.keyboardStateChanged = recorder('keyboardStateChanged');
+window.onScreenVisibility = recorder('onScreenVisibility');
+window.openDeeplink = recorder('openDeeplink');
+window.LOGIN_STATE_CHANGED = recorder('LOGIN_STATE_CHANGED');
+window.allowNativeBottomBarExit = recorder('allowNativeBottomBarExit');
+window.SEARCH_QUERY_INPUT = recorder('SEARCH_QUERY_INPUT');
+window.swipeBottomsheet = recorder('swipeBottomsheet');
+window.HANDLE_PX_SEARCH_ACTIONS = recorder('HANDLE_PX_SEARCH_ACTIONS');
+window.updateScratchCardsData = recorder('updateScratchCardsData');
+window.globalJSBridgeHandler = recorder('globalJSBridgeHandler');
+window.BUILD_PX_CART = recorder('BUILD_PX_CART');
+window.handleHardwareBack = recorder('handleHardwareBack');
+window.onHalfCardBackgroundTap = recorder('onHalfCardBackgroundTap');
+window.UPDATE_SELECTED_ADDRESS = recorder('UPDATE_SELECTED_ADDRESS');
+window.pageResume = recorder('pageResume');
+report('ready', {headersAtStart: headersAtStart});
+</script></head><body>)" +
+         std::string(body) + "</body></html>";
+}
+
+void E2ETest::SetUp() {
+  window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  gtk_window_set_default_size(GTK_WINDOW(window), 400, 600);
+  makeView({"127.0.0.1"}, delegate);
+}
+
+void E2ETest::TearDown() {
+  view.reset();
+  gtk_widget_destroy(window);
+}
+
+void E2ETest::makeView(std::vector<std::string> whitelist, std::shared_ptr<RecordingDelegate> navigationDelegate) {
+  view.reset();
+  webkitgtk::WebKitGTKConfiguration configuration;
+  configuration.ephemeral = true;
+  view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), std::move(whitelist),
+                               nullptr, nullptr, navigationDelegate, listener);
+  view->engine().addScriptMessageHandler(page, "e2e");
+  gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
+  gtk_widget_show_all(window);
+}
+
+bool E2ETest::loadAndWait(const std::string& url, const WebSDKHeaders& requestHeaders,
+                          const std::optional<WebSDKHeaders>& externalHeaders) {
+  const std::size_t finished = delegate->finished.size();
+  const std::size_t failed = delegate->provisionalFailures.size() + delegate->committedFailures.size();
+  view->loadWebView(url, requestHeaders, externalHeaders, 30);
+  waitFor([&] {
+    return delegate->finished.size() > finished ||
+           delegate->provisionalFailures.size() + delegate->committedFailures.size() > failed;
+  });
+  return delegate->finished.size() > finished;
+}
+
+void E2ETest::postFromPage(const std::string& requestText) {
+  JSONObject body;
+  body.emplace("message", requestText);
+  view->engine().evaluateJavaScript(
+      "window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(body) + ")", nullptr);
+}
+
+std::optional<JSON> E2ETest::evaluate(const std::string& script) {
+  // Shared, not on the stack: a completion may come after the wait gave up.
+  auto result = std::make_shared<std::optional<ScriptResult>>();
+  view->engine().evaluateJavaScript(script, [result](ScriptResult r) { *result = std::move(r); });
+  if (!waitFor([&] { return result->has_value(); })) return std::nullopt;
+  return (*result)->value;
+}
+
+}  // namespace websdk::e2e
+
+namespace {
+
+class GtkEnvironment final : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    ASSERT_TRUE(websdk::webkitgtk::initialize()) << "no display: run the real-engine tests under xvfb-run -a";
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  ::testing::AddGlobalTestEnvironment(new GtkEnvironment);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,146 @@
+// The page channel both ways, against WebKitGTK: requests to plugins and back,
+// the bridge's own failures, large answers and pushed page events.
+
+#include "E2E.hpp"
+
+namespace websdk::e2e {
+namespace {
+
+class CartPlugin final : public DvCartWebViewCallBacks {
+ public:
+  std::function<void(const WebSDKCartRequestModel&, const WebSDKCartRequestPayload&)> onRequest;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload& payload) override {
+    if (onRequest) onRequest(request, payload);
+  }
+};
+
+constexpr std::string_view kGetCart =
+    R"({"type":"GET_LOCAL_CART","requestId":"7","payload":{"tenant":{"marketplaceId":"m1","marketplaceCategory":"food","marketplaceBusinessLine":"meals"}}})";
+
+class BridgeTest : public E2ETest {
+ protected:
+  void SetUp() override {
+    E2ETest::SetUp();
+    server.page("/page", testPage());
+    ASSERT_TRUE(loadAndWait(server.url("/page")));
+  }
+  std::vector<JSON> responses() const { return page->of("nativeResponse"); }
+  bool waitForResponses(std::size_t n) {
+    return waitFor([&] { return responses().size() >= n; });
+  }
+  std::shared_ptr<CartPlugin> cart = std::make_shared<CartPlugin>();
+};
+
+TEST_F(BridgeTest, APageRequestReachesItsPluginAndTheAnswerReachesNativeResponse) {
+  view->setCartPlugin(cart);
+  std::optional<WebSDKGetCartRequestModel> received;
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload& payload) {
+    if (const auto* model = payload.get<WebSDKCartRequestPayloadCase::getCart>()) received = *model;
+    JSONObject answer;
+    answer.emplace("items", 2);
+    view->sendWebSDKResponse(answer, WebSDKResponseType::success, request.requestId);
+  };
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitForResponses(1));
+
+  EXPECT_EQ(received, (WebSDKGetCartRequestModel{"m1", "food", "meals"}));
+  const JSON envelope = responses()[0];
+  EXPECT_EQ(envelope.at("type"), JSON("SUCCESS"));
+  EXPECT_EQ(envelope.at("statusCode"), JSON(0));
+  EXPECT_EQ(envelope.at("requestId"), JSON("7"));
+  const auto* payload = envelope.at("payload").if_string();
+  ASSERT_NE(payload, nullptr);
+  EXPECT_EQ(parseJSON(*payload), parseJSON(R"({"items":2})"));
+  EXPECT_EQ(listener->requests, std::vector<std::string>{std::string(kGetCart)});
+  EXPECT_EQ(listener->responses.size(), 1u);
+}
+
+TEST_F(BridgeTest, TheBridgesOwnFailuresReachThePage) {
+  postFromPage(R"({"type":"NO_SUCH_ACTION","requestId":"a"})");
+  postFromPage(std::string(kGetCart));  // no cart plugin registered
+  ASSERT_TRUE(waitForResponses(2));
+  EXPECT_EQ(responses()[0], parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":"not a valid request","requestId":"a"})"));
+  EXPECT_EQ(responses()[1], parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":"Cart Plugin not subscribed or not a valid request","requestId":"7"})"));
+
+  // The same page on a host that is not whitelisted is refused with its URL.
+  view->setCartPlugin(cart);
+  ASSERT_TRUE(loadAndWait(server.url("/page", "localhost")));
+  const std::size_t before = responses().size();
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitForResponses(before + 1));
+  JSONObject expected{{"type", "FAILED"}, {"statusCode", 1005}, {"statusMessage", server.url("/page", "localhost")},
+                      {"requestId", "7"}};
+  EXPECT_EQ(responses().back(), JSON(expected));
+}
+
+TEST_F(BridgeTest, AMegabyteAnswerArrivesIntact) {
+  // Everything the envelope must escape, and text that must pass untouched.
+  std::string payload;
+  const std::string_view pieces[] = {"plain text ", "\"quoted\" ", "back\\slash ", "line\nbreak ", "tab\t",
+                                     "caf\xC3\xA9 ", "\xE2\x80\xA8", "\xE2\x80\xA9", "</script> ", "'single' ", "\x01"};
+  for (std::size_t i = 0; payload.size() < (1u << 20); ++i) payload += pieces[i % std::size(pieces)];
+  view->setCartPlugin(cart);
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    view->sendWebSDKResponse(payload, WebSDKResponseType::success, request.requestId);
+  };
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitForResponses(1));
+  const auto all = responses();
+  const auto* received = all[0].at("payload").if_string();
+  ASSERT_NE(received, nullptr);
+  EXPECT_EQ(received->size(), payload.size());
+  EXPECT_TRUE(std::string_view(*received) == payload);
+}
+
+TEST_F(BridgeTest, EveryPushedEventReachesItsPageFunctionWithItsArguments) {
+  using F = WebSDKJSFunctionType;
+  struct Row {
+    F type;
+    std::string_view expected;  // the call the page recorded
+  };
+  const Row rows[] = {
+      {F::keyboardStateChanged(true, 300), R"({"name":"keyboardStateChanged","args":[true,300]})"},
+      {F::keyboardStateChanged(false, 291.5), R"({"name":"keyboardStateChanged","args":[false,291.5]})"},
+      {F::onScreenVisibility(false), R"({"name":"onScreenVisibility","args":[false]})"},
+      {F::openDeeplink("dovara://home"), R"({"name":"openDeeplink","args":["dovara://home"]})"},
+      {F::userStateChange(true), R"({"name":"LOGIN_STATE_CHANGED","args":["true"]})"},
+      {F::allowNativeBottomBarExit(R"({"exit":true})"), R"({"name":"allowNativeBottomBarExit","args":["{\"exit\":true}"]})"},
+      {F::searchQueryInput("'pizza', 2)"), R"({"name":"SEARCH_QUERY_INPUT","args":["pizza",2]})"},
+      {F::menuListInteracted(true, false), R"({"name":"swipeBottomsheet","args":[true,false]})"},
+      {F::handlePXSearchActions("milk", "recent"), R"({"name":"HANDLE_PX_SEARCH_ACTIONS","args":["milk","recent"]})"},
+      {F::updateScratchCardsData("[1,2]"), R"({"name":"updateScratchCardsData","args":["[1,2]"]})"},
+      {F::globalJSBridgeHandler(R"({"a":1})"), R"({"name":"globalJSBridgeHandler","args":["{\"a\":1}"]})"},
+      {F::getPXCartCallback(), R"({"name":"BUILD_PX_CART","args":[]})"},
+      {F::handleSwipeGesture(), R"({"name":"handleHardwareBack","args":[]})"},
+      {F::onHalfCardBackgroundTap(), R"({"name":"onHalfCardBackgroundTap","args":[]})"},
+      {F::updateLocationHeader(), R"({"name":"UPDATE_SELECTED_ADDRESS","args":[]})"},
+      {F::pageResume(), R"({"name":"pageResume","args":[]})"},
+  };
+  for (const auto& row : rows) view->executeJSFunction(row.type);
+  ASSERT_TRUE(waitFor([&] { return page->of("call").size() >= std::size(rows); }));
+  const auto calls = page->of("call");
+  ASSERT_EQ(calls.size(), std::size(rows));
+  for (std::size_t i = 0; i < std::size(rows); ++i) EXPECT_EQ(calls[i], parseJSON(rows[i].expected)) << rows[i].expected;
+}
+
+TEST_F(BridgeTest, CompletionGetsThePageFunctionsResultAndNothingOnAScriptError) {
+  std::vector<std::optional<JSON>> results;
+  const auto record = [&](std::optional<JSON> value) { results.push_back(std::move(value)); };
+  view->executeJSFunctionWithCompletion(WebSDKJSFunctionType::pageResume(), record);
+  view->executeJSFunctionWithCompletion(WebSDKJSFunctionType::openDeeplink("a'b"), record);  // a syntax error
+  ASSERT_TRUE(waitFor([&] { return results.size() == 2; }));
+  EXPECT_EQ(results[0], JSON("pageResume"));
+  EXPECT_EQ(results[1], std::nullopt);
+
+  // Without their page functions, the guarded cases still evaluate cleanly.
+  view->engine().evaluateJavaScript("delete window.pageResume; delete window.keyboardStateChanged", nullptr);
+  std::vector<ScriptResult> guarded;
+  for (const auto& type : {WebSDKJSFunctionType::pageResume(), WebSDKJSFunctionType::keyboardStateChanged(true, 1)})
+    view->engine().evaluateJavaScript(type.script(), [&](ScriptResult r) { guarded.push_back(std::move(r)); });
+  ASSERT_TRUE(waitFor([&] { return guarded.size() == 2; }));
+  EXPECT_EQ(guarded[0].error, std::nullopt);
+  EXPECT_EQ(guarded[1].error, std::nullopt);
+}
+
+}  // namespace
+}  // namespace websdk::e2e

@@ -40,7 +40,8 @@ std::optional<bool> presentBool(const Fields& fields, std::string_view key) {
 
 }  // namespace
 
-std::optional<WebSDKTrackEventRequestModel> WebSDKTrackEventRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKTrackEventRequestModel> WebSDKTrackEventRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   if (!p.has("eventName")) return std::nullopt;
   return WebSDKTrackEventRequestModel{p.lenientString("eventName"), p.object("eventParams")};
@@ -86,7 +87,8 @@ std::optional<WebSDKSubmitUploadedFilesRequestModel> WebSDKSubmitUploadedFilesRe
   if (!payload) return std::nullopt;
   const Fields p(payload);
   auto input = p.stringMap("input");
-  return WebSDKSubmitUploadedFilesRequestModel{stringList(p["s3Links"]), input ? std::move(*input) : decltype(input)::value_type()};
+  return WebSDKSubmitUploadedFilesRequestModel{stringList(p["s3Links"]),
+                                               input ? std::move(*input) : decltype(input)::value_type()};
 }
 
 std::optional<WebSDKQuizProgressUpdateModel> WebSDKQuizProgressUpdateModel::from(
@@ -123,7 +125,8 @@ std::optional<WebSDKInstalledAppsRequestModel> WebSDKInstalledAppsRequestModel::
   return WebSDKInstalledAppsRequestModel{stringList(Fields(payload)["apps"])};
 }
 
-std::optional<WebSDKGroupOrderRequestModel> WebSDKGroupOrderRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKGroupOrderRequestModel> WebSDKGroupOrderRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   return WebSDKGroupOrderRequestModel{p.strictString("groupCartId"), p.strictString("userId")};
 }

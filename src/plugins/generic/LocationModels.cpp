@@ -77,7 +77,8 @@ std::optional<WebSDKGetGPSLocationRequestModel> WebSDKGetGPSLocationRequestModel
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   const Fields p(payload);
-  return WebSDKGetGPSLocationRequestModel{p.lenientBool("permissionRequired"), p.lenientBool("accurateLocationRequired"),
+  return WebSDKGetGPSLocationRequestModel{p.lenientBool("permissionRequired"),
+                                          p.lenientBool("accurateLocationRequired"),
                                           p.lenientBool("shouldShowSettings"), p.lenientInt("accuracyLevel")};
 }
 
@@ -108,7 +109,8 @@ static_assert(checkRecord<WebSDKSetLocationRequestModel>() && checkRecord<Locati
               checkRecord<WebSDKEditDirectionsRequestModel>() && checkRecord<WebSDKGetGPSLocationRequestModel>() &&
               checkRecord<WebSDKDeviceDetailsResponseModel>() && checkRecord<WebSDKGetLocationResponseModel>() &&
               checkRecord<WebSDKGetCurrentAddressResponseModel>() && checkRecord<AddressMetadataResponse>() &&
-              checkRecord<WebSDKGetSortedAddressesResponseModel>() && checkRecord<WebSDKEditDirectionsResponseModel>() &&
+              checkRecord<WebSDKGetSortedAddressesResponseModel>() &&
+              checkRecord<WebSDKEditDirectionsResponseModel>() &&
               checkRecord<WebSDKDialogConfirmResponseModel>() && checkRecord<PinLocation>() &&
               checkRecord<WebSDKGetTnsSignalResponseModel>() && checkRecord<InternationalUser>() &&
               checkRecord<OrbisData>() && checkRecord<WebSDKGetUserInfoResponseModel>() &&

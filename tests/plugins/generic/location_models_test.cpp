@@ -113,10 +113,12 @@ TEST(LocationReaders, IRCTCReadsSnakeCaseAndEncodesCamelCase) {
       {R"({"irctc_data":{"station_name":"NDLS"}})", with<M>([](M& m) { m.junction = "NDLS"; })},
   });
   const auto model = M::from(payloadOf(
-      R"({"irctc_data":{"encoded_payload":"e","mobile_number":9876,"platform_number":"4","berth":"12","coach":"S1","station_name":"NDLS"}})"));
+      R"({"irctc_data":{"encoded_payload":"e","mobile_number":9876,"platform_number":"4","berth":"12",)"
+      R"("coach":"S1","station_name":"NDLS"}})"));
   ASSERT_TRUE(model);
   EXPECT_EQ(serialize(toJSON(*model)),
-            R"({"encodedIrctcData":"e","phoneNo":"9876","platformNo":"4","berth":"12","coach":"S1","junction":"NDLS"})");
+            R"({"encodedIrctcData":"e","phoneNo":"9876","platformNo":"4","berth":"12","coach":"S1",)"
+            R"("junction":"NDLS"})");
   EXPECT_FALSE(model->isEmptyModel());
   EXPECT_FALSE(with<M>([](M& m) { m.coach = "S1"; }).isEmptyModel());
   EXPECT_TRUE(M::from(payloadOf(R"({"irctc_data":{}})"))->isEmptyModel());
@@ -185,10 +187,11 @@ T withoutOptionals(T record) {
 template <class T>
 class ResponseEncoding : public testing::Test {};
 using ResponseModels =
-    testing::Types<WebSDKDeviceDetailsResponseModel, WebSDKGetLocationResponseModel, WebSDKGetCurrentAddressResponseModel,
-                   AddressMetadataResponse, WebSDKGetSortedAddressesResponseModel, WebSDKEditDirectionsResponseModel,
-                   WebSDKDialogConfirmResponseModel, PinLocation, WebSDKGetTnsSignalResponseModel, InternationalUser,
-                   OrbisData, WebSDKGetUserInfoResponseModel, WebSDKIRCTCResponseModel>;
+    testing::Types<WebSDKDeviceDetailsResponseModel, WebSDKGetLocationResponseModel,
+                   WebSDKGetCurrentAddressResponseModel, AddressMetadataResponse, WebSDKGetSortedAddressesResponseModel,
+                   WebSDKEditDirectionsResponseModel, WebSDKDialogConfirmResponseModel, PinLocation,
+                   WebSDKGetTnsSignalResponseModel, InternationalUser, OrbisData, WebSDKGetUserInfoResponseModel,
+                   WebSDKIRCTCResponseModel>;
 TYPED_TEST_SUITE(ResponseEncoding, ResponseModels);
 
 TYPED_TEST(ResponseEncoding, KeysInOrderAbsentOptionalsLeftOut) {

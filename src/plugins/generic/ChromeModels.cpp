@@ -28,7 +28,8 @@ std::optional<ButtonMeta> ButtonMeta::from(const std::optional<JSONObject>& payl
   return ButtonMeta{p.strictString("id").value_or(""), std::move(*text), *type};
 }
 
-std::optional<WebSDKDialogAlertRequestModel> WebSDKDialogAlertRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKDialogAlertRequestModel> WebSDKDialogAlertRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   auto message = p.strictString("message");
   if (!message) return std::nullopt;
@@ -66,7 +67,8 @@ std::optional<WebSDKShowHeaderModel> WebSDKShowHeaderModel::from(const std::opti
                                std::move(trailingAlert)};
 }
 
-std::optional<WebSDKWebStorageRequestModel> WebSDKWebStorageRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKWebStorageRequestModel> WebSDKWebStorageRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   auto type = p.enumeration<StorageMethodType>("type");
   auto data = p.object("data");
@@ -115,7 +117,8 @@ std::optional<WebSDKToggleQuicksHeaderTabRequestModel> WebSDKToggleQuicksHeaderT
   return WebSDKToggleQuicksHeaderTabRequestModel{Fields(payload).lenientBool("show")};
 }
 
-std::optional<WebSDKVoiceSearchRequestModel> WebSDKVoiceSearchRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKVoiceSearchRequestModel> WebSDKVoiceSearchRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   return WebSDKVoiceSearchRequestModel{Fields(payload).strictString("screenName").value_or("")};
 }
 

@@ -4,7 +4,8 @@
 
 namespace websdk {
 
-std::optional<WebSDKGetLocationRequestModel> WebSDKGetLocationRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKGetLocationRequestModel> WebSDKGetLocationRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   return WebSDKGetLocationRequestModel{Fields(payload).lenientInt("accuracyLevel")};
 }
 
@@ -14,11 +15,13 @@ std::optional<WebSDKGetSortedAddressesRequestModel> WebSDKGetSortedAddressesRequ
   return WebSDKGetSortedAddressesRequestModel{Location::from(Fields(payload).object("source_location"))};
 }
 
-std::optional<WebSDKGetNextStepRequestModel> WebSDKGetNextStepRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKGetNextStepRequestModel> WebSDKGetNextStepRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   return WebSDKGetNextStepRequestModel{Fields(payload).strictString("currentStep").value_or("")};
 }
 
-std::optional<WebSDKPhoneContactRequestModel> WebSDKPhoneContactRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKPhoneContactRequestModel> WebSDKPhoneContactRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   return WebSDKPhoneContactRequestModel{Fields(payload).lenientString("func_name")};
 }
 

@@ -82,7 +82,8 @@ std::optional<WebSDKSetLocationWithDeeplinkRequestModel> WebSDKSetLocationWithDe
   return WebSDKSetLocationWithDeeplinkRequestModel{std::move(address), DeeplinkModel::from(p.object("deepLink"))};
 }
 
-std::optional<WebSDKWebNavigateRequestModel> WebSDKWebNavigateRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKWebNavigateRequestModel> WebSDKWebNavigateRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   auto url = p.strictString("url");
   if (!url) return std::nullopt;
@@ -104,13 +105,15 @@ std::optional<WebSDKLaunchBrowserRequestModel> WebSDKLaunchBrowserRequestModel::
   return WebSDKLaunchBrowserRequestModel{Fields(payload).lenientString("url")};
 }
 
-std::optional<WebSDKOpenOrbisV2RequestModel> WebSDKOpenOrbisV2RequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKOpenOrbisV2RequestModel> WebSDKOpenOrbisV2RequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   if (!p.has("link")) return std::nullopt;
   return WebSDKOpenOrbisV2RequestModel{p.lenientString("link"), p.number("lastMile")};
 }
 
-std::optional<WebSDKOpenOrbisV3RequestModel> WebSDKOpenOrbisV3RequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKOpenOrbisV3RequestModel> WebSDKOpenOrbisV3RequestModel::from(
+    const std::optional<JSONObject>& payload) {
   std::string link = Fields(payload).lenientString("link");
   if (link.empty()) return std::nullopt;
   return WebSDKOpenOrbisV3RequestModel{std::move(link)};

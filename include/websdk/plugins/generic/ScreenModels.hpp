@@ -51,8 +51,8 @@ struct NavigationScreenParam {
   bool shouldReplacePreviousWebview = false;
   std::optional<bool> shouldDismissPresentedScreen;
   std::optional<std::string> url;
-  bool isFromCart = false;              // "fromCart"
-  std::optional<JSON> orderDataJson;    // "data", kept as it stands for the order screen
+  bool isFromCart = false;            // "fromCart"
+  std::optional<JSON> orderDataJson;  // "data", kept as it stands for the order screen
   std::optional<std::string> collectionId;
   std::optional<std::string> restaurantId;
   std::optional<std::string> orderId;
@@ -94,7 +94,7 @@ struct WebSDKNavigationToScreenRequestModel {
 /// address or deep link that does not read is left out.
 struct WebSDKSetLocationWithDeeplinkRequestModel {
   std::optional<WebSDKSetLocationRequestModel> addressObject;  // "address"
-  std::optional<DeeplinkModel> deeplinkDetailModel;           // "deepLink"
+  std::optional<DeeplinkModel> deeplinkDetailModel;            // "deepLink"
 
   static std::optional<WebSDKSetLocationWithDeeplinkRequestModel> from(const std::optional<JSONObject>& payload);
   WEBSDK_RECORD(WebSDKSetLocationWithDeeplinkRequestModel, addressObject, deeplinkDetailModel)

@@ -84,9 +84,10 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   // The page that is shown now must be trusted, whatever the message claims.
   {
     const auto view = webview.lock();
-    const auto url = view ? view->url() : std::nullopt;
+    const auto url = view ? view->engine().url() : std::nullopt;
     if (!url || !view->webSDKConfig.isWhitelistedURL(*url)) {
-      answerFailure(parseJSON(text), WebSDKStatusCode::notWhitelistedUrl, url);
+      answerFailure(parseJSON(text), WebSDKStatusCode::notWhitelistedUrl,
+                    url ? std::optional<std::string>(*url) : std::nullopt);
       return;
     }
   }

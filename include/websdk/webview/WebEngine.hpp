@@ -154,8 +154,9 @@ class WebEngine {
   virtual void addUserScript(const UserScript& script) = 0;
   virtual void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) = 0;
   virtual void removeScriptMessageHandler(std::string_view name) = 0;
-  /// The URL of the page shown, or nothing before the first load.
-  virtual std::optional<std::string> url() const = 0;
+  /// The URL of the page shown, or nothing before the first load. The text
+  /// stays valid until the engine navigates again.
+  virtual std::optional<std::string_view> url() const = 0;
 
   virtual void setPreferences(const WebPreferences& preferences) = 0;
   virtual void setSuppressesIncrementalRendering(bool suppress) = 0;

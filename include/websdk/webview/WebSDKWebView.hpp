@@ -176,7 +176,10 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicatorDelegate;
 
   /// The URL of the page shown, if any.
-  std::optional<std::string> url() const { return engine_->url(); }
+  std::optional<std::string> url() const {
+    const auto shown = engine_->url();
+    return shown ? std::optional<std::string>(*shown) : std::nullopt;
+  }
   WebEngine& engine() { return *engine_; }
 
   // The engine's events (also callable by a host that drives zooming itself).

@@ -78,7 +78,9 @@ class TestingEngine final : public WebEngine {
   void addUserScript(const UserScript& script) override { userScripts.push_back(script); }
   void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;
   void removeScriptMessageHandler(std::string_view name) override;
-  std::optional<std::string> url() const override { return url_; }
+  std::optional<std::string_view> url() const override {
+    return url_ ? std::optional<std::string_view>(*url_) : std::nullopt;
+  }
   void setPreferences(const WebPreferences& preferences) override { preferencesSet.push_back(preferences); }
   void setSuppressesIncrementalRendering(bool suppress) override { incrementalRenderingSet.push_back(suppress); }
   void setAllowsInlineMediaPlayback(bool allow) override { allowsInlineMediaPlayback = allow; }

@@ -1,0 +1,108 @@
+// What a request costs on its way in, and what an answer costs on its way out.
+//
+//   Intake/<family>: the whole intake of a 232-byte request (parse, host check,
+//   routing, decoding, plugin call), against BoostParse: one bare Boost.JSON
+//   parse of the same text. The first and the last family should cost alike.
+//   Envelope/1MB: the envelope of a 1 MB payload, in bytes per second.
+
+#include "websdk/bridge/Families.hpp"
+#include "websdk/testing/TestingEngine.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <benchmark/benchmark.h>
+#include <boost/json/parse.hpp>
+
+#include <string>
+
+namespace websdk {
+namespace {
+
+// A host object for every family that does nothing with what it receives.
+struct NullPlugins final : DvWebViewGenericCallsBacks, DvCartWebViewCallBacks, DvWebViewMenuListCallbacks {
+  void handleGenericRequest(const WebSDKGenericRequestModel&, const WebSDKGenericRequestPayload& p) override {
+    benchmark::DoNotOptimize(&p);
+  }
+  void handleCartRequest(const WebSDKCartRequestModel&, const WebSDKCartRequestPayload& p) override {
+    benchmark::DoNotOptimize(&p);
+  }
+  void handleMenuListRequest(const WebSDKMenuListRequestModel&, const WebSDKMenuListPayload& p) override {
+    benchmark::DoNotOptimize(&p);
+  }
+};
+
+// A request of `type` padded to exactly 232 bytes with an ignored key.
+std::string request232(std::string_view type, std::string_view payload) {
+  std::string text = std::string(R"({"type":")") + std::string(type) + R"(","requestId":"req-000017","payload":)" +
+                     std::string(payload) + R"(,"pad":")";
+  text += std::string(231 - text.size() - 1, 'x') + "\"}";
+  return text;
+}
+
+const std::string kFirst = request232("GET_LOCATION", R"({"accuracyLevel":2,"purpose":"delivery"})");
+const std::string kCart = request232("GET_LOCAL_CART", R"({"tenant":{"marketplaceId":"12","marketplaceCategory":"food"}})");
+const std::string kLast = request232("UPDATE_MENU_ITEM_LIST", R"({"id":"12","items":[]})");
+
+void BoostParse(benchmark::State& state) {
+  boost::json::parse_options options;
+  options.max_depth = kMaxJSONDepth;
+  for (auto _ : state) {
+    boost::json::error_code ec;
+    auto v = boost::json::parse(kCart, ec, {}, options);
+    benchmark::DoNotOptimize(v);
+  }
+  state.SetLabel(std::to_string(kCart.size()) + " bytes");
+}
+BENCHMARK(BoostParse);
+
+void Intake(benchmark::State& state, const std::string& text) {
+  auto plugins = std::make_shared<NullPlugins>();
+  auto engine = std::make_unique<testing::TestingEngine>();
+  engine->setURL("https://checkout.example.com/cart");
+  auto* raw = engine.get();
+  auto view = WebSDKWebView::create(std::move(engine), {"example.com"}, plugins);
+  view->setCartPlugin(plugins);
+  view->setMenuListPlugin(plugins);
+  const ScriptMessage message{"nativeRequest", JSONObject{{"message", text}}};
+  for (auto _ : state) view->handler()->userContentController(message);
+  if (raw->queue().pending() != 0) state.SkipWithError("the request was not delivered");
+  state.SetLabel(std::to_string(text.size()) + " bytes");
+}
+BENCHMARK_CAPTURE(Intake, first_family_generic, kFirst);
+BENCHMARK_CAPTURE(Intake, cart, kCart);
+BENCHMARK_CAPTURE(Intake, last_family_menuList, kLast);
+
+std::string payloadOf(std::size_t size, bool jsonText) {
+  std::string s;
+  s.reserve(size);
+  const std::string_view unit =
+      jsonText ? "{\n  \"itemId\" : \"A-1042\",\n  \"name\" : \"Paneer Tikka Roll\",\n  \"price\" : 219.5\n},\n"
+               : "Paneer tikka roll with mint chutney and onions, extra spicy, no cheese; ";
+  while (s.size() + unit.size() <= size) s += unit;
+  s.append(size - s.size(), 'x');
+  return s;
+}
+
+void Envelope(benchmark::State& state, bool jsonText) {
+  const WebSDKResponseModel response{"SUCCESS", 0, std::nullopt, "req-17", payloadOf(1 << 20, jsonText)};
+  for (auto _ : state) {
+    auto script = nativeResponseScript(response);
+    benchmark::DoNotOptimize(script);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * (1 << 20));
+}
+BENCHMARK_CAPTURE(Envelope, 1MB_text, false);
+BENCHMARK_CAPTURE(Envelope, 1MB_json_payload, true);
+
+// The same envelope written by the general JSON writer, for scale.
+void EnvelopeGeneralWriter(benchmark::State& state) {
+  const WebSDKResponseModel response{"SUCCESS", 0, std::nullopt, "req-17", payloadOf(1 << 20, false)};
+  for (auto _ : state) {
+    auto text = "nativeResponse(" + serialize(describe(response)) + ")";
+    benchmark::DoNotOptimize(text);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * (1 << 20));
+}
+BENCHMARK(EnvelopeGeneralWriter);
+
+}  // namespace
+}  // namespace websdk

@@ -1,0 +1,290 @@
+// The page -> plugin -> page round trip through WebKitGTK, against a floor
+// that uses WebKitGTK alone: the page posts the same request, native code
+// finds the request id by searching the text (no JSON library) and evaluates a
+// ready-made envelope. Each benchmark alternates floor and WebSDK batches in
+// one run, so both see the same machine. Needs a display: xvfb-run -a.
+
+#include "websdk/webkitgtk/Native.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace websdk {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::string_view kBaseURI = "http://127.0.0.1/bench";
+
+// The page is the same for both sides: it posts requests, counts answers in
+// nativeResponse (touching the payload) and reports when the batch is done.
+constexpr std::string_view kPage = R"(<!doctype html><html><body><script>
+let remaining = 0, next = 0, pipelined = false, bytes = 0;
+function send() {
+  const id = String(next++);
+  window.webkit.messageHandlers.nativeRequest.postMessage({message:
+    '{"type":"GET_LOCAL_CART","requestId":"' + id + '","payload":{"tenant":{"marketplaceId":"m1","marketplaceCategory":"FOOD","marketplaceBusinessLine":"DV-MEALS"}}}'});
+}
+function nativeResponse(envelope) {
+  bytes += envelope.payload.length;
+  if (--remaining === 0) { window.webkit.messageHandlers.done.postMessage(bytes); return; }
+  if (!pipelined) send();
+}
+function run(n, pipe) {
+  remaining = n; pipelined = pipe;
+  if (pipe) { for (let i = 0; i < n; ++i) send(); } else { send(); }
+}
+</script></body></html>)";
+
+// A JSON answer of about `size` bytes, as a plugin would send it.
+std::string payloadOfSize(std::size_t size) {
+  std::string out = R"({"items":[)";
+  for (int i = 0; out.size() + 64 < size; ++i) {
+    if (i) out += ',';
+    out += R"({"id":"item-)" + std::to_string(i) + R"(","name":"Garlic naan","qty":2,"price":45.0})";
+  }
+  out += "]}";
+  return out;
+}
+
+bool loadPage(WebKitWebView* view, const std::function<bool()>& ready) {
+  webkit_web_view_load_html(view, kPage.data(), kBaseURI.data());
+  return webkitgtk::runUntil(ready, 20s);
+}
+
+// ---- Floor: WebKitGTK alone ----------------------------------------------------------
+
+class Floor {
+ public:
+  Floor() {
+    content_ = webkit_user_content_manager_new();
+    view_ = WEBKIT_WEB_VIEW(g_object_ref_sink(webkit_web_view_new_with_user_content_manager(content_)));
+    g_signal_connect(content_, "script-message-received::nativeRequest", G_CALLBACK(&Floor::onRequest), this);
+    g_signal_connect(content_, "script-message-received::done", G_CALLBACK(&Floor::onDone), this);
+    webkit_user_content_manager_register_script_message_handler(content_, "nativeRequest");
+    webkit_user_content_manager_register_script_message_handler(content_, "done");
+    g_signal_connect(view_, "load-changed", G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent e, gpointer self) {
+                       if (e == WEBKIT_LOAD_FINISHED) static_cast<Floor*>(self)->loaded_ = true;
+                     }),
+                     this);
+  }
+  ~Floor() {
+    g_signal_handlers_disconnect_by_data(content_, this);
+    g_signal_handlers_disconnect_by_data(view_, this);
+    gtk_widget_destroy(GTK_WIDGET(view_));
+    g_object_unref(view_);
+    g_object_unref(content_);
+  }
+  GtkWidget* widget() { return GTK_WIDGET(view_); }
+  bool load() {
+    return loadPage(view_, [this] { return loaded_; });
+  }
+
+  void setPayload(const std::string& payload) {
+    // The envelope is made once; only the request id is spliced in per answer.
+    const std::string marker = "\x01";
+    const std::string script =
+        nativeResponseScript(WebSDKResponseModel{"SUCCESS", 0, std::nullopt, marker, payload});
+    const auto at = script.find("\\u0001");
+    prefix_ = script.substr(0, at);
+    suffix_ = script.substr(at + 6);
+  }
+
+  bool run(int n, bool pipelined) {
+    done_ = false;
+    const std::string call = "run(" + std::to_string(n) + "," + (pipelined ? "true" : "false") + ")";
+    webkit_web_view_evaluate_javascript(view_, call.c_str(), -1, nullptr, nullptr, nullptr, nullptr, nullptr);
+    return webkitgtk::runUntil([this] { return done_; }, 120s);
+  }
+
+ private:
+  static void onRequest(WebKitUserContentManager*, WebKitJavascriptResult* result, gpointer data) {
+    auto& self = *static_cast<Floor*>(data);
+    JSCValue* body = webkit_javascript_result_get_js_value(result);
+    JSCValue* message = jsc_value_object_get_property(body, "message");
+    char* text = jsc_value_to_string(message);
+    const std::string_view s(text);
+    constexpr std::string_view key = R"("requestId":")";
+    const auto start = s.find(key) + key.size();
+    const auto end = s.find('"', start);
+    std::string script;
+    script.reserve(self.prefix_.size() + (end - start) + self.suffix_.size());
+    script.append(self.prefix_).append(s.substr(start, end - start)).append(self.suffix_);
+    g_free(text);
+    g_object_unref(message);
+    webkit_web_view_evaluate_javascript(self.view_, script.data(), static_cast<gssize>(script.size()), nullptr,
+                                        nullptr, nullptr, nullptr, nullptr);
+  }
+  static void onDone(WebKitUserContentManager*, WebKitJavascriptResult*, gpointer data) {
+    static_cast<Floor*>(data)->done_ = true;
+  }
+
+  WebKitUserContentManager* content_;
+  WebKitWebView* view_;
+  std::string prefix_, suffix_;
+  bool loaded_ = false;
+  bool done_ = false;
+};
+
+// ---- WebSDK --------------------------------------------------------------------------
+
+class AllowAll final : public WebSDKNavigationDelegate {
+ public:
+  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
+  void didFinish(WebSDKWebView&, const WebSDKNavigation*) override { finished = true; }
+  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError&) override {}
+  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&, WebSDKAuthChallengeCompletion) override {}
+  bool finished = false;
+};
+
+class CartAnswers final : public DvCartWebViewCallBacks {
+ public:
+  std::weak_ptr<WebSDKWebView> view;
+  std::string payload;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
+    if (auto v = view.lock()) v->sendWebSDKResponse(payload, WebSDKResponseType::success, request.requestId);
+  }
+};
+
+class Done final : public ScriptMessageHandler {
+ public:
+  void userContentController(const ScriptMessage&) override { done = true; }
+  bool done = false;
+};
+
+class SDK {
+ public:
+  SDK() {
+    view_ = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
+                                  navigation_);
+    cart_->view = view_;
+    view_->setCartPlugin(cart_);
+    view_->engine().addScriptMessageHandler(done_, "done");
+  }
+  GtkWidget* widget() { return webkitgtk::widget(view_->engine()); }
+  bool load() {
+    return loadPage(webkitgtk::nativeWebView(view_->engine()), [this] { return navigation_->finished; });
+  }
+  void setPayload(const std::string& payload) { cart_->payload = payload; }
+  bool run(int n, bool pipelined) {
+    done_->done = false;
+    view_->engine().evaluateJavaScript("run(" + std::to_string(n) + "," + (pipelined ? "true" : "false") + ")",
+                                       nullptr);
+    return webkitgtk::runUntil([this] { return done_->done; }, 120s);
+  }
+
+ private:
+  std::shared_ptr<AllowAll> navigation_ = std::make_shared<AllowAll>();
+  std::shared_ptr<CartAnswers> cart_ = std::make_shared<CartAnswers>();
+  std::shared_ptr<Done> done_ = std::make_shared<Done>();
+  std::shared_ptr<WebSDKWebView> view_;
+};
+
+// ---- The run ---------------------------------------------------------------------------
+
+struct Rig {
+  GtkWidget* window = nullptr;
+  std::unique_ptr<Floor> floor;
+  std::unique_ptr<SDK> sdk;
+  bool ok = false;
+
+  Rig() {
+    if (!webkitgtk::initialize()) return;
+    window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    gtk_container_add(GTK_CONTAINER(window), box);
+    floor = std::make_unique<Floor>();
+    sdk = std::make_unique<SDK>();
+    gtk_box_pack_start(GTK_BOX(box), floor->widget(), TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), sdk->widget(), TRUE, TRUE, 0);
+    gtk_window_set_default_size(GTK_WINDOW(window), 800, 400);
+    gtk_widget_show_all(window);
+    ok = floor->load() && sdk->load();
+  }
+  static Rig& get() {
+    static Rig rig;
+    return rig;
+  }
+};
+
+struct Figures {
+  double floorUs = 0, sdkUs = 0;
+};
+std::map<std::string, Figures>& results() {
+  static std::map<std::string, Figures> r;
+  return r;
+}
+
+void RoundTrip(benchmark::State& state) {
+  const auto size = static_cast<std::size_t>(state.range(0));
+  const bool pipelined = state.range(1) != 0;
+  // Batches long enough that the kick-off evaluation is noise.
+  const int batch = size >= (1u << 20) ? 4 : size >= 10'000 ? 50 : 200;
+  Rig& rig = Rig::get();
+  if (!rig.ok) {
+    state.SkipWithError("no display or the pages did not load: run under xvfb-run -a");
+    return;
+  }
+  const std::string payload = payloadOfSize(size);
+  rig.floor->setPayload(payload);
+  rig.sdk->setPayload(payload);
+  // One batch of each first, to warm both processes up.
+  rig.floor->run(batch, pipelined);
+  rig.sdk->run(batch, pipelined);
+
+  // Medians of per-batch times: the machine is shared, and a spike in one
+  // batch should not decide the ratio.
+  std::vector<double> floorUs, sdkUs;
+  for (auto _ : state) {
+    auto t0 = Clock::now();
+    if (!rig.floor->run(batch, pipelined)) state.SkipWithError("floor batch did not finish");
+    auto t1 = Clock::now();
+    if (!rig.sdk->run(batch, pipelined)) state.SkipWithError("WebSDK batch did not finish");
+    auto t2 = Clock::now();
+    floorUs.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count() / batch);
+    sdkUs.push_back(std::chrono::duration<double, std::micro>(t2 - t1).count() / batch);
+  }
+  const auto median = [](std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0.0 : v[v.size() / 2];
+  };
+  const Figures f{median(floorUs), median(sdkUs)};
+  state.counters["floor_us"] = f.floorUs;
+  state.counters["websdk_us"] = f.sdkUs;
+  state.counters["ratio"] = f.sdkUs / f.floorUs;
+  results()[std::to_string(size) + (pipelined ? " pipelined" : " sequential")] = f;
+}
+
+BENCHMARK(RoundTrip)
+    ->ArgNames({"bytes", "pipelined"})
+    ->ArgsProduct({{100, 10'000, 1 << 20}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MinTime(2.0);
+
+}  // namespace
+}  // namespace websdk
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+
+  std::printf("\nRound trip, page -> plugin -> page (median microseconds per round trip)\n");
+  std::printf("%-22s %12s %12s %8s %8s\n", "answer", "floor", "WebSDK", "ratio", "target");
+  for (const auto& [name, f] : websdk::results()) {
+    const double target = name.starts_with("100 ") ? 1.10 : name.starts_with("10000 ") ? 1.15 : 1.25;
+    std::printf("%-22s %12.1f %12.1f %7.2fx %7.2fx\n", name.c_str(), f.floorUs, f.sdkUs, f.sdkUs / f.floorUs, target);
+  }
+  return 0;
+}

@@ -3,6 +3,8 @@
 
 #include "E2E.hpp"
 
+#include <thread>
+
 namespace websdk::e2e {
 namespace {
 
@@ -71,6 +73,52 @@ TEST_F(BridgeTest, TheBridgesOwnFailuresReachThePage) {
   JSONObject expected{{"type", "FAILED"}, {"statusCode", 1005}, {"statusMessage", server.url("/page", "localhost")},
                       {"requestId", "7"}};
   EXPECT_EQ(responses().back(), JSON(expected));
+}
+
+TEST_F(BridgeTest, BodiesThatAreNotRequestsAreDroppedAndTheChannelGoesOn) {
+  view->setCartPlugin(cart);
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    view->sendSuccess(request.requestId);
+  };
+  for (const char* body : {"'text'", "42", "null", "[1,2]", "{message: 5}", "{message: {type: 'GET_LOCAL_CART'}}"})
+    view->engine().evaluateJavaScript("window.webkit.messageHandlers.nativeRequest.postMessage(" + std::string(body) + ")",
+                                      nullptr);
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitForResponses(1));
+  EXPECT_EQ(responses()[0], parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"7"})"));
+  EXPECT_EQ(listener->requests.size(), 1u);
+}
+
+TEST_F(BridgeTest, AnAnswerSentFromAnotherThreadReachesThePage) {
+  view->setCartPlugin(cart);
+  std::thread provider;
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    provider = std::thread([weak = std::weak_ptr(view), id = request.requestId] {
+      if (auto v = weak.lock()) v->sendWebSDKResponse(std::string("from a worker"), WebSDKResponseType::success, id);
+    });
+  };
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitFor([&] { return provider.joinable(); }));
+  provider.join();
+  ASSERT_TRUE(waitForResponses(1));
+  EXPECT_EQ(responses()[0].at("payload"), JSON("from a worker"));
+}
+
+TEST_F(BridgeTest, AHostMayDropTheViewFromInsideAPluginCall) {
+  view->setCartPlugin(cart);
+  bool called = false;
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    called = true;
+    view->sendSuccess(request.requestId);  // queued; must do nothing once the view is gone
+    view.reset();
+  };
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitFor([&] { return called; }));
+  EXPECT_EQ(view, nullptr);
+  // The loop runs on without the view, and a new one works.
+  makeView({"127.0.0.1"}, delegate);
+  ASSERT_TRUE(loadAndWait(server.url("/page")));
+  EXPECT_EQ(evaluate("1 + 1"), JSON(2));
 }
 
 TEST_F(BridgeTest, AMegabyteAnswerArrivesIntact) {

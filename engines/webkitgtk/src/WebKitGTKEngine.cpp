@@ -223,6 +223,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 
     WebKitWebView* widget = std::exchange(view, nullptr);
     if (emitting > 0) {
+      // Out of the host's window at once, so that a new view can take its
+      // place; destroyed once WebKit has returned from its signal.
+      if (GtkWidget* parent = gtk_widget_get_parent(GTK_WIDGET(widget)))
+        gtk_container_remove(GTK_CONTAINER(parent), GTK_WIDGET(widget));
       g_idle_add(
           [](gpointer w) -> gboolean {
             gtk_widget_destroy(GTK_WIDGET(w));
@@ -562,11 +566,11 @@ void WebKitGTKEngine::removeScriptMessageHandler(std::string_view name) {
   if (state_->view) state_->removeChannel(name);
 }
 
-std::optional<std::string> WebKitGTKEngine::url() const {
+std::optional<std::string_view> WebKitGTKEngine::url() const {
   if (!state_->view) return std::nullopt;
   const char* uri = webkit_web_view_get_uri(state_->view);
   if (uri == nullptr || *uri == '\0') return std::nullopt;
-  return std::string(uri);
+  return std::string_view(uri);
 }
 
 void WebKitGTKEngine::setPreferences(const WebPreferences& preferences) {

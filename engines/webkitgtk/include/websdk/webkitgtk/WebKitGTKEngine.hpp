@@ -70,7 +70,7 @@ class WebKitGTKEngine final : public WebEngine {
   void addUserScript(const UserScript& script) override;
   void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;
   void removeScriptMessageHandler(std::string_view name) override;
-  std::optional<std::string> url() const override;
+  std::optional<std::string_view> url() const override;
   void setPreferences(const WebPreferences& preferences) override;
   /// WebKitGTK has no incremental-rendering switch: the value is only kept.
   void setSuppressesIncrementalRendering(bool suppress) override;

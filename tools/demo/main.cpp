@@ -223,10 +223,11 @@ int run(int argc, char** argv) {
     };
   };
 
+  const Step open{"open the checkout", load, {"GET_USER_INFO", "GET_LOCAL_CART", "GET_CURRENT_ADDRESS", "GET_LOCATION"}};
   int status = 0;
   if (headless) {
     const std::vector<Step> steps = {
-        {"open the checkout", load, {"GET_USER_INFO", "GET_LOCAL_CART", "GET_CURRENT_ADDRESS", "GET_LOCATION"}},
+        open,
         {"add a garlic naan", click("add-garlic-naan"), {"UPDATE_LOCAL_CART"}},
         {"apply the best coupon", click("coupon"), {"APPLY_COUPON"}},
         {"the app picks another address",
@@ -240,14 +241,9 @@ int run(int argc, char** argv) {
     if (!answered || state != JSON("paid")) status = 1;
   } else {
     g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
-    load();
-    if (!screenshot.empty())
-      webkitgtk::runUntil(
-          [&] {
-            const auto ids = traffic->requestsFor("GET_LOCAL_CART");
-            return !ids.empty() && traffic->answered(ids.front());
-          },
-          15s);
+    // With a screenshot to take, the page is shown once it has its answers.
+    if (screenshot.empty()) load();
+    else runCheckout(*view, *traffic, {open});
   }
 
   if (!screenshot.empty()) {

@@ -61,7 +61,8 @@ TEST(Records, KeyedRecordsEncodeWithKeysAndDescribeWithNames) {
 }
 
 TEST(Records, EqualityIsMemberwise) {
-  Sample a{"a"}, b{"a"};
+  Sample a, b;
+  a.name = b.name = "a";
   EXPECT_EQ(a, b);
   b.raw = JSON(1);
   EXPECT_NE(a, b);

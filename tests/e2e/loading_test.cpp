@@ -52,6 +52,17 @@ TEST_F(E2ETest, HeaderObjectIsThereFromDocumentStartAndTheLastScriptWins) {
   EXPECT_EQ(evaluate("window.__native_headers__.getDovaraHeaders()"), JSON(R"({"token":"second","cityId":"7"})"));
 }
 
+TEST_F(E2ETest, JavaScriptCanBeSwitchedOffAndOnAgain) {
+  server.page("/page", testPage());
+  view->setJavaScriptEnabled(false);
+  ASSERT_TRUE(loadAndWait(server.url("/page")));
+  view->setJavaScriptEnabled(true);
+  ASSERT_TRUE(loadAndWait(server.url("/page")));
+  ASSERT_TRUE(waitFor([&] { return !page->of("ready").empty(); }));
+  // Only the second load ran the page's script.
+  EXPECT_EQ(page->of("ready").size(), 1u);
+}
+
 TEST_F(E2ETest, ADelegateThatCancelsStopsTheNavigation) {
   delegate->actionPolicy = [](const WebSDKNavigationAction& action) {
     return action.url.ends_with("/blocked") ? WebSDKNavigationActionPolicy::cancel
@@ -59,8 +70,10 @@ TEST_F(E2ETest, ADelegateThatCancelsStopsTheNavigation) {
   };
   server.page("/blocked", testPage());
   server.page("/after", testPage());
-  view->loadWebView(server.url("/blocked"), {}, std::nullopt, 30);
+  view->loadWebView(server.url("/blocked"), {}, std::nullopt, 0.3);
   ASSERT_TRUE(waitFor([&] { return !delegate->actions.empty(); }));
+  // Refused, not slow: its short timeout reports nothing.
+  EXPECT_FALSE(waitFor([&] { return !delegate->provisionalFailures.empty(); }, 600ms));
   // A later load shows the cancelled one never went out.
   ASSERT_TRUE(loadAndWait(server.url("/after")));
   EXPECT_TRUE(server.requestsTo("/blocked").empty());

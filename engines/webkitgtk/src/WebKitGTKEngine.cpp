@@ -148,7 +148,11 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // would be taken by default when its last reference goes, so each is held
   // until answered (or the engine goes).
   std::uint64_t lastPendingId = 0;
-  std::map<std::uint64_t, WebKitPolicyDecision*> decisions;
+  struct HeldDecision {
+    WebKitPolicyDecision* decision;
+    bool mainFrameNavigation;  // refusing it means the load it starts never comes
+  };
+  std::map<std::uint64_t, HeldDecision> decisions;
   std::map<std::uint64_t, WebKitAuthenticationRequest*> challenges;
 
   struct Emitting {
@@ -207,9 +211,9 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     channels.clear();
     g_cancellable_cancel(cancellable);
     // Held questions stay unanswered for good: nothing may proceed on their account.
-    for (const auto& [id, decision] : decisions) {
-      webkit_policy_decision_ignore(decision);
-      g_object_unref(decision);
+    for (const auto& [id, held] : decisions) {
+      webkit_policy_decision_ignore(held.decision);
+      g_object_unref(held.decision);
     }
     decisions.clear();
     for (const auto& [id, request] : challenges) {
@@ -332,7 +336,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   gboolean decidePolicy(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type) {
     Emitting guard(*this);
     const std::uint64_t id = ++lastPendingId;
-    decisions.emplace(id, WEBKIT_POLICY_DECISION(g_object_ref(decision)));
+    decisions.emplace(id, HeldDecision{WEBKIT_POLICY_DECISION(g_object_ref(decision)),
+                                       type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION});
     auto settle = [weak = weak_from_this(), id](bool use) {
       onUIThread(weak, [id, use](State& s) { s.settleDecision(id, use); });
     };
@@ -366,11 +371,16 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   void settleDecision(std::uint64_t id, bool use) {
     const auto it = decisions.find(id);
     if (it == decisions.end()) return;  // answered already: the first answer stands
-    WebKitPolicyDecision* decision = it->second;
+    const HeldDecision held = it->second;
     decisions.erase(it);
-    if (use) webkit_policy_decision_use(decision);
-    else webkit_policy_decision_ignore(decision);
-    g_object_unref(decision);
+    if (use) {
+      webkit_policy_decision_use(held.decision);
+    } else {
+      webkit_policy_decision_ignore(held.decision);
+      // A refused load was not slow: its timeout must not report it.
+      if (held.mainFrameNavigation) disarmTimeout();
+    }
+    g_object_unref(held.decision);
   }
 
   gboolean authenticate(WebKitAuthenticationRequest* request) {

@@ -138,8 +138,9 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // Navigation bookkeeping.
   std::uint64_t lastNavigationId = 0;
   std::optional<WebSDKNavigation> current;  // the navigation last started
-  std::string requestedURL;                 // the last load() asked for
-  bool loadStarted = false;                 // the last load() has started
+  // The timeout of the last load(), armed once that load starts: the time a
+  // delegate takes to allow it is not the network's.
+  std::optional<double> pendingTimeout;
   bool failed = false;                      // current navigation failed: its end is not a finish
   bool abandoned = false;                   // stopped on timeout: WebKit's own stop events stay quiet
   guint timeoutSource = 0;
@@ -255,8 +256,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       case WEBKIT_LOAD_STARTED:
         abandoned = false;
         failed = false;
-        loadStarted = true;
         current = WebSDKNavigation{++lastNavigationId, text(webkit_web_view_get_uri(view))};
+        if (pendingTimeout) armTimeout(*std::exchange(pendingTimeout, std::nullopt));
         if (client) client->didStartProvisionalNavigation(&*current);
         break;
       case WEBKIT_LOAD_REDIRECTED: break;
@@ -310,8 +311,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 
   void loadTimedOut() {
     Emitting guard(*this);
-    const WebSDKNavigation navigation =
-        loadStarted && current ? *current : WebSDKNavigation{++lastNavigationId, requestedURL};
+    const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
     abandoned = true;
     webkit_web_view_stop_loading(view);
     if (client)
@@ -377,8 +377,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       webkit_policy_decision_use(held.decision);
     } else {
       webkit_policy_decision_ignore(held.decision);
-      // A refused load was not slow: its timeout must not report it.
-      if (held.mainFrameNavigation) disarmTimeout();
+      // A refused load never starts: its timeout must not pass to another.
+      if (held.mainFrameNavigation) pendingTimeout.reset();
     }
     g_object_unref(held.decision);
   }
@@ -522,9 +522,8 @@ void WebKitGTKEngine::load(const URLRequest& request) {
   // policy: every load uses the protocol's own.
   if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
     for (const auto& [name, value] : request.headers) soup_message_headers_replace(headers, name.c_str(), value.c_str());
-  s.requestedURL = request.url;
-  s.loadStarted = false;
-  s.armTimeout(request.timeoutInterval);
+  s.disarmTimeout();
+  s.pendingTimeout = request.timeoutInterval;
   webkit_web_view_load_request(s.view, uriRequest);
   g_object_unref(uriRequest);
 }

@@ -63,8 +63,9 @@ class WebKitGTKEngine final : public WebEngine {
 
   void setClient(WebEngineClient* client) override;
   /// Loads `request` with its header fields in order. A load that has not
-  /// committed within `timeoutInterval` seconds is stopped and reported to the
-  /// client as a failed provisional navigation whose error isTimeout.
+  /// committed within `timeoutInterval` seconds of starting (once allowed) is
+  /// stopped and reported to the client as a failed provisional navigation
+  /// whose error isTimeout.
   void load(const URLRequest& request) override;
   void evaluateJavaScript(std::string script, ScriptCompletion completion) override;
   void addUserScript(const UserScript& script) override;

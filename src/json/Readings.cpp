@@ -50,9 +50,7 @@ std::int64_t saturate(double d) {
   return static_cast<std::int64_t>(std::clamp(std::trunc(d), lo, hi));
 }
 
-}  // namespace
-
-std::string lenientString(const JSON* v) {
+std::string lenientStringOf(const JSON* v) {
   if (v == nullptr) return {};
   switch (v->kind()) {
     case boost::json::kind::string: return std::string(v->get_string());
@@ -64,13 +62,52 @@ std::string lenientString(const JSON* v) {
   }
 }
 
+std::int64_t lenientIntOf(const JSON* v) {
+  if (v == nullptr) return 0;
+  switch (v->kind()) {
+    case boost::json::kind::int64: return v->get_int64();
+    case boost::json::kind::uint64:
+      return static_cast<std::int64_t>(std::min<std::uint64_t>(v->get_uint64(), std::numeric_limits<std::int64_t>::max()));
+    case boost::json::kind::double_: return saturate(v->get_double());
+    case boost::json::kind::bool_: return v->get_bool() ? 1 : 0;
+    case boost::json::kind::string: {
+      const auto& s = v->get_string();
+      std::int64_t i = 0;
+      auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), i);
+      if (ec == std::errc() && end == s.data() + s.size()) return i;
+      return saturate(parseNumber(s).value_or(0));
+    }
+    default: return 0;
+  }
+}
+
+std::optional<double> numberOf(const JSON* v) {
+  if (v == nullptr) return std::nullopt;
+  switch (v->kind()) {
+    case boost::json::kind::int64: return static_cast<double>(v->get_int64());
+    case boost::json::kind::uint64: return static_cast<double>(v->get_uint64());
+    case boost::json::kind::double_: return v->get_double();
+    case boost::json::kind::bool_: return v->get_bool() ? 1.0 : 0.0;
+    default: return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::string lenientString(const JSON* v) {
+  detail::observe(v, Reading::lenientString);
+  return lenientStringOf(v);
+}
+
 std::optional<std::string> strictString(const JSON* v) {
+  detail::observe(v, Reading::strictString);
   if (v == nullptr) return std::nullopt;
   if (const auto* s = v->if_string()) return std::string(*s);
   return std::nullopt;
 }
 
 bool lenientBool(const JSON* v) {
+  detail::observe(v, Reading::lenientBool);
   if (v == nullptr) return false;
   switch (v->kind()) {
     case boost::json::kind::bool_: return v->get_bool();
@@ -90,73 +127,60 @@ bool lenientBool(const JSON* v) {
 }
 
 std::optional<bool> strictBool(const JSON* v) {
+  detail::observe(v, Reading::strictBool);
   if (v == nullptr) return std::nullopt;
   if (const auto* b = v->if_bool()) return *b;
   return std::nullopt;
 }
 
 std::int64_t lenientInt(const JSON* v) {
-  if (v == nullptr) return 0;
-  switch (v->kind()) {
-    case boost::json::kind::int64: return v->get_int64();
-    case boost::json::kind::uint64:
-      return static_cast<std::int64_t>(std::min<std::uint64_t>(v->get_uint64(), std::numeric_limits<std::int64_t>::max()));
-    case boost::json::kind::double_: return saturate(v->get_double());
-    case boost::json::kind::bool_: return v->get_bool() ? 1 : 0;
-    case boost::json::kind::string: {
-      const auto& s = v->get_string();
-      std::int64_t i = 0;
-      auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), i);
-      if (ec == std::errc() && end == s.data() + s.size()) return i;
-      return saturate(parseNumber(s).value_or(0));
-    }
-    default: return 0;
-  }
-}
-
-double lenientDouble(const JSON* v) {
-  if (v == nullptr) return 0;
-  if (const auto* s = v->if_string()) return parseNumber(*s).value_or(0);
-  return number(v).value_or(0);
+  detail::observe(v, Reading::lenientInt);
+  return lenientIntOf(v);
 }
 
 std::optional<double> number(const JSON* v) {
-  if (v == nullptr) return std::nullopt;
-  switch (v->kind()) {
-    case boost::json::kind::int64: return static_cast<double>(v->get_int64());
-    case boost::json::kind::uint64: return static_cast<double>(v->get_uint64());
-    case boost::json::kind::double_: return v->get_double();
-    case boost::json::kind::bool_: return v->get_bool() ? 1.0 : 0.0;
-    default: return std::nullopt;
-  }
+  detail::observe(v, Reading::number);
+  return numberOf(v);
+}
+
+double lenientDouble(const JSON* v) {
+  detail::observe(v, Reading::lenientDouble);
+  if (v == nullptr) return 0;
+  if (const auto* s = v->if_string()) return parseNumber(*s).value_or(0);
+  return numberOf(v).value_or(0);
 }
 
 std::optional<std::int64_t> integer(const JSON* v) {
+  detail::observe(v, Reading::integer);
   if (v == nullptr || v->is_string()) return std::nullopt;
-  if (!number(v)) return std::nullopt;
-  return lenientInt(v);
+  if (!numberOf(v)) return std::nullopt;
+  return lenientIntOf(v);
 }
 
 std::optional<JSONObject> object(const JSON* v) {
+  detail::observe(v, Reading::object);
   if (v == nullptr) return std::nullopt;
   if (const auto* o = v->if_object()) return *o;
   return std::nullopt;
 }
 
 std::optional<JSONArray> array(const JSON* v) {
+  detail::observe(v, Reading::array);
   if (v == nullptr) return std::nullopt;
   if (const auto* a = v->if_array()) return *a;
   return std::nullopt;
 }
 
 std::optional<std::map<std::string, std::string>> stringMap(const JSON* v) {
+  detail::observe(v, Reading::stringMap);
   if (v == nullptr || !v->is_object()) return std::nullopt;
   std::map<std::string, std::string> out;
-  for (const auto& member : v->get_object()) out.emplace(member.key(), lenientString(&member.value()));
+  for (const auto& member : v->get_object()) out.emplace(member.key(), lenientStringOf(&member.value()));
   return out;
 }
 
 std::optional<JSON> raw(const JSON* v) {
+  detail::observe(v, Reading::raw);
   if (v == nullptr) return std::nullopt;
   return *v;
 }

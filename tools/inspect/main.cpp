@@ -1,3 +1,4 @@
+#include "Catalogue.hpp"
 #include "Inspector.hpp"
 
 #include <fstream>
@@ -5,12 +6,17 @@
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.size() == 1 && args[0] == "--catalogue") {
+    std::cout << websdk::serializePretty(websdk::inspect::catalogue()) << "\n";
+    return 0;
+  }
   std::string file, error;
   const auto options = websdk::inspect::parseArguments(args, file, error);
   if (!options) {
     std::cerr << "websdk-inspect: " << error << "\n"
               << "usage: websdk-inspect [--url URL] [--whitelist HOST]... [--whitelist-all]\n"
-              << "                      [--plugins all|none|FAMILY[,FAMILY...]] [FILE]\n";
+              << "                      [--plugins all|none|FAMILY[,FAMILY...]] [FILE]\n"
+              << "       websdk-inspect --catalogue\n";
     return 2;
   }
   std::ios::sync_with_stdio(false);

@@ -5,13 +5,65 @@
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
 
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace websdk {
+
+/// The readings below, by name.
+enum class Reading {
+  lenientString, strictString, lenientBool, strictBool, lenientInt, lenientDouble,
+  number, integer, object, array, stringMap, raw, enumeration
+};
+constexpr auto rawValues(Reading) {
+  using enum Reading;
+  return rawValueTable<Reading>({{lenientString, "lenientString"}, {strictString, "strictString"},
+                                 {lenientBool, "lenientBool"},     {strictBool, "strictBool"},
+                                 {lenientInt, "lenientInt"},       {lenientDouble, "lenientDouble"},
+                                 {number, "number"},               {integer, "integer"},
+                                 {object, "object"},               {array, "array"},
+                                 {stringMap, "stringMap"},         {raw, "raw"},
+                                 {enumeration, "enumeration"}});
+}
+
+/// Watches readers at work: told of every key a `Fields` view looks up and of
+/// every reading applied to a present value. websdk-inspect installs one to
+/// learn which keys each request model reads; with none installed a lookup
+/// or reading costs one relaxed load more.
+class ReadingObserver {
+ public:
+  virtual ~ReadingObserver() = default;
+  virtual void lookedUp(const JSONObject& object, std::string_view key) = 0;
+  /// `cases` lists the raw values an enumeration reading accepts.
+  virtual void read(const JSON& value, Reading reading, std::span<const std::string_view> cases) = 0;
+};
+
+namespace detail {
+inline std::atomic<ReadingObserver*> readingObserver{nullptr};
+inline ReadingObserver* observer() { return readingObserver.load(std::memory_order_relaxed); }
+inline void observe(const JSON* v, Reading reading, std::span<const std::string_view> cases = {}) {
+  if (ReadingObserver* o = observer(); o != nullptr && v != nullptr) [[unlikely]]
+    o->read(*v, reading, cases);
+}
+template <class E>
+inline constexpr auto caseNames = [] {
+  std::array<std::string_view, caseCount<E>()> names{};
+  for (std::size_t i = 0; i < names.size(); ++i) names[i] = enumTable<E>[i].raw;
+  return names;
+}();
+}  // namespace detail
+
+/// Installs `observer` for the whole process (nullptr removes it) and returns
+/// the one installed before. Readers must not run on other threads meanwhile.
+inline ReadingObserver* setReadingObserver(ReadingObserver* observer) {
+  return detail::readingObserver.exchange(observer, std::memory_order_relaxed);
+}
 
 /// A string gives itself, a number its decimal text (5 -> "5", 5.5 -> "5.5"),
 /// a bool "true"/"false", anything else "".
@@ -45,6 +97,7 @@ std::optional<JSON> raw(const JSON* v);
 template <class E>
 std::optional<E> enumeration(const JSON* v) {
   if (v == nullptr) return std::nullopt;
+  detail::observe(v, Reading::enumeration, detail::caseNames<E>);
   if (const auto* s = v->if_string()) return fromRawValue<E>(std::string_view(*s));
   return std::nullopt;
 }
@@ -57,7 +110,10 @@ class Fields {
   Fields(const JSONObject* object) : object_(object) {}
   Fields(const std::optional<JSONObject>& object) : object_(object ? &*object : nullptr) {}
   /// A view of `v` when it is an object, else an absent dictionary.
-  static Fields of(const JSON* v) { return Fields(v ? v->if_object() : nullptr); }
+  static Fields of(const JSON* v) {
+    detail::observe(v, Reading::object);
+    return Fields(v ? v->if_object() : nullptr);
+  }
 
   /// No dictionary at all.
   bool absent() const { return object_ == nullptr; }
@@ -68,7 +124,10 @@ class Fields {
 
   /// The value under `key`, or nullptr.
   const JSON* operator[](std::string_view key) const {
-    return object_ ? object_->if_contains(key) : nullptr;
+    if (object_ == nullptr) return nullptr;
+    if (ReadingObserver* o = detail::observer()) [[unlikely]]
+      o->lookedUp(*object_, key);
+    return object_->if_contains(key);
   }
   /// The dictionary under `key` (absent unless it is an object).
   Fields nested(std::string_view key) const { return of((*this)[key]); }

@@ -51,7 +51,7 @@ class StrictMembers {
   }
 
  private:
-  const JSON* member(std::string_view key) const { return object_ ? object_->if_contains(key) : nullptr; }
+  const JSON* member(std::string_view key) const { return Fields(object_)[key]; }
 
   template <class V>
   std::optional<V> require(std::optional<V> v) {

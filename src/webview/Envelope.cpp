@@ -1,123 +1,196 @@
 // The envelope is on every answer's path and its payload can be megabytes, so
-// it is written by hand: the exact size is computed first, then long runs of
-// plain text are copied in bulk, eight bytes tested at a time.
+// it is written by hand: a first pass counts exactly how long the escaped text
+// will be, a second writes it into storage sized once. Both passes test sixteen
+// bytes at a time; plain runs are copied a block at a time.
 
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace websdk {
 namespace {
 
-constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
-constexpr std::uint64_t kHighs = 0x8080808080808080ULL;
+// What a byte becomes inside a string literal: 0 = itself, 'u' = \u00XX,
+// anything else = a backslash and that character.
+constexpr auto kEscape = [] {
+  std::array<char, 256> table{};
+  for (int c = 0; c < 0x20; ++c) table[c] = 'u';
+  table['"'] = '"';
+  table['\\'] = '\\';
+  table['\n'] = 'n';
+  table['\r'] = 'r';
+  table['\t'] = 't';
+  table['\b'] = 'b';
+  table['\f'] = 'f';
+  return table;
+}();
 
-constexpr std::uint64_t hasZeroByte(std::uint64_t v) { return (v - kOnes) & ~v & kHighs; }
-
-// Whether any of the eight bytes needs attention: a control character, a
-// quote, a backslash, or 0xE2 (the lead byte of U+2028 and U+2029).
-inline bool wordNeedsEscape(std::uint64_t w) {
-  const std::uint64_t control = (w - kOnes * 0x20) & ~w & kHighs;
-  return (control | hasZeroByte(w ^ (kOnes * '"')) | hasZeroByte(w ^ (kOnes * '\\')) | hasZeroByte(w ^ (kOnes * 0xE2))) !=
-         0;
-}
-
-inline std::uint64_t load(const char* p) {
-  std::uint64_t w;
-  std::memcpy(&w, p, 8);
-  return w;
-}
-
-// Length of the plain run starting at i (bytes that are copied as they are).
-inline std::size_t plainRun(std::string_view s, std::size_t i) {
-  const std::size_t start = i;
-  const char* d = s.data();
-  const std::size_t n = s.size();
-  while (i + 8 <= n && !wordNeedsEscape(load(d + i))) i += 8;
-  for (; i < n; ++i) {
-    const auto c = static_cast<unsigned char>(d[i]);
-    if (c < 0x20 || c == '"' || c == '\\' || c == 0xE2) break;
-  }
-  return i - start;
-}
-
+// U+2028 and U+2029 end a line in JavaScript source, so they are escaped too.
 inline bool isLineSeparator(std::string_view s, std::size_t i) {
   return i + 2 < s.size() && static_cast<unsigned char>(s[i + 1]) == 0x80 &&
          (static_cast<unsigned char>(s[i + 2]) & 0xFE) == 0xA8;
 }
 
-// Bytes written for the special byte at s[i], and how many input bytes it covers.
+// The special byte at s[i]: how many bytes it takes written, how many it covers.
 inline std::size_t escapedWidth(std::string_view s, std::size_t i, std::size_t& consumed) {
   const auto c = static_cast<unsigned char>(s[i]);
   consumed = 1;
-  switch (c) {
-    case '"': case '\\': case '\n': case '\r': case '\t': case '\b': case '\f': return 2;
-    case 0xE2:
-      if (isLineSeparator(s, i)) {
-        consumed = 3;
-        return 6;
-      }
-      return 1;
-    default: return 6;  // \u00XX
+  if (c == 0xE2) {
+    if (!isLineSeparator(s, i)) return 1;
+    consumed = 3;
+    return 6;
   }
+  const char e = kEscape[c];
+  return e == 0 ? 1 : e == 'u' ? 6 : 2;
 }
 
+inline char* writeEscaped(char* out, std::string_view s, std::size_t& i) {
+  static constexpr char hex[] = "0123456789abcdef";
+  const auto c = static_cast<unsigned char>(s[i]);
+  if (c == 0xE2) {
+    if (isLineSeparator(s, i)) {
+      std::memcpy(out, static_cast<unsigned char>(s[i + 2]) == 0xA8 ? "\\u2028" : "\\u2029", 6);
+      i += 3;
+      return out + 6;
+    }
+    *out = static_cast<char>(c);
+    ++i;
+    return out + 1;
+  }
+  ++i;
+  const char e = kEscape[c];
+  if (e == 'u') {
+    const char u[6] = {'\\', 'u', '0', '0', hex[c >> 4], hex[c & 0xF]};
+    std::memcpy(out, u, 6);
+    return out + 6;
+  }
+  out[0] = '\\';
+  out[1] = e;
+  return out + 2;
+}
+
+inline bool isSpecial(unsigned char c) { return c < 0x20 || c == '"' || c == '\\' || c == 0xE2; }
+
+// Bits of a 16-bit mask, without relying on a popcount instruction.
+inline std::size_t bitCount(unsigned m) {
+  m = m - ((m >> 1) & 0x5555u);
+  m = (m & 0x3333u) + ((m >> 2) & 0x3333u);
+  m = (m + (m >> 4)) & 0x0F0Fu;
+  return (m + (m >> 8)) & 0x1Fu;
+}
+
+#if defined(__SSE2__)
+constexpr std::size_t kBlock = 16;
+
+inline __m128i loadBlock(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline void storeBlock(char* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+inline __m128i bytesEqual(__m128i v, char c) { return _mm_cmpeq_epi8(v, _mm_set1_epi8(c)); }
+inline unsigned maskOf(__m128i m) { return static_cast<unsigned>(_mm_movemask_epi8(m)); }
+
+// Bytes that need escaping: quote, backslash, control characters, and 0xE2
+// (the lead byte of U+2028 and U+2029, checked more closely later).
+inline unsigned specialMask(__m128i v) {
+  const __m128i control = _mm_cmpeq_epi8(_mm_max_epu8(v, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+  return maskOf(_mm_or_si128(_mm_or_si128(bytesEqual(v, '"'), bytesEqual(v, '\\')),
+                             _mm_or_si128(control, bytesEqual(v, static_cast<char>(0xE2)))));
+}
+
+// Of those, the ones that do not simply become two bytes.
+inline unsigned rareMask(__m128i v) {
+  const __m128i control = _mm_cmpeq_epi8(_mm_max_epu8(v, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+  const __m128i twoByte = _mm_or_si128(bytesEqual(v, '\n'), _mm_or_si128(bytesEqual(v, '\r'), bytesEqual(v, '\t')));
+  return maskOf(_mm_or_si128(_mm_andnot_si128(twoByte, control), bytesEqual(v, static_cast<char>(0xE2))));
+}
+#endif
+
 std::size_t quotedSize(std::string_view s) {
-  std::size_t size = 2, i = 0;
-  while (i < s.size()) {
-    const std::size_t run = plainRun(s, i);
-    size += run;
-    i += run;
-    if (i >= s.size()) break;
+  std::size_t size = 2 + s.size(), i = 0;
+  const std::size_t n = s.size();
+#if defined(__SSE2__)
+  while (i + kBlock <= n) {
+    const __m128i v = loadBlock(s.data() + i);
+    const unsigned special = specialMask(v);
+    if (special == 0) {
+      i += kBlock;
+      continue;
+    }
+    const unsigned rare = rareMask(v);
+    if (rare == 0) {  // every special byte becomes two bytes
+      size += bitCount(special);
+      i += kBlock;
+      continue;
+    }
+    // Count the two-byte escapes before the first rare byte, then step over it.
+    const int k = std::countr_zero(rare);
+    size += bitCount(special & ((1u << k) - 1));
+    i += static_cast<std::size_t>(k);
     std::size_t consumed;
     size += escapedWidth(s, i, consumed);
+    size -= consumed;
+    i += consumed;
+  }
+#endif
+  while (i < n) {
+    if (!isSpecial(static_cast<unsigned char>(s[i]))) {
+      ++i;
+      continue;
+    }
+    std::size_t consumed;
+    size += escapedWidth(s, i, consumed);
+    size -= consumed;
     i += consumed;
   }
   return size;
 }
 
 char* writeQuoted(char* out, std::string_view s) {
-  static constexpr char hex[] = "0123456789abcdef";
   *out++ = '"';
   std::size_t i = 0;
-  while (i < s.size()) {
-    const std::size_t run = plainRun(s, i);
-    std::memcpy(out, s.data() + i, run);
-    out += run;
-    i += run;
-    if (i >= s.size()) break;
-    const auto c = static_cast<unsigned char>(s[i]);
-    const char* simple = nullptr;
-    switch (c) {
-      case '"': simple = "\\\""; break;
-      case '\\': simple = "\\\\"; break;
-      case '\n': simple = "\\n"; break;
-      case '\r': simple = "\\r"; break;
-      case '\t': simple = "\\t"; break;
-      case '\b': simple = "\\b"; break;
-      case '\f': simple = "\\f"; break;
-      default: break;
+  const std::size_t n = s.size();
+#if defined(__SSE2__)
+  // Plain bytes are stored a block at a time, even past an escape: the bytes
+  // stored beyond it are overwritten by what follows. Escaping only lengthens
+  // text, and at least two blocks of input remain, so no store runs past the
+  // end of the sized output.
+  while (i + 2 * kBlock <= n) {
+    const unsigned special = specialMask(loadBlock(s.data() + i));
+    if (special == 0) {
+      storeBlock(out, loadBlock(s.data() + i));
+      out += kBlock;
+      i += kBlock;
+      continue;
     }
-    if (simple) {
-      out[0] = simple[0];
-      out[1] = simple[1];
-      out += 2;
-      ++i;
-    } else if (c == 0xE2) {
-      if (isLineSeparator(s, i)) {
-        std::memcpy(out, static_cast<unsigned char>(s[i + 2]) == 0xA8 ? "\\u2028" : "\\u2029", 6);
-        out += 6;
-        i += 3;
-      } else {
-        *out++ = static_cast<char>(c);
-        ++i;
-      }
+    const std::size_t end = i + kBlock;
+    unsigned pending = special;
+    while (pending != 0) {
+      const auto k = i - (end - kBlock);  // where i stands within the block
+      const auto next = static_cast<std::size_t>(std::countr_zero(pending));
+      storeBlock(out, loadBlock(s.data() + i));
+      out += next - k;
+      i += next - k;
+      out = writeEscaped(out, s, i);  // may step past the block (U+2028 at its end)
+      if (i >= end) break;
+      pending &= ~0u << (i - (end - kBlock));
+    }
+    if (i < end) {
+      storeBlock(out, loadBlock(s.data() + i));
+      out += end - i;
+      i = end;
+    }
+  }
+#endif
+  while (i < n) {
+    if (isSpecial(static_cast<unsigned char>(s[i]))) {
+      out = writeEscaped(out, s, i);
     } else {
-      const char esc[6] = {'\\', 'u', '0', '0', hex[c >> 4], hex[c & 0xF]};
-      std::memcpy(out, esc, 6);
-      out += 6;
-      ++i;
+      *out++ = s[i++];
     }
   }
   *out++ = '"';
@@ -125,7 +198,8 @@ char* writeQuoted(char* out, std::string_view s) {
 }
 
 char* writeLiteral(char* out, std::string_view s) {
-  std::memcpy(out, s.data(), s.size());
+  // An empty view may have no data at all, and memcpy must not be given a null pointer.
+  if (!s.empty()) std::memcpy(out, s.data(), s.size());
   return out + s.size();
 }
 
@@ -174,6 +248,12 @@ std::string nativeResponseScript(const WebSDKResponseModel& response) {
 }
 
 bool isValidUTF8(std::string_view s) {
+  constexpr std::uint64_t kHighs = 0x8080808080808080ULL;
+  auto load = [](const char* p) {
+    std::uint64_t w;
+    std::memcpy(&w, p, 8);
+    return w;
+  };
   std::size_t i = 0;
   const std::size_t n = s.size();
   while (i < n) {

@@ -5,7 +5,22 @@
 namespace websdk {
 namespace {
 constexpr std::string_view kHandlerName = "nativeRequest";
+
+// A page script is UTF-8 text. An envelope holding other bytes would reach the
+// page broken (or not parse there), so such an answer is not sent at all.
+bool isUTF8(const WebSDKResponseModel& r) {
+  return isValidUTF8(r.type) && (!r.statusMessage || isValidUTF8(*r.statusMessage)) && isValidUTF8(r.requestId) &&
+         (!r.payload || isValidUTF8(*r.payload));
 }
+
+// A rendering that is not UTF-8 (a string in the value held other bytes) is a
+// failed rendering: the answer goes out without its payload.
+std::optional<std::string> rendered(const JSON& value) {
+  std::string text = serializePretty(value);
+  if (!isValidUTF8(text)) return std::nullopt;
+  return text;
+}
+}  // namespace
 
 WebSDKResponseProtocol::WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary) {
   JSONObject o;
@@ -109,6 +124,7 @@ void WebSDKWebView::scrollViewWillBeginZooming() {
 // ---- Answers -----------------------------------------------------------------
 
 void WebSDKWebView::deliver(const WebSDKResponseModel& response) {
+  if (!isUTF8(response)) return;
   std::string script = nativeResponseScript(response);
   // The queued task holds the view weakly: an answer queued for a view that
   // is gone by then does nothing.
@@ -129,13 +145,13 @@ void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseTy
 void WebSDKWebView::sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
                                        std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(serializePretty(with), type, requestId, statusCode, std::move(statusMessage));
+  respond(rendered(with), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type,
                                        const std::string& requestId, std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(serializePretty(with.json()), type, requestId, statusCode, std::move(statusMessage));
+  respond(rendered(with.json()), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
@@ -160,6 +176,7 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
   if (encoder && isValidUTF8(*encoder)) payload = *encoder;
   const auto code = rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
   const WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, std::move(payload)};
+  if (!isValidUTF8(requestId)) return;  // the payload is checked above
   engine_->evaluateJavaScript(nativeResponseScript(response), [](ScriptResult result) {
     if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
   });

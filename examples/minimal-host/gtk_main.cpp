@@ -30,6 +30,29 @@ window.webkit.messageHandlers.nativeRequest.postMessage({ message: JSON.stringif
   type: "GET_LOCAL_CART", requestId: "1", payload: { tenant: { marketplaceId: "meals" } } }) });
 </script></body></html>)";
 
+// The app's say on navigation. With the real engine every navigation waits for
+// this answer, so a view that loads pages needs a navigation delegate.
+class NavigationPolicy final : public WebSDKNavigationDelegate {
+ public:
+  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
+  void didFinish(WebSDKWebView&, const WebSDKNavigation* navigation) override {
+    if (navigation) std::cout << "minimal-host-gtk: loaded " << navigation->url << std::endl;
+  }
+  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError& error) override {
+    std::cerr << "minimal-host-gtk: load failed: " << error.description << std::endl;
+  }
+  // Pages stay on the shop; anything else would go to the system browser.
+  void decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
+                       WebSDKNavigationActionDecision decisionHandler) override {
+    const bool trusted = webView.webSDKConfig.isWhitelistedURL(action.url) || action.url == "about:blank";
+    decisionHandler(trusted ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
+  }
+  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&,
+                  WebSDKAuthChallengeCompletion completionHandler) override {
+    completionHandler(WebSDKAuthChallengeDisposition::performDefaultHandling, std::nullopt);
+  }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -39,14 +62,15 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"shop.example"});
+  auto navigation = std::make_shared<NavigationPolicy>();
+  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"shop.example"}, nullptr,
+                                    nullptr, navigation);
   auto cart = std::make_shared<CartPlugin>(view);
   view->setCartPlugin(cart);
 
   GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   gtk_window_set_default_size(GTK_WINDOW(window), 420, 320);
   gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
-  g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
   gtk_widget_show_all(window);
 
   // A real app loads its page with loadWebView(url, headers, ...); this one
@@ -66,6 +90,7 @@ int main(int argc, char** argv) {
     std::cout << "minimal-host-gtk: page title \"" << (title ? title : "") << "\"" << std::endl;
     status = answered ? 0 : 1;
   } else {
+    g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
     gtk_main();
   }
 

@@ -167,17 +167,30 @@ char* writeQuoted(char* out, std::string_view s) {
       i += kBlock;
       continue;
     }
-    const std::size_t end = i + kBlock;
+    const std::size_t start = i, end = i + kBlock;
     unsigned pending = special;
-    while (pending != 0) {
-      const auto k = i - (end - kBlock);  // where i stands within the block
-      const auto next = static_cast<std::size_t>(std::countr_zero(pending));
-      storeBlock(out, loadBlock(s.data() + i));
-      out += next - k;
-      i += next - k;
-      out = writeEscaped(out, s, i);  // may step past the block (U+2028 at its end)
-      if (i >= end) break;
-      pending &= ~0u << (i - (end - kBlock));
+    if (rareMask(loadBlock(s.data() + i)) == 0) {
+      // Only two-byte escapes (quotes, backslashes, line breaks): the common case.
+      while (pending != 0) {
+        const auto next = start + static_cast<std::size_t>(std::countr_zero(pending));
+        storeBlock(out, loadBlock(s.data() + i));
+        out += next - i;
+        out[0] = '\\';
+        out[1] = kEscape[static_cast<unsigned char>(s[next])];
+        out += 2;
+        i = next + 1;
+        pending &= pending - 1;
+      }
+    } else {
+      while (pending != 0) {
+        const auto next = start + static_cast<std::size_t>(std::countr_zero(pending));
+        storeBlock(out, loadBlock(s.data() + i));
+        out += next - i;
+        i = next;
+        out = writeEscaped(out, s, i);  // may step past the block (U+2028 at its end)
+        if (i >= end) break;
+        pending &= ~0u << (i - start);
+      }
     }
     if (i < end) {
       storeBlock(out, loadBlock(s.data() + i));

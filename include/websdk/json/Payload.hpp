@@ -93,6 +93,14 @@ class TaggedPayload {
     return make<C>(std::move(*model));
   }
 
+  /// Case C carrying its model read from `payload` by the model's own reader,
+  /// or nothing when the reader fails.
+  template <Case C>
+    requires(slot<C>() != 0 && requires(const std::optional<JSONObject>& p) { ModelOf<C>::from(p); })
+  static std::optional<Self> decode(const std::optional<JSONObject>& payload) {
+    return whenDecoded<C>(ModelOf<C>::from(payload));
+  }
+
   Case kind() const { return case_; }
   /// The case's name, as pages and logs see it ("applyCoupon").
   std::string_view caseName() const { return rawValue(case_); }

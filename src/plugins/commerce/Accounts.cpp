@@ -21,8 +21,8 @@ std::optional<WebSDKAccountsRequestPayload> WebSDKAccountsRequestPayload::valida
   switch (request.type) {
     case WebSDKAccountsAction::updateProfileInfo: return P::make<updateProfileInfo>();
     case WebSDKAccountsAction::verifyMobileNo:
-      return P::whenDecoded<verifyMobileNo>(WebSDKVerifyMobileRequestModel::from(payload));
-    case WebSDKAccountsAction::logout: return P::whenDecoded<logout>(WebSDKAccountLogoutRequestModel::from(payload));
+      return P::decode<verifyMobileNo>(payload);
+    case WebSDKAccountsAction::logout: return P::decode<logout>(payload);
   }
   return std::nullopt;
 }

@@ -68,12 +68,12 @@ std::optional<WebSDKCartRequestPayload> WebSDKCartRequestPayload::validateReques
   using enum WebSDKCartRequestPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
-    case WebSDKCartAction::getCart: return P::whenDecoded<getCart>(WebSDKGetCartRequestModel::from(payload));
-    case WebSDKCartAction::updateCart: return P::whenDecoded<updateCart>(WebSDKUpdateCartRequestModel::from(payload));
+    case WebSDKCartAction::getCart: return P::decode<getCart>(payload);
+    case WebSDKCartAction::updateCart: return P::decode<updateCart>(payload);
     case WebSDKCartAction::customiseCartItem:
-      return P::whenDecoded<customiseCartItem>(WebSDKCustomiseCartItemsRequestModel::from(payload));
+      return P::decode<customiseCartItem>(payload);
     case WebSDKCartAction::clearCart: return P::make<clearCart>();
-    case WebSDKCartAction::applyCoupon: return P::whenDecoded<applyCoupon>(WebSDKApplyCouponRequestModel::from(payload));
+    case WebSDKCartAction::applyCoupon: return P::decode<applyCoupon>(payload);
     case WebSDKCartAction::switchToNativeCart: return P::make<switchToNativeCart>();
   }
   return std::nullopt;
@@ -87,12 +87,12 @@ std::optional<WebSDKPXCartRequestPayload> WebSDKPXCartRequestPayload::validateRe
   switch (request.type) {
     case WebSDKPXCartAction::getPXCart: return P::make<getPXCart>();
     case WebSDKPXCartAction::updatePXCart:
-      return P::whenDecoded<updatePXCart>(WebSDKUpdatePXCartRequestModel::from(payload));
+      return P::decode<updatePXCart>(payload);
     case WebSDKPXCartAction::updatePXCartV2:
-      return P::whenDecoded<updatePXCartV2>(WebSDKUpdatePXCartV2RequestModel::from(payload));
+      return P::decode<updatePXCartV2>(payload);
     case WebSDKPXCartAction::clearPXCart: return P::make<clearPXCart>();
     case WebSDKPXCartAction::pxSharedPreference:
-      return P::whenDecoded<sharedPreference>(WebSDKPXSharedPreferenceRequestModel::from(payload));
+      return P::decode<sharedPreference>(payload);
   }
   return std::nullopt;
 }
@@ -103,10 +103,10 @@ std::optional<WebSDKVRCartRequestPayload> WebSDKVRCartRequestPayload::validateRe
   using enum WebSDKVRCartRequestPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
-    case WebSDKVRCartAction::getVRCart: return P::whenDecoded<getVRCart>(WebSDKGetVRCartRequestModel::from(payload));
+    case WebSDKVRCartAction::getVRCart: return P::decode<getVRCart>(payload);
     case WebSDKVRCartAction::updateVRCart:
-      return P::whenDecoded<updateVRCart>(WebSDKUpdateVRCartRequestModel::from(payload));
-    case WebSDKVRCartAction::clearVRCart: return P::whenDecoded<clearVRCart>(WebSDKClearVRCartRequestModel::from(payload));
+      return P::decode<updateVRCart>(payload);
+    case WebSDKVRCartAction::clearVRCart: return P::decode<clearVRCart>(payload);
   }
   return std::nullopt;
 }
@@ -118,9 +118,9 @@ std::optional<WebSDKGiftingCartRequestPayload> WebSDKGiftingCartRequestPayload::
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKGiftingCartAction::getGiftingCart:
-      return P::whenDecoded<getGiftingCart>(WebSDKGetCartRequestModel::from(payload));
+      return P::decode<getGiftingCart>(payload);
     case WebSDKGiftingCartAction::updateGiftingCart:
-      return P::whenDecoded<updateGiftingCart>(WebSDKUpdateCartRequestModel::from(payload));
+      return P::decode<updateGiftingCart>(payload);
     case WebSDKGiftingCartAction::clearGiftingCart: return P::make<clearGiftingCart>();
   }
   return std::nullopt;

@@ -24,10 +24,10 @@ std::optional<WebSDKMenuListPayload> WebSDKMenuListPayload::validateRequest(cons
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKMenuListAction::shareCollection:
-      return P::whenDecoded<shareCollectionDetails>(WebSDKShareCollectionRequestModel::from(payload));
+      return P::decode<shareCollectionDetails>(payload);
     case WebSDKMenuListAction::updateMenuList:
-      return P::whenDecoded<updateMenuList>(WebSDKUpdateMenuListRequestModel::from(payload));
-    case WebSDKMenuListAction::showMenulet: return P::whenDecoded<showMenulet>(WebSDKShowMenuletRequestModel::from(payload));
+      return P::decode<updateMenuList>(payload);
+    case WebSDKMenuListAction::showMenulet: return P::decode<showMenulet>(payload);
   }
   return std::nullopt;
 }

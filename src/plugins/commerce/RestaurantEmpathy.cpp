@@ -65,7 +65,7 @@ std::optional<WebSDKRestaurantEmpathyRequestPayload> WebSDKRestaurantEmpathyRequ
   switch (request.type) {
     case WebSDKRestaurantEmpathyAction::getRestaurantEmpathyData: return P::make<getRestaurantEmpathyData>();
     case WebSDKRestaurantEmpathyAction::shareSocialMediaMessage:
-      return P::whenDecoded<shareSocialMediaMessage>(WebSDKShareSocialMediaResponseModel::from(request.payload));
+      return P::decode<shareSocialMediaMessage>(request.payload);
   }
   return std::nullopt;
 }

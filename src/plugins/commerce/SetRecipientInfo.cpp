@@ -21,8 +21,7 @@ std::optional<WebSDKSetRecipientInfoRequestPayload> WebSDKSetRecipientInfoReques
   using P = WebSDKSetRecipientInfoRequestPayload;
   switch (request.type) {
     case WebSDKSetRecipientInfoAction::SetRecipientInfo:
-      return P::whenDecoded<WebSDKSetRecipientInfoRequestPayloadCase::SetRecipientInfo>(
-          WebSDKRecipientInfoUserFlowResponseModel::from(request.payload));
+      return P::decode<WebSDKSetRecipientInfoRequestPayloadCase::SetRecipientInfo>(request.payload);
   }
   return std::nullopt;
 }

@@ -38,14 +38,14 @@ std::optional<WebSDKZippaRequestPayload> WebSDKZippaRequestPayload::validateRequ
   using enum WebSDKZippaRequestPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
-    case WebSDKZippaAction::imageUpload: return P::whenDecoded<imageUpload>(WebSDKImageUploadRequestModel::from(payload));
+    case WebSDKZippaAction::imageUpload: return P::decode<imageUpload>(payload);
     case WebSDKZippaAction::googleImageUpload:
-      return P::whenDecoded<googleImageUpload>(WebSDKGoogleImageUploadRequestModel::from(payload));
+      return P::decode<googleImageUpload>(payload);
     case WebSDKZippaAction::proccedOrder:
-      return P::whenDecoded<proccedOrder>(WebSDKProceedOrderRequestModel::from(payload));
-    case WebSDKZippaAction::kycInit: return P::whenDecoded<kycInit>(WebSDKKycInitRequestModel::from(payload));
+      return P::decode<proccedOrder>(payload);
+    case WebSDKZippaAction::kycInit: return P::decode<kycInit>(payload);
     case WebSDKZippaAction::makeZippaPayment:
-      return P::whenDecoded<makeZippaPayment>(WebSDKMakeZippaPaymentRequestModel::from(payload));
+      return P::decode<makeZippaPayment>(payload);
   }
   return std::nullopt;
 }

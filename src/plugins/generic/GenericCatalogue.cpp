@@ -38,99 +38,99 @@ std::optional<WebSDKGenericRequestPayload> WebSDKGenericRequestPayload::validate
   using enum WebSDKGenericRequestPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
-    case A::getLocation: return P::whenDecoded<getLocation>(WebSDKGetLocationRequestModel::from(payload));
-    case A::setLocation: return P::whenDecoded<setLocation>(WebSDKSetLocationRequestModel::from(payload));
+    case A::getLocation: return P::decode<getLocation>(payload);
+    case A::setLocation: return P::decode<setLocation>(payload);
     // Never decoded, on purpose: pages that ask for device details through the
     // bridge are answered "not a valid request", and they rely on that.
     case A::deviceDetails: return std::nullopt;
-    case A::dialogAlert: return P::whenDecoded<dialogAlert>(WebSDKDialogAlertRequestModel::from(payload));
-    case A::dialogConfirm: return P::whenDecoded<dialogConfirm>(WebSDKDialogConfirmRequestModel::from(payload));
+    case A::dialogAlert: return P::decode<dialogAlert>(payload);
+    case A::dialogConfirm: return P::decode<dialogConfirm>(payload);
     case A::getUserInfo: return P::make<getUserInfo>();
-    case A::closeWebview: return P::whenDecoded<closeWebview>(WebSDKCloseWebviewWithParamsModel::from(payload));
+    case A::closeWebview: return P::decode<closeWebview>(payload);
     case A::navigateToScreen:
-      return P::whenDecoded<navigateToScreen>(WebSDKNavigationToScreenRequestModel::from(payload));
+      return P::decode<navigateToScreen>(payload);
     case A::getDovaraHeaders: return P::make<getDovaraHeaders>();
-    case A::webNavigate: return P::whenDecoded<webNavigate>(WebSDKWebNavigateRequestModel::from(payload));
-    case A::showHeader: return P::whenDecoded<showHeader>(WebSDKShowHeaderModel::from(payload));
-    case A::storage: return P::whenDecoded<storage>(WebSDKWebStorageRequestModel::from(payload));
+    case A::webNavigate: return P::decode<webNavigate>(payload);
+    case A::showHeader: return P::decode<showHeader>(payload);
+    case A::storage: return P::decode<storage>(payload);
     case A::extendAppActiveInBackground:
-      return P::whenDecoded<extendAppActiveInBackground>(WebSDKAppExtensionInBackgroundRequestModel::from(payload));
-    case A::toggleBottomBar: return P::whenDecoded<toggleBottomBar>(WebSDKToggleBottomBarRequestModel::from(payload));
-    case A::login: return P::whenDecoded<login>(WebSDKLoginRequestModel::from(payload));
-    case A::openOrbisV2: return P::whenDecoded<openOrbisV2>(WebSDKOpenOrbisV2RequestModel::from(payload));
-    case A::openOrbisV3: return P::whenDecoded<openOrbisV3>(WebSDKOpenOrbisV3RequestModel::from(payload));
-    case A::statusBarChange: return P::whenDecoded<statusBarChange>(WebSDKStatusBarChangeRequestModel::from(payload));
-    case A::vibrate: return P::whenDecoded<vibrate>(WebSDKVibrateRequestModel::from(payload));
-    case A::whatsappShare: return P::whenDecoded<whatsappShare>(WebSDKWhatsappShareRequestModel::from(payload));
-    case A::openShareSheet: return P::whenDecoded<openShareSheet>(WebSDKOpenShareSheetRequestModel::from(payload));
+      return P::decode<extendAppActiveInBackground>(payload);
+    case A::toggleBottomBar: return P::decode<toggleBottomBar>(payload);
+    case A::login: return P::decode<login>(payload);
+    case A::openOrbisV2: return P::decode<openOrbisV2>(payload);
+    case A::openOrbisV3: return P::decode<openOrbisV3>(payload);
+    case A::statusBarChange: return P::decode<statusBarChange>(payload);
+    case A::vibrate: return P::decode<vibrate>(payload);
+    case A::whatsappShare: return P::decode<whatsappShare>(payload);
+    case A::openShareSheet: return P::decode<openShareSheet>(payload);
     case A::copyTextToClipboard:
-      return P::whenDecoded<copyTextToClipboard>(WebSDKCopyTextToClipboardRequestModel::from(payload));
+      return P::decode<copyTextToClipboard>(payload);
     case A::disableNativeScroll:
-      return P::whenDecoded<disableNativeScroll>(WebSDKDisableNativeScrollRequestModel::from(payload));
-    case A::addNewAddress: return P::whenDecoded<addNewAddress>(WebSDKAddAddressRequestModel::from(payload));
+      return P::decode<disableNativeScroll>(payload);
+    case A::addNewAddress: return P::decode<addNewAddress>(payload);
     case A::sendCleverTapEvent:
-      return P::whenDecoded<sendCleverTapEvent>(WebSDKSendClevertapEventRequestModel::from(payload));
-    case A::enableBackSwipe: return P::whenDecoded<toggleBackSwipe>(WebSDKToggleBackSwipeRequestModel::from(payload));
+      return P::decode<sendCleverTapEvent>(payload);
+    case A::enableBackSwipe: return P::decode<toggleBackSwipe>(payload);
     case A::showLoader: return P::make<showLoader>();
     case A::hideLoader: return P::make<hideLoader>();
-    case A::editAddress: return P::whenDecoded<editAddress>(WebSDKEditAddressRequestModel::from(payload));
-    case A::getNextStepDetails: return P::whenDecoded<getNextStepDetails>(WebSDKGetNextStepRequestModel::from(payload));
+    case A::editAddress: return P::decode<editAddress>(payload);
+    case A::getNextStepDetails: return P::decode<getNextStepDetails>(payload);
     case A::getCurrentAddress: return P::make<getCurrentAddress>();
-    case A::phoneContact: return P::whenDecoded<phoneContact>(WebSDKPhoneContactRequestModel::from(payload));
-    case A::editDirections: return P::whenDecoded<editDirections>(WebSDKEditDirectionsRequestModel::from(payload));
+    case A::phoneContact: return P::decode<phoneContact>(payload);
+    case A::editDirections: return P::decode<editDirections>(payload);
     case A::checkCameraPermission: return P::make<checkCameraPermission>();
-    case A::submitFeedback: return P::whenDecoded<submitFeedback>(WebSDKSubmitFeedbackRequestModel::from(payload));
-    case A::voiceSearch: return P::whenDecoded<voiceSearch>(WebSDKVoiceSearchRequestModel::from(payload));
+    case A::submitFeedback: return P::decode<submitFeedback>(payload);
+    case A::voiceSearch: return P::decode<voiceSearch>(payload);
     case A::getSelectedLocation: return P::make<getSelectedLocation>();
     case A::openSearchLocation: return P::make<openSearchLocation>();
     case A::setLocationWithDeeplink:
-      return P::whenDecoded<setLocationWithDeeplink>(WebSDKSetLocationWithDeeplinkRequestModel::from(payload));
-    case A::bottomBarTabSwitch: return P::whenDecoded<switchBottomBarTab>(WebSDKSwitchBottomBarModel::from(payload));
+      return P::decode<setLocationWithDeeplink>(payload);
+    case A::bottomBarTabSwitch: return P::decode<switchBottomBarTab>(payload);
     case A::isLocationEnabled: return P::make<isLocationEnabled>();
     case A::getTnsSignal: return P::make<getTnsSignal>();
-    case A::screenCapturing: return P::whenDecoded<screenCapturing>(WebSDKScreenCapturingRequestModel::from(payload));
+    case A::screenCapturing: return P::decode<screenCapturing>(payload);
     case A::toggleNativeSearchBar:
-      return P::whenDecoded<toggleNativeSearchBar>(WebSDKToggleNativeSearchBarRequestModel::from(payload));
+      return P::decode<toggleNativeSearchBar>(payload);
     case A::updateNativeSearchBar:
-      return P::whenDecoded<updateNativeSearchBar>(WebSDKUpdateNativeSearchBarRequestModel::from(payload));
-    case A::launchBrowser: return P::whenDecoded<launchBrowser>(WebSDKLaunchBrowserRequestModel::from(payload));
-    case A::getConfigValue: return P::whenDecoded<getConfigValue>(WebSDKGetConfigValueRequestModel::from(payload));
+      return P::decode<updateNativeSearchBar>(payload);
+    case A::launchBrowser: return P::decode<launchBrowser>(payload);
+    case A::getConfigValue: return P::decode<getConfigValue>(payload);
     case A::updateLiveActivity:
-      return P::whenDecoded<updateLiveActivity>(WebSDKUpdateLiveActivityRequestModel::from(payload));
+      return P::decode<updateLiveActivity>(payload);
     case A::updateAccessToken: return P::make<updateAccessToken>();
     case A::getNotificationPermissionStatus: return P::make<getNotificationPermissionStatus>();
     case A::getSortedAddresses:
-      return P::whenDecoded<getSortedAddresses>(WebSDKGetSortedAddressesRequestModel::from(payload));
-    case A::quizProgressUpdate: return P::whenDecoded<quizProgressUpdate>(WebSDKQuizProgressUpdateModel::from(payload));
+      return P::decode<getSortedAddresses>(payload);
+    case A::quizProgressUpdate: return P::decode<quizProgressUpdate>(payload);
     case A::isWebBottomBarVisible:
-      return P::whenDecoded<isWebBottomBarVisible>(WebSDKIsWebBottomBarVisibleRequestModel::from(payload));
+      return P::decode<isWebBottomBarVisible>(payload);
     case A::toggleQuicksHeaderTab:
-      return P::whenDecoded<toggleQuicksHeaderTab>(WebSDKToggleQuicksHeaderTabRequestModel::from(payload));
+      return P::decode<toggleQuicksHeaderTab>(payload);
     case A::getLocalIRCTCPayload: return P::make<getLocalIRCTCPayload>();
     case A::getAsyncIRCTCPayload: return P::make<getAsyncIRCTCPayload>();
     // Journey data that does not read still reaches the host, as the case
     // without a model.
     case A::updateLocalIRCTCPayload: return P::make<updateLocalIRCTCPayload>(WebSDKIRCTCResponseModel::from(payload));
-    case A::getInstalledApps: return P::whenDecoded<getInstalledApps>(WebSDKInstalledAppsRequestModel::from(payload));
-    case A::mediaUpload: return P::whenDecoded<mediaUpload>(WebSDKMediaUploadRequestModel::from(payload));
-    case A::trackEvent: return P::whenDecoded<trackEvent>(WebSDKTrackEventRequestModel::from(payload));
+    case A::getInstalledApps: return P::decode<getInstalledApps>(payload);
+    case A::mediaUpload: return P::decode<mediaUpload>(payload);
+    case A::trackEvent: return P::decode<trackEvent>(payload);
     case A::refreshParentScreen: return P::make<refreshParentScreen>();
     case A::sendFrequencyCappingEvent:
-      return P::whenDecoded<sendFrequencyCappingEvent>(WebSDKSendFrequencyCappingEventRequestModel::from(payload));
+      return P::decode<sendFrequencyCappingEvent>(payload);
     case A::initPXWeb: return P::make<initPXWeb>();
-    case A::groupOrderInvite: return P::whenDecoded<groupOrderInvite>(WebSDKGroupOrderRequestModel::from(payload));
-    case A::groupOrderDelete: return P::whenDecoded<groupOrderDelete>(WebSDKGroupOrderRequestModel::from(payload));
-    case A::groupOrderLeave: return P::whenDecoded<groupOrderLeave>(WebSDKGroupOrderRequestModel::from(payload));
-    case A::refreshScreen: return P::whenDecoded<refreshScreen>(WebSDKRefreshScreenRequestModel::from(payload));
+    case A::groupOrderInvite: return P::decode<groupOrderInvite>(payload);
+    case A::groupOrderDelete: return P::decode<groupOrderDelete>(payload);
+    case A::groupOrderLeave: return P::decode<groupOrderLeave>(payload);
+    case A::refreshScreen: return P::decode<refreshScreen>(payload);
     case A::submitUploadedFiles:
-      return P::whenDecoded<submitUploadedFiles>(WebSDKSubmitUploadedFilesRequestModel::from(payload));
+      return P::decode<submitUploadedFiles>(payload);
     case A::getGPSLocation: return P::make<getGPSLocation>();
-    case A::getGPSLocationV2: return P::whenDecoded<getGPSLocationV2>(WebSDKGetGPSLocationRequestModel::from(payload));
-    case A::downloadFile: return P::whenDecoded<downloadFile>(WebSDKMediaDownloadRequestModel::from(payload));
+    case A::getGPSLocationV2: return P::decode<getGPSLocationV2>(payload);
+    case A::downloadFile: return P::decode<downloadFile>(payload);
     case A::openWebViewAndSyncData:
-      return P::whenDecoded<openWebViewAndSyncData>(WebSDKOpenWebViewAndSyncDataRequestModel::from(payload));
+      return P::decode<openWebViewAndSyncData>(payload);
     case A::closeWebViewAndSyncData:
-      return P::whenDecoded<closeWebViewAndSyncData>(WebSDKCloseWebViewAndSyncDataRequestModel::from(payload));
+      return P::decode<closeWebViewAndSyncData>(payload);
     case A::getHalfCardHeight: {
       auto model = WebSDKGetHalfCardHeightRequestModel::from(payload);
       if (!model) return std::nullopt;

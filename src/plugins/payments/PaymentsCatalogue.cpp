@@ -37,49 +37,49 @@ std::optional<WebSDKPaymentsRequestPayload> WebSDKPaymentsRequestPayload::valida
   const Fields p(payload);
   switch (request.type) {
     case A::isJuspayAvailable: return P::make<isJuspayAvailable>(juspayAvailability(p));
-    case A::payUsingJuspayNB: return P::whenDecoded<payUsingJuspayNB>(WebSDKJuspayNBRequestModel::from(payload));
-    case A::payUsingNewCard: return P::whenDecoded<payUsingNewCard>(WebSDKJuspayNewCardRequestModel::from(payload));
+    case A::payUsingJuspayNB: return P::decode<payUsingJuspayNB>(payload);
+    case A::payUsingNewCard: return P::decode<payUsingNewCard>(payload);
     case A::payUsingSavedCard:
-      return P::whenDecoded<payUsingSavedCard>(WebSDKJuspaySavedCardRequestModel::from(payload));
-    case A::juspayInit: return P::whenDecoded<juspayInit>(WebSDKJuspayInitRequestModel::from(payload));
+      return P::decode<payUsingSavedCard>(payload);
+    case A::juspayInit: return P::decode<juspayInit>(payload);
     case A::getCheckoutMetaInfo: return P::make<getCheckoutMetaInfo>();
     case A::switchToNativePayment: return P::make<switchToNativePayments>();
-    case A::postOrderEvent: return P::whenDecoded<postOrderEvent>(WebSDKPostOrderRequestModel::from(payload));
+    case A::postOrderEvent: return P::decode<postOrderEvent>(payload);
     case A::sendLinkAccountStatus:
-      return P::whenDecoded<sendLinkAccountStatus>(WebSDKSendLinkStatusRequestModel::from(payload));
+      return P::decode<sendLinkAccountStatus>(payload);
     case A::getLinkWalletData: return P::whenDecoded<getLinkWalletData>(linkWalletData(p));
     case A::getLinkedWalletDetails: return P::whenDecoded<getLinkedWalletDetails>(linkWalletData(p));
     case A::walletAddMoneySuccess: return P::whenDecoded<walletAddMoneySuccess>(linkWalletData(p));
-    case A::walletDelinked: return P::whenDecoded<walletDelinked>(WebSDKWalletDelinkedRequestModel::from(payload));
+    case A::walletDelinked: return P::decode<walletDelinked>(payload);
     case A::delinkAmazonPay: return P::make<delinkAmazonPay>();
     case A::payUsingAmazonPay:
-      return P::whenDecoded<payUsingAmazonPay>(WebSDKPayUsingAmazonPayRequestModel::from(payload));
+      return P::decode<payUsingAmazonPay>(payload);
     case A::paymentPendingState: return P::whenDecoded<paymentPendingState>(pendingState(payload));
-    case A::orderFailedEvent: return P::whenDecoded<orderFailedEvent>(WebSDKOrderFailedRequestModel::from(payload));
+    case A::orderFailedEvent: return P::decode<orderFailedEvent>(payload);
     case A::getCredEligibilityFromAppCache: return P::make<getCredEligibilityFromAppCache>();
     case A::getCredEligibility:
-      return P::whenDecoded<getCredEligibility>(WebSDKGetCredEligibilityRequestModel::from(payload));
+      return P::decode<getCredEligibility>(payload);
     case A::payUsingJuspayWalletCred:
-      return P::whenDecoded<payUsingJuspayWalletCred>(WebSDKPayUsingJuspayWalletCredRequestModel::from(payload));
+      return P::decode<payUsingJuspayWalletCred>(payload);
     case A::isUPIIntentMethodAvailable:
-      return P::whenDecoded<isUPIIntentMethodAvailable>(WebSDKIsUPIIntentMethodAvailableRequestModel::from(payload));
+      return P::decode<isUPIIntentMethodAvailable>(payload);
     case A::payUsingUPIIntent:
-      return P::whenDecoded<payUsingUPIIntent>(WebSDKPayUsingUPIIntentRequestModel::from(payload));
+      return P::decode<payUsingUPIIntent>(payload);
     case A::orderConfirmEvent: return P::make<confirmOrderEvent>();
     case A::getOneClickCardEligibility:
-      return P::whenDecoded<getOneClickCardEligibility>(WebSDKGetOneClickCardEligibilityRequestModel::from(payload));
+      return P::decode<getOneClickCardEligibility>(payload);
     case A::oneClickDeEnroll:
-      return P::whenDecoded<oneClickDeEnroll>(WebSDKOneClickManageCardRequestModel::from(payload));
+      return P::decode<oneClickDeEnroll>(payload);
     case A::oneClickDeleteCard:
-      return P::whenDecoded<oneClickDeleteCard>(WebSDKOneClickManageCardRequestModel::from(payload));
+      return P::decode<oneClickDeleteCard>(payload);
     case A::transactionConfirmed: return P::make<transactionConfirmed>();
     case A::transactionFailed: return P::make<transactionFailed>();
     case A::storeOrderInfoEvent:
-      return P::whenDecoded<storeOrderInfoEvent>(WebSDKStoreOrderInfoRequestModel::from(payload));
-    case A::upiOnboarding: return P::whenDecoded<upiOnboarding>(WebSDKJuspayInAppUpiRequestModel::from(payload));
-    case A::upiGSTHash: return P::whenDecoded<upiGSTHash>(WebSDKJuspayInAppUpiRequestModel::from(payload));
-    case A::upiGetBankList: return P::whenDecoded<upiGetBankList>(WebSDKJuspayInAppUpiRequestModel::from(payload));
-    case A::upiPayment: return P::whenDecoded<upiPayment>(WebSDKJuspayInAppUpiPayRequestModel::from(payload));
+      return P::decode<storeOrderInfoEvent>(payload);
+    case A::upiOnboarding: return P::decode<upiOnboarding>(payload);
+    case A::upiGSTHash: return P::decode<upiGSTHash>(payload);
+    case A::upiGetBankList: return P::decode<upiGetBankList>(payload);
+    case A::upiPayment: return P::decode<upiPayment>(payload);
     case A::isInappUpiEnabled: return P::make<isInappUpiEnabled>();
   }
   return std::nullopt;

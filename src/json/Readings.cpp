@@ -95,19 +95,19 @@ std::optional<double> numberOf(const JSON* v) {
 }  // namespace
 
 std::string lenientString(const JSON* v) {
-  detail::observe(v, Reading::lenientString);
+  detail::observe(v, ReadingKind::lenientString);
   return lenientStringOf(v);
 }
 
 std::optional<std::string> strictString(const JSON* v) {
-  detail::observe(v, Reading::strictString);
+  detail::observe(v, ReadingKind::strictString);
   if (v == nullptr) return std::nullopt;
   if (const auto* s = v->if_string()) return std::string(*s);
   return std::nullopt;
 }
 
 bool lenientBool(const JSON* v) {
-  detail::observe(v, Reading::lenientBool);
+  detail::observe(v, ReadingKind::lenientBool);
   if (v == nullptr) return false;
   switch (v->kind()) {
     case boost::json::kind::bool_: return v->get_bool();
@@ -127,52 +127,52 @@ bool lenientBool(const JSON* v) {
 }
 
 std::optional<bool> strictBool(const JSON* v) {
-  detail::observe(v, Reading::strictBool);
+  detail::observe(v, ReadingKind::strictBool);
   if (v == nullptr) return std::nullopt;
   if (const auto* b = v->if_bool()) return *b;
   return std::nullopt;
 }
 
 std::int64_t lenientInt(const JSON* v) {
-  detail::observe(v, Reading::lenientInt);
+  detail::observe(v, ReadingKind::lenientInt);
   return lenientIntOf(v);
 }
 
 std::optional<double> number(const JSON* v) {
-  detail::observe(v, Reading::number);
+  detail::observe(v, ReadingKind::number);
   return numberOf(v);
 }
 
 double lenientDouble(const JSON* v) {
-  detail::observe(v, Reading::lenientDouble);
+  detail::observe(v, ReadingKind::lenientDouble);
   if (v == nullptr) return 0;
   if (const auto* s = v->if_string()) return parseNumber(*s).value_or(0);
   return numberOf(v).value_or(0);
 }
 
 std::optional<std::int64_t> integer(const JSON* v) {
-  detail::observe(v, Reading::integer);
+  detail::observe(v, ReadingKind::integer);
   if (v == nullptr || v->is_string()) return std::nullopt;
   if (!numberOf(v)) return std::nullopt;
   return lenientIntOf(v);
 }
 
 std::optional<JSONObject> object(const JSON* v) {
-  detail::observe(v, Reading::object);
+  detail::observe(v, ReadingKind::object);
   if (v == nullptr) return std::nullopt;
   if (const auto* o = v->if_object()) return *o;
   return std::nullopt;
 }
 
 std::optional<JSONArray> array(const JSON* v) {
-  detail::observe(v, Reading::array);
+  detail::observe(v, ReadingKind::array);
   if (v == nullptr) return std::nullopt;
   if (const auto* a = v->if_array()) return *a;
   return std::nullopt;
 }
 
 std::optional<std::map<std::string, std::string>> stringMap(const JSON* v) {
-  detail::observe(v, Reading::stringMap);
+  detail::observe(v, ReadingKind::stringMap);
   if (v == nullptr || !v->is_object()) return std::nullopt;
   std::map<std::string, std::string> out;
   for (const auto& member : v->get_object()) out.emplace(member.key(), lenientStringOf(&member.value()));
@@ -180,7 +180,7 @@ std::optional<std::map<std::string, std::string>> stringMap(const JSON* v) {
 }
 
 std::optional<JSON> raw(const JSON* v) {
-  detail::observe(v, Reading::raw);
+  detail::observe(v, ReadingKind::raw);
   if (v == nullptr) return std::nullopt;
   return *v;
 }

@@ -133,7 +133,7 @@ TEST(Catalogue, PageFunctionsCarryTheirCallTextWithTellingArguments) {
 struct Recorder final : ReadingObserver {
   std::vector<std::string> seen;
   void lookedUp(const JSONObject&, std::string_view key) override { seen.push_back("key " + std::string(key)); }
-  void read(const JSON&, Reading reading, std::span<const std::string_view> cases) override {
+  void read(const JSON&, ReadingKind reading, std::span<const std::string_view> cases) override {
     seen.push_back(std::string(rawValue(reading)) + " " + std::to_string(cases.size()));
   }
 };

@@ -31,7 +31,7 @@ constexpr std::size_t kMaxVariants = 64;
 struct Place {
   std::vector<std::pair<std::string, std::unique_ptr<Place>>> members;  // in the order first looked up
   std::unique_ptr<Place> element;
-  std::vector<Reading> readings;  // in the order first made
+  std::vector<ReadingKind> readings;  // in the order first made
   std::vector<std::string> cases;  // the raw values an enumeration reading accepts
   // Nothing read yet: the sample tries an object, then an array, then text,
   // each for one round in which the place was in the sample.
@@ -39,7 +39,7 @@ struct Place {
   bool tried = false;
 
   bool observed() const { return !readings.empty() || !members.empty() || (element && element->observed()); }
-  bool has(Reading r) const { return std::find(readings.begin(), readings.end(), r) != readings.end(); }
+  bool has(ReadingKind r) const { return std::find(readings.begin(), readings.end(), r) != readings.end(); }
   Place* find(std::string_view key) const {
     for (const auto& [k, p] : members)
       if (k == key) return p.get();
@@ -50,9 +50,9 @@ struct Place {
 enum class Shape { object, array, scalar };
 
 Shape shapeOf(const Place& p) {
-  if (!p.members.empty() || p.has(Reading::object) || p.has(Reading::stringMap)) return Shape::object;
-  if ((p.element && p.element->observed()) || p.has(Reading::array)) return Shape::array;
-  if (p.readings.size() == 1 && p.has(Reading::raw)) return Shape::object;  // anything goes; an object can be seen into
+  if (!p.members.empty() || p.has(ReadingKind::object) || p.has(ReadingKind::stringMap)) return Shape::object;
+  if ((p.element && p.element->observed()) || p.has(ReadingKind::array)) return Shape::array;
+  if (p.readings.size() == 1 && p.has(ReadingKind::raw)) return Shape::object;  // anything goes; an object can be seen into
   if (!p.readings.empty()) return Shape::scalar;
   return p.guess == 0 ? Shape::object : p.guess == 1 ? Shape::array : Shape::scalar;
 }
@@ -89,14 +89,14 @@ class Explorer : public ReadingObserver {
     learned_ = true;
   }
 
-  void read(const JSON& value, Reading reading, std::span<const std::string_view> cases) override {
+  void read(const JSON& value, ReadingKind reading, std::span<const std::string_view> cases) override {
     Place* p = placeOf(value);
     if (p == nullptr) return;
     if (!p->has(reading)) {
       p->readings.push_back(reading);
       learned_ = true;
     }
-    if (reading == Reading::enumeration && p->cases.empty()) p->cases.assign(cases.begin(), cases.end());
+    if (reading == ReadingKind::enumeration && p->cases.empty()) p->cases.assign(cases.begin(), cases.end());
   }
 
   Place* placeOf(const JSONObject& object) const {
@@ -171,12 +171,12 @@ JSON Explorer::sample(Place& p, const Variant& variant, bool marked) {
     return JSON(std::string(kPlaceKey) + std::to_string(numbered_.size() - 1));
   }
   // A value every reading made of it accepts, as far as one can.
-  const Reading first = p.readings.empty() ? Reading::lenientString : p.readings.front();
+  const ReadingKind first = p.readings.empty() ? ReadingKind::lenientString : p.readings.front();
   switch (first) {
-    case Reading::strictBool: return true;
-    case Reading::number:
-    case Reading::integer: return 1;
-    case Reading::enumeration: {
+    case ReadingKind::strictBool: return true;
+    case ReadingKind::number:
+    case ReadingKind::integer: return 1;
+    case ReadingKind::enumeration: {
       if (p.cases.empty()) return "";
       const auto it = variant.caseOf.find(&p);
       return JSON(p.cases[it == variant.caseOf.end() ? 0 : it->second]);
@@ -202,7 +202,7 @@ std::optional<std::string> Explorer::run(const Variant& variant, bool marked) {
 std::vector<Variant> Explorer::variants() {
   std::vector<Variant> out(1);
   auto visit = [&](auto& self, const Place& p) -> void {
-    if (p.has(Reading::enumeration))
+    if (p.has(ReadingKind::enumeration))
       for (std::size_t i = 1; i < p.cases.size() && out.size() < kMaxVariants; ++i) out.push_back({{{&p, i}}, nullptr});
     for (const auto& [key, member] : p.members) self(self, *member);
     if (p.element) self(self, *p.element);
@@ -255,7 +255,7 @@ JSONArray Explorer::describeMembers(const Place& p, const Variant& reference, bo
 JSONObject Explorer::describe(const Place& p, const Variant& reference, bool decodes) {
   JSONObject out;
   JSONArray readings;
-  for (Reading r : p.readings) readings.push_back(JSON(rawValue(r)));
+  for (ReadingKind r : p.readings) readings.push_back(JSON(rawValue(r)));
   out.emplace("readings", std::move(readings));
   if (!p.cases.empty()) {
     JSONArray values;

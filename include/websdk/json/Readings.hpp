@@ -17,13 +17,13 @@
 namespace websdk {
 
 /// The readings below, by name.
-enum class Reading {
+enum class ReadingKind {
   lenientString, strictString, lenientBool, strictBool, lenientInt, lenientDouble,
   number, integer, object, array, stringMap, raw, enumeration
 };
-constexpr auto rawValues(Reading) {
-  using enum Reading;
-  return rawValueTable<Reading>({{lenientString, "lenientString"}, {strictString, "strictString"},
+constexpr auto rawValues(ReadingKind) {
+  using enum ReadingKind;
+  return rawValueTable<ReadingKind>({{lenientString, "lenientString"}, {strictString, "strictString"},
                                  {lenientBool, "lenientBool"},     {strictBool, "strictBool"},
                                  {lenientInt, "lenientInt"},       {lenientDouble, "lenientDouble"},
                                  {number, "number"},               {integer, "integer"},
@@ -41,13 +41,13 @@ class ReadingObserver {
   virtual ~ReadingObserver() = default;
   virtual void lookedUp(const JSONObject& object, std::string_view key) = 0;
   /// `cases` lists the raw values an enumeration reading accepts.
-  virtual void read(const JSON& value, Reading reading, std::span<const std::string_view> cases) = 0;
+  virtual void read(const JSON& value, ReadingKind reading, std::span<const std::string_view> cases) = 0;
 };
 
 namespace detail {
 inline std::atomic<ReadingObserver*> readingObserver{nullptr};
 inline ReadingObserver* observer() { return readingObserver.load(std::memory_order_relaxed); }
-inline void observe(const JSON* v, Reading reading, std::span<const std::string_view> cases = {}) {
+inline void observe(const JSON* v, ReadingKind reading, std::span<const std::string_view> cases = {}) {
   if (ReadingObserver* o = observer(); o != nullptr && v != nullptr) [[unlikely]]
     o->read(*v, reading, cases);
 }
@@ -97,7 +97,7 @@ std::optional<JSON> raw(const JSON* v);
 template <class E>
 std::optional<E> enumeration(const JSON* v) {
   if (v == nullptr) return std::nullopt;
-  detail::observe(v, Reading::enumeration, detail::caseNames<E>);
+  detail::observe(v, ReadingKind::enumeration, detail::caseNames<E>);
   if (const auto* s = v->if_string()) return fromRawValue<E>(std::string_view(*s));
   return std::nullopt;
 }
@@ -111,7 +111,7 @@ class Fields {
   Fields(const std::optional<JSONObject>& object) : object_(object ? &*object : nullptr) {}
   /// A view of `v` when it is an object, else an absent dictionary.
   static Fields of(const JSON* v) {
-    detail::observe(v, Reading::object);
+    detail::observe(v, ReadingKind::object);
     return Fields(v ? v->if_object() : nullptr);
   }
 

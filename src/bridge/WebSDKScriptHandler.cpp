@@ -85,7 +85,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   {
     const auto view = webview.lock();
     const auto url = view ? view->engine().url() : std::nullopt;
-    if (!url || !view->webSDKConfig.isWhitelistedURL(*url)) {
+    if (!url || !isTrusted(view->webSDKConfig, *url)) {
       answerFailure(parseJSON(text), WebSDKStatusCode::notWhitelistedUrl,
                     url ? std::optional<std::string>(*url) : std::nullopt);
       return;
@@ -119,6 +119,14 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
   }
   answerFailure(request, WebSDKStatusCode::notFound, std::string(kNotAValidRequest));
+}
+
+bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view url) {
+  if (!trustedURL_.empty() && url == trustedURL_ && config == trustedUnder_) return true;
+  if (!config.isWhitelistedURL(url)) return false;
+  trustedURL_ = url;
+  trustedUnder_ = config;
+  return true;
 }
 
 void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode code,

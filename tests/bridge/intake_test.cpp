@@ -117,6 +117,23 @@ TEST(Intake, APageOutsideTheWhitelistIsAnsweredWithItsURLAndNoPluginIsCalled) {
   EXPECT_EQ(noPage.pageResponses()[0], failure(1005, std::nullopt, "8"));
 }
 
+TEST(Intake, TrustFollowsTheShownPageAndTheCurrentWhitelist) {
+  Harness h({"example.com"}, false, "https://pay.example.com/");
+  const std::string request = R"({"type":"CLEAR_LOCAL_CART","requestId":"t"})";
+  auto answers = [&] {
+    h.post(request);
+    const auto responses = h.pageResponses();
+    return responses.empty() ? std::int64_t{0} : responses.back().at("statusCode").as_int64();
+  };
+  EXPECT_EQ(answers(), 1004);  // trusted: no cart plugin
+  h.view->webSDKConfig.whitelistedHosts = {"other.test"};
+  EXPECT_EQ(answers(), 1005);
+  h.view->webSDKConfig.whitelistedHosts = {"example.com"};
+  EXPECT_EQ(answers(), 1004);
+  h.engine->setURL("https://evil.test/");
+  EXPECT_EQ(answers(), 1005);
+}
+
 TEST(Intake, MalformedMessagesAreDroppedSilently) {
   Harness h;
   auto cart = std::make_shared<RecordingCart>();

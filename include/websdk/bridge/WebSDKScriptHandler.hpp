@@ -5,8 +5,11 @@
 
 #include "websdk/bridge/PluginProtocols.hpp"
 #include "websdk/webview/WebEngine.hpp"
+#include "websdk/webview/WebSDKConfig.hpp"
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace websdk {
 
@@ -35,7 +38,13 @@ class WebSDKScriptHandler final : public ScriptMessageHandler {
   void userContentController(const ScriptMessage& message) override;
 
  private:
+  bool isTrusted(const WebSDKConfig& config, std::string_view url);
   void answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message);
+
+  // The last page URL found trusted and the whitelist it was checked against:
+  // a page posts many messages from one URL, so each URL is checked once.
+  std::string trustedURL_;
+  WebSDKConfig trustedUnder_;
 };
 
 }  // namespace websdk

@@ -18,6 +18,8 @@ struct WebSDKConfig {
   /// also trusts "example.com.other.test". Case-sensitive; scheme, port and
   /// path play no part.
   bool isWhitelistedURL(std::string_view url) const;
+
+  bool operator==(const WebSDKConfig&) const = default;
 };
 
 /// The parts of a URL the web view needs.

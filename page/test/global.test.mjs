@@ -14,3 +14,9 @@ test("the classic-script build defines WebSDKPage on the page's window", async (
   assert.deepEqual({ ...(await asked) }, { ok: true });
   assert.equal(typeof window.handleHardwareBack, "function");
 });
+
+test("the copy the native build embeds is the current build", () => {
+  const built = readFileSync(new URL("../dist/websdk-page.js", import.meta.url), "utf8");
+  const embedded = readFileSync(new URL("../websdk-page.js", import.meta.url), "utf8");
+  assert.equal(embedded, built, "page/websdk-page.js is stale: run `npm run bundle`");
+});

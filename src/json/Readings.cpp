@@ -179,6 +179,14 @@ std::optional<std::map<std::string, std::string>> stringMap(const JSON* v) {
   return out;
 }
 
+std::optional<std::vector<std::string>> stringList(const JSON* v) {
+  if (v == nullptr || !v->is_array()) return std::nullopt;
+  std::vector<std::string> out;
+  out.reserve(v->get_array().size());
+  for (const auto& element : v->get_array()) out.push_back(lenientString(&element));
+  return out;
+}
+
 std::optional<JSON> raw(const JSON* v) {
   detail::observe(v, ReadingKind::raw);
   if (v == nullptr) return std::nullopt;

@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace websdk {
 
@@ -91,6 +92,9 @@ std::optional<JSONArray> array(const JSON* v);
 /// An object's members as strings (each by the lenient string reading); nothing
 /// unless the value is an object.
 std::optional<std::map<std::string, std::string>> stringMap(const JSON* v);
+/// An array's elements as strings (each by the lenient string reading); nothing
+/// unless the value is an array.
+std::optional<std::vector<std::string>> stringList(const JSON* v);
 /// The value as it stands (JSON null included); nothing only when absent.
 std::optional<JSON> raw(const JSON* v);
 /// A JSON string that is one of E's raw values.
@@ -143,6 +147,9 @@ class Fields {
   std::optional<JSONObject> object(std::string_view key) const { return websdk::object((*this)[key]); }
   std::optional<JSONArray> array(std::string_view key) const { return websdk::array((*this)[key]); }
   std::optional<JSON> raw(std::string_view key) const { return websdk::raw((*this)[key]); }
+  std::optional<std::vector<std::string>> stringList(std::string_view key) const {
+    return websdk::stringList((*this)[key]);
+  }
   std::optional<std::map<std::string, std::string>> stringMap(std::string_view key) const {
     return websdk::stringMap((*this)[key]);
   }

@@ -10,16 +10,6 @@
 namespace websdk {
 namespace {
 
-// A JSON array read element by element as lenient strings; nothing unless
-// the value is an array.
-std::optional<std::vector<std::string>> stringList(const JSON* v) {
-  if (v == nullptr || !v->is_array()) return std::nullopt;
-  std::vector<std::string> out;
-  out.reserve(v->get_array().size());
-  for (const auto& element : v->get_array()) out.push_back(lenientString(&element));
-  return out;
-}
-
 // Whole decimal text: an optional sign, then digits only; out of range is no number.
 std::optional<std::int64_t> decimalInteger(std::string_view text) {
   if (!text.empty() && text.front() == '+') {
@@ -70,8 +60,8 @@ std::optional<WebSDKMediaUploadRequestModel> WebSDKMediaUploadRequestModel::from
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   const Fields p(payload);
-  return WebSDKMediaUploadRequestModel{stringList(p["sources"]), stringList(p["galleryMediaTypes"]),
-                                       stringList(p["fileTypes"])};
+  return WebSDKMediaUploadRequestModel{p.stringList("sources"), p.stringList("galleryMediaTypes"),
+                                       p.stringList("fileTypes")};
 }
 
 std::optional<WebSDKMediaDownloadRequestModel> WebSDKMediaDownloadRequestModel::from(
@@ -87,7 +77,7 @@ std::optional<WebSDKSubmitUploadedFilesRequestModel> WebSDKSubmitUploadedFilesRe
   if (!payload) return std::nullopt;
   const Fields p(payload);
   auto input = p.stringMap("input");
-  return WebSDKSubmitUploadedFilesRequestModel{stringList(p["s3Links"]),
+  return WebSDKSubmitUploadedFilesRequestModel{p.stringList("s3Links"),
                                                input ? std::move(*input) : decltype(input)::value_type()};
 }
 
@@ -116,13 +106,13 @@ std::optional<WebSDKGetConfigValueRequestModel> WebSDKGetConfigValueRequestModel
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   const Fields p(payload);
-  return WebSDKGetConfigValueRequestModel{stringList(p["xpKeyList"]), stringList(p["wpKeyList"])};
+  return WebSDKGetConfigValueRequestModel{p.stringList("xpKeyList"), p.stringList("wpKeyList")};
 }
 
 std::optional<WebSDKInstalledAppsRequestModel> WebSDKInstalledAppsRequestModel::from(
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
-  return WebSDKInstalledAppsRequestModel{stringList(Fields(payload)["apps"])};
+  return WebSDKInstalledAppsRequestModel{Fields(payload).stringList("apps")};
 }
 
 std::optional<WebSDKGroupOrderRequestModel> WebSDKGroupOrderRequestModel::from(

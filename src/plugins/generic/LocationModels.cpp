@@ -5,20 +5,6 @@
 #include <utility>
 
 namespace websdk {
-namespace {
-
-// A JSON array read element by element as lenient strings; nothing unless
-// the value is an array.
-std::optional<std::vector<std::string>> stringList(const JSON* v) {
-  if (v == nullptr || !v->is_array()) return std::nullopt;
-  std::vector<std::string> out;
-  out.reserve(v->get_array().size());
-  for (const auto& element : v->get_array()) out.push_back(lenientString(&element));
-  return out;
-}
-
-}  // namespace
-
 std::optional<WebSDKSetLocationRequestModel> WebSDKSetLocationRequestModel::from(
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
@@ -53,14 +39,14 @@ std::optional<WebSDKAddAddressRequestModel> WebSDKAddAddressRequestModel::from(
   if (!payload) return std::nullopt;
   const Fields p(payload);
   return WebSDKAddAddressRequestModel{p.strictString("type").value_or(""), p.strictString("storeId").value_or(""),
-                                      p.strictString("userContext"), stringList(p["disabledAnnotationTags"])};
+                                      p.strictString("userContext"), p.stringList("disabledAnnotationTags")};
 }
 
 std::optional<WebSDKEditAddressRequestModel> WebSDKEditAddressRequestModel::from(
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   const Fields p(payload);
-  return WebSDKEditAddressRequestModel{p.raw("address"), stringList(p["enabled"]), p.strictString("focused"),
+  return WebSDKEditAddressRequestModel{p.raw("address"), p.stringList("enabled"), p.strictString("focused"),
                                        p.enumeration<ActionType>("actionType").value_or(ActionType::none)};
 }
 

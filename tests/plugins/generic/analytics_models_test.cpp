@@ -1,5 +1,7 @@
 #include "websdk/plugins/generic/AnalyticsModels.hpp"
 
+#include "support/ReaderTable.hpp"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -9,37 +11,16 @@
 namespace websdk {
 namespace {
 
-// Payload text as the bridge hands it over: anything but an object (written
-// "null" in the tables) is no dictionary at all.
-std::optional<JSONObject> payloadOf(std::string_view text) {
-  JSON v = parseJSON(text);
-  if (auto* o = v.if_object()) return std::move(*o);
-  return std::nullopt;
-}
+using test::payloadOf;
 
 JSONObject objectOf(std::string_view text) { return payloadOf(text).value(); }
 
-template <class T>
-struct Reading {
-  std::string_view payload;
-  std::optional<T> expected;
-};
-
-template <class T>
-void expectReadings(const std::vector<Reading<T>>& rows) {
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.payload);
-    const auto payload = payloadOf(row.payload);
-    EXPECT_TRUE(row.payload == "null" || payload) << "a table row that is not a JSON object";
-    EXPECT_EQ(T::from(payload), row.expected);
-  }
-}
 
 using Strings = std::vector<std::string>;
 
 TEST(AnalyticsReaders, TrackerAndCleverTapDifferOnPurpose) {
   using Track = WebSDKTrackEventRequestModel;
-  expectReadings<Track>({
+  test::expectReads<Track>({
       {"null", std::nullopt},
       {"{}", std::nullopt},
       {R"({"eventName":12})", Track{"12", {}}},
@@ -48,7 +29,7 @@ TEST(AnalyticsReaders, TrackerAndCleverTapDifferOnPurpose) {
       {R"({"eventName":"open","eventParams":[1]})", Track{"open", {}}},
   });
   using CleverTap = WebSDKSendClevertapEventRequestModel;
-  expectReadings<CleverTap>({
+  test::expectReads<CleverTap>({
       {"null", std::nullopt},
       {R"({"params":{"a":1}})", std::nullopt},
       {R"({"eventName":12})", std::nullopt},
@@ -59,7 +40,7 @@ TEST(AnalyticsReaders, TrackerAndCleverTapDifferOnPurpose) {
 
 TEST(AnalyticsReaders, FrequencyCappingIsReadInsideItsInfoObject) {
   using M = WebSDKSendFrequencyCappingEventRequestModel;
-  expectReadings<M>({
+  test::expectReads<M>({
       {"null", std::nullopt},
       {R"({"entityId":"e1"})", std::nullopt},
       {R"({"frequencyCappingInfo":"e1"})", std::nullopt},
@@ -74,20 +55,20 @@ TEST(AnalyticsReaders, FrequencyCappingIsReadInsideItsInfoObject) {
 }
 
 TEST(AnalyticsReaders, Files) {
-  expectReadings<WebSDKMediaUploadRequestModel>({
+  test::expectReads<WebSDKMediaUploadRequestModel>({
       {"null", std::nullopt},
       {"{}", WebSDKMediaUploadRequestModel{}},
       {R"({"sources":["camera",1],"galleryMediaTypes":[],"fileTypes":"pdf"})",
        WebSDKMediaUploadRequestModel{Strings{"camera", "1"}, Strings{}, {}}},
   });
-  expectReadings<WebSDKMediaDownloadRequestModel>({
+  test::expectReads<WebSDKMediaDownloadRequestModel>({
       {"null", std::nullopt},
       {R"({"url":"https://x.test/a.pdf","fileNameWithExtension":3,"isSignedURL":"true"})",
        WebSDKMediaDownloadRequestModel{"https://x.test/a.pdf", {}, {}}},
       {R"({"isSignedURL":false})", WebSDKMediaDownloadRequestModel{{}, {}, false}},
   });
   using Submit = WebSDKSubmitUploadedFilesRequestModel;
-  expectReadings<Submit>({
+  test::expectReads<Submit>({
       {"null", std::nullopt},
       {R"({"s3Links":["s3://b/a.jpg"],"input":{}})", Submit{Strings{"s3://b/a.jpg"}, {}}},
       {R"({"submitUrls":["s3://b/a.jpg"],"s3Links":"s3://b/a.jpg","input":{"orderId":42}})",
@@ -98,7 +79,7 @@ TEST(AnalyticsReaders, Files) {
 TEST(AnalyticsReaders, QuizCountsAreWholeDecimalNumbers) {
   using M = WebSDKQuizProgressUpdateModel;
   const auto quiz = [](std::int64_t total, std::int64_t attempted) { return M{"", total, attempted, {}, {}, {}}; };
-  expectReadings<M>({
+  test::expectReads<M>({
       {"null", std::nullopt},
       {R"({"totalQuestions":10,"attemptedQuestions":3})", std::nullopt},
       {R"({"params":{"totalQuestions":"10","attemptedQuestions":3}})", quiz(10, 3)},
@@ -115,23 +96,23 @@ TEST(AnalyticsReaders, QuizCountsAreWholeDecimalNumbers) {
 }
 
 TEST(AnalyticsReaders, OrderActivityConfigAppsGroupOrdersFeedback) {
-  expectReadings<WebSDKUpdateLiveActivityRequestModel>({
+  test::expectReads<WebSDKUpdateLiveActivityRequestModel>({
       {"null", std::nullopt},
       {R"({"orderId":123,"eta":"5 min"})", WebSDKUpdateLiveActivityRequestModel{"123", "", "5 min", ""}},
   });
-  expectReadings<WebSDKGetConfigValueRequestModel>({
+  test::expectReads<WebSDKGetConfigValueRequestModel>({
       {"null", std::nullopt},
       {R"({"xpKeyList":["search_v2"],"wpKeyList":null})", WebSDKGetConfigValueRequestModel{Strings{"search_v2"}, {}}},
   });
-  expectReadings<WebSDKInstalledAppsRequestModel>({
+  test::expectReads<WebSDKInstalledAppsRequestModel>({
       {"null", std::nullopt},
       {R"({"apps":["gpay","phonepe"]})", WebSDKInstalledAppsRequestModel{Strings{"gpay", "phonepe"}}},
   });
-  expectReadings<WebSDKGroupOrderRequestModel>({
+  test::expectReads<WebSDKGroupOrderRequestModel>({
       {"null", WebSDKGroupOrderRequestModel{}},
       {R"({"groupCartId":"g1","userId":42})", WebSDKGroupOrderRequestModel{"g1", {}}},
   });
-  expectReadings<WebSDKSubmitFeedbackRequestModel>({
+  test::expectReads<WebSDKSubmitFeedbackRequestModel>({
       {"null", WebSDKSubmitFeedbackRequestModel{}},
       {R"({"originScreen":"cart","link":5})", WebSDKSubmitFeedbackRequestModel{"cart", ""}},
   });

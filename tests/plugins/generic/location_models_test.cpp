@@ -1,5 +1,7 @@
 #include "websdk/plugins/generic/LocationModels.hpp"
 
+#include "support/ReaderTable.hpp"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -10,13 +12,7 @@
 namespace websdk {
 namespace {
 
-// Payload text as the bridge hands it over: anything but an object (written
-// "null" in the tables) is no dictionary at all.
-std::optional<JSONObject> payloadOf(std::string_view text) {
-  JSON v = parseJSON(text);
-  if (auto* o = v.if_object()) return std::move(*o);
-  return std::nullopt;
-}
+using test::payloadOf;
 
 // A model with a few members set, the rest as a reader leaves them.
 template <class T, class Set>
@@ -26,25 +22,10 @@ T with(Set set) {
   return model;
 }
 
-template <class T>
-struct Reading {
-  std::string_view payload;
-  std::optional<T> expected;
-};
-
-template <class T>
-void expectReadings(const std::vector<Reading<T>>& rows) {
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.payload);
-    const auto payload = payloadOf(row.payload);
-    EXPECT_TRUE(row.payload == "null" || payload) << "a table row that is not a JSON object";
-    EXPECT_EQ(T::from(payload), row.expected);
-  }
-}
 
 TEST(LocationReaders, SetLocation) {
   using M = WebSDKSetLocationRequestModel;
-  expectReadings<M>({
+  test::expectReads<M>({
       {"null", std::nullopt},
       {"{}", M{}},
       // "default" fills defaultAddress; a numeric string is a latitude, but a
@@ -61,7 +42,7 @@ TEST(LocationReaders, SetLocation) {
 }
 
 TEST(LocationReaders, LocationIsZeroWithoutADictionary) {
-  expectReadings<Location>({
+  test::expectReads<Location>({
       {"null", Location{0, 0}},
       {R"({"latitude":"1.5","longitude":2})", Location{1.5, 2}},
       {R"({"lat":1,"lng":2})", Location{0, 0}},
@@ -69,7 +50,7 @@ TEST(LocationReaders, LocationIsZeroWithoutADictionary) {
 }
 
 TEST(LocationReaders, Addresses) {
-  expectReadings<WebSDKAddAddressRequestModel>({
+  test::expectReads<WebSDKAddAddressRequestModel>({
       {"null", std::nullopt},
       {"{}", WebSDKAddAddressRequestModel{}},
       {R"({"type":5,"storeId":"s1","userContext":"cart","disabledAnnotationTags":["HOME",3,true]})",
@@ -77,7 +58,7 @@ TEST(LocationReaders, Addresses) {
       {R"({"disabledAnnotationTags":"HOME"})", WebSDKAddAddressRequestModel{}},
   });
   using Edit = WebSDKEditAddressRequestModel;
-  expectReadings<Edit>({
+  test::expectReads<Edit>({
       {"null", std::nullopt},
       {"{}", Edit{}},
       {R"({"address":{"id":7},"enabled":["name",1],"focused":"name","actionType":"ADD_RECEIVER_DETAILS_HALF_CARD_2"})",
@@ -86,7 +67,7 @@ TEST(LocationReaders, Addresses) {
       {R"({"address":null,"actionType":"add_address_full_form"})", Edit{JSON(nullptr), {}, {}, ActionType::none}},
   });
   using Directions = WebSDKEditDirectionsRequestModel;
-  expectReadings<Directions>({
+  test::expectReads<Directions>({
       {"null", std::nullopt},
       {"{}", Directions{}},
       {R"({"address":"gate 2","enable_voice_directions":"yes"})", Directions{JSON("gate 2"), true}},
@@ -96,7 +77,7 @@ TEST(LocationReaders, Addresses) {
 
 TEST(LocationReaders, GPSLocation) {
   using M = WebSDKGetGPSLocationRequestModel;
-  expectReadings<M>({
+  test::expectReads<M>({
       {"null", std::nullopt},
       {"{}", M{}},
       {R"({"permissionRequired":"true","accurateLocationRequired":1,"shouldShowSettings":"no","accuracyLevel":"3"})",
@@ -106,7 +87,7 @@ TEST(LocationReaders, GPSLocation) {
 
 TEST(LocationReaders, IRCTCReadsSnakeCaseAndEncodesCamelCase) {
   using M = WebSDKIRCTCResponseModel;
-  expectReadings<M>({
+  test::expectReads<M>({
       {"null", std::nullopt},
       {R"({"encoded_payload":"x"})", std::nullopt},
       {R"({"irctc_data":"x"})", std::nullopt},

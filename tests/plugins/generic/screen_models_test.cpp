@@ -4,6 +4,8 @@
 // fields a row sets; the rest keep their defaults, which is the point.
 #pragma GCC diagnostic ignored "-Wmissing-field-initializers"
 
+#include "support/ReaderTable.hpp"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -14,26 +16,10 @@
 namespace websdk {
 namespace {
 
-// Payload text as the bridge hands it over; "null" stands for no dictionary.
-std::optional<JSONObject> payloadOf(std::string_view text) {
-  JSON v = parseJSON(text);
-  if (auto* o = v.if_object()) return std::move(*o);
-  return std::nullopt;
-}
-
+using test::expectReads;
+using test::payloadOf;
 template <class T>
-struct Row {
-  std::string_view payload;
-  std::optional<T> expected;
-};
-
-template <class T>
-void expectReads(const std::vector<Row<T>>& rows) {
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.payload);
-    EXPECT_EQ(T::from(payloadOf(row.payload)), row.expected);
-  }
-}
+using Row = test::ReaderRow<T>;
 
 TEST(ScreenModels, NavigationToScreenTypeAndLinkRules) {
   using M = WebSDKNavigationToScreenRequestModel;

@@ -8,7 +8,7 @@
 // Input: one flags byte, the page URL, a NUL byte, the message text. Without
 // the NUL byte there is no page URL and the rest is the text.
 
-#include "support/EveryFamilyHost.hpp"
+#include "websdk/testing/EveryFamilyHost.hpp"
 #include "websdk/testing/TestingEngine.hpp"
 
 #include <cstdint>
@@ -101,17 +101,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // The host answers every request it gets, on the main queue's path or at once.
   int delivered = 0;
   std::string deliveredFamily;
-  auto host = std::make_shared<test::EveryFamilyHost>(
-      [&](std::string_view family, const std::string& requestId, const JSON& payload) {
+  auto host = std::make_shared<testing::EveryFamilyHost>(
+      [&](const testing::EveryFamilyHost::Delivery& d) {
         ++delivered;
-        deliveredFamily = family;
-        JSONObject answer{{"family", family}, {"payload", payload}};
+        deliveredFamily = d.family;
+        JSONObject answer{{"family", d.family}, {"payload", d.payload}};
         if (flags & readyEncoded)
-          view->sendWebSDKResponse(WebSDKResponseType::success, requestId, serialize(answer));
+          view->sendWebSDKResponse(WebSDKResponseType::success, d.requestId, serialize(answer));
         else
-          view->sendWebSDKResponse(answer, WebSDKResponseType::success, requestId);
+          view->sendWebSDKResponse(answer, WebSDKResponseType::success, d.requestId);
       });
-  if (!(flags & unsubscribed)) test::registerForEveryFamily(*view, host);
+  if (!(flags & unsubscribed)) testing::registerForEveryFamily(*view, host);
   if (flags & detached) view->resetWebView();
 
   const std::string name = (flags & otherName) ? "nativeRequest " : "nativeRequest";

@@ -1,4 +1,4 @@
-#include "support/EveryFamilyHost.hpp"
+#include "websdk/testing/EveryFamilyHost.hpp"
 #include "support/Harness.hpp"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 namespace websdk {
 namespace {
 
-using test::EveryFamilyHost;
+using testing::EveryFamilyHost;
 using test::Harness;
 
 // The page URL is named in the refusal; one that is not UTF-8 used to go out
@@ -66,11 +66,11 @@ TEST(Lifetimes, HostObjectsReleasedOnAnotherThreadWhileTheirRequestsArrive) {
     SCOPED_TRACE(round);
     std::size_t delivered = 0;
     auto host = std::make_shared<EveryFamilyHost>(
-        [&](std::string_view family, const std::string&, const JSON&) {
-          EXPECT_EQ(family, requests[delivered % requests.size()].family);
+        [&](const EveryFamilyHost::Delivery& d) {
+          EXPECT_EQ(d.family, requests[delivered % requests.size()].family);
           ++delivered;
         });
-    test::registerForEveryFamily(*h.view, host);
+    testing::registerForEveryFamily(*h.view, host);
     const std::size_t answeredBefore = h.listener->responses.size();
 
     std::atomic<bool> go{false};

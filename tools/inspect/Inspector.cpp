@@ -1,6 +1,7 @@
 #include "Inspector.hpp"
 
 #include "websdk/bridge/Families.hpp"
+#include "websdk/testing/EveryFamilyHost.hpp"
 #include "websdk/testing/TestingEngine.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
@@ -11,53 +12,16 @@
 namespace websdk::inspect {
 namespace {
 
-// One host object for every family: it records what the bridge delivers.
-template <class... Families>
-struct RecordingPluginsOf : Families::Plugin... {
-  std::optional<JSONObject> delivered;
-
-  template <class F>
-  void record(const typename F::Request& request, const typename F::Payload& payload) {
-    JSONObject d;
-    d.emplace("family", F::name);
-    d.emplace("action", rawValue(request.type));
-    d.emplace("requestId", request.requestId);
-    d.emplace("payload", payload.describe());
-    delivered = std::move(d);
-  }
-};
-
 struct Listener final : WebSDKJSCommunicationProtocol {
   bool received = false;
   void didSendResponse(const WebSDKResponseModel&) override {}
   void didReceiveRequest(std::string_view) override { received = true; }
 };
 
-#define WEBSDK_INSPECT_PLUGIN(F, op)                                                 \
-  void op(const F::Request& request, const F::Payload& payload) override { record<F>(request, payload); }
-
-struct RecordingPlugins final
-    : RecordingPluginsOf<GenericFamily, PaymentsFamily, RestaurantEmpathyFamily, ChatConversationFamily, CartFamily,
-                         PXCartFamily, VRCartFamily, GiftingCartFamily, ZippaFamily, SetRecipientInfoFamily,
-                         AccountsFamily, MenuListFamily> {
-  WEBSDK_INSPECT_PLUGIN(GenericFamily, handleGenericRequest)
-  WEBSDK_INSPECT_PLUGIN(PaymentsFamily, handlePaymentsRequest)
-  WEBSDK_INSPECT_PLUGIN(RestaurantEmpathyFamily, handleRestaurantEmpathyRequest)
-  WEBSDK_INSPECT_PLUGIN(ChatConversationFamily, handleChatConversationRequest)
-  WEBSDK_INSPECT_PLUGIN(CartFamily, handleCartRequest)
-  WEBSDK_INSPECT_PLUGIN(PXCartFamily, handlePXCartRequest)
-  WEBSDK_INSPECT_PLUGIN(VRCartFamily, handleVRCartRequest)
-  WEBSDK_INSPECT_PLUGIN(GiftingCartFamily, handleGiftingCartRequest)
-  WEBSDK_INSPECT_PLUGIN(ZippaFamily, handleZippaRequest)
-  WEBSDK_INSPECT_PLUGIN(SetRecipientInfoFamily, handleSetRecipientInfoRequest)
-  WEBSDK_INSPECT_PLUGIN(AccountsFamily, handleAccountsRequest)
-  WEBSDK_INSPECT_PLUGIN(MenuListFamily, handleMenuListRequest)
-};
-#undef WEBSDK_INSPECT_PLUGIN
 
 // The host object registered for family F, when the options ask for it.
 template <class F>
-std::shared_ptr<typename F::Plugin> pluginFor(const Options& options, const std::shared_ptr<RecordingPlugins>& all) {
+std::shared_ptr<typename F::Plugin> pluginFor(const Options& options, const std::shared_ptr<testing::EveryFamilyHost>& all) {
   if (!options.plugins.contains(std::string(F::name))) return nullptr;
   return std::static_pointer_cast<typename F::Plugin>(all);
 }
@@ -128,7 +92,10 @@ std::optional<Options> parseArguments(const std::vector<std::string>& args, std:
 }
 
 int run(const Options& options, std::istream& in, std::ostream& out, std::ostream& err) {
-  auto plugins = std::make_shared<RecordingPlugins>();
+  std::optional<JSONObject> delivered;
+  auto plugins = std::make_shared<testing::EveryFamilyHost>([&](const testing::EveryFamilyHost::Delivery& d) {
+    delivered = JSONObject{{"family", d.family}, {"action", d.action}, {"requestId", d.requestId}, {"payload", d.payload}};
+  });
   auto listener = std::make_shared<Listener>();
   auto owned = std::make_unique<testing::TestingEngine>();
   testing::TestingEngine& engine = *owned;
@@ -172,7 +139,7 @@ int run(const Options& options, std::istream& in, std::ostream& out, std::ostrea
     if (const JSON* u = fields["url"]) url = u->is_string() ? std::optional<std::string>(u->get_string()) : std::nullopt;
     engine.setURL(url);
 
-    plugins->delivered.reset();
+    delivered.reset();
     listener->received = false;
     engine.postScriptMessage(name, fields["body"] ? *fields["body"] : JSON(nullptr));
     engine.queue().drain();
@@ -180,7 +147,7 @@ int run(const Options& options, std::istream& in, std::ostream& out, std::ostrea
     JSONObject result;
     result.emplace("line", lineNumber);
     result.emplace("received", listener->received);
-    if (plugins->delivered) result.emplace("delivered", std::move(*plugins->delivered));
+    if (delivered) result.emplace("delivered", std::move(*delivered));
     JSONArray responses;
     const auto all = engine.nativeResponses();
     for (std::size_t i = responsesSeen; i < all.size(); ++i) responses.push_back(all[i]);

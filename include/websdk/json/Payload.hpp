@@ -54,7 +54,9 @@ class TaggedPayload {
  private:
   using Storage = std::variant<std::monostate, typename Cs::Type...>;
 
+ public:
   // Position of case C among the Carries (1-based; 0 = carries nothing).
+  // Public because clang checks the access of ModelOf at its use.
   template <Case C>
   static constexpr std::size_t slot() {
     std::size_t i = 0, found = 0;
@@ -62,7 +64,6 @@ class TaggedPayload {
     return found;
   }
 
- public:
   template <Case C>
   using ModelOf = std::variant_alternative_t<slot<C>(), Storage>;
 

@@ -1,8 +1,9 @@
 #pragma once
 // One host object that serves all twelve families, and the wiring that
 // registers it for each of them. Every delivery goes to `onRequest` with the
-// family's name, the request id and the typed payload's description, so
-// stress tests and fuzzers can count, answer or release as they need.
+// family's name, the action string, the request id and the typed payload's
+// description, so tests, fuzzers and tools can record, answer or release as
+// they need.
 
 #include "websdk/bridge/Families.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
@@ -11,7 +12,7 @@
 #include <memory>
 #include <string_view>
 
-namespace websdk::test {
+namespace websdk::testing {
 
 class EveryFamilyHost final : public DvWebViewGenericCallsBacks,
                               public DvWebViewPaymentsCallsBacks,
@@ -26,7 +27,13 @@ class EveryFamilyHost final : public DvWebViewGenericCallsBacks,
                               public DvAccountsWebViewCallBacks,
                               public DvWebViewMenuListCallbacks {
  public:
-  using Handler = std::function<void(std::string_view family, const std::string& requestId, const JSON& payload)>;
+  struct Delivery {
+    std::string_view family;
+    std::string_view action;
+    const std::string& requestId;
+    JSON payload;  // the typed payload's description
+  };
+  using Handler = std::function<void(const Delivery&)>;
   explicit EveryFamilyHost(Handler onRequest) : onRequest_(std::move(onRequest)) {}
 
   void handleGenericRequest(const WebSDKGenericRequestModel& r, const WebSDKGenericRequestPayload& p) override {
@@ -73,7 +80,7 @@ class EveryFamilyHost final : public DvWebViewGenericCallsBacks,
  private:
   template <class F>
   void call(const typename F::Request& request, const typename F::Payload& payload) {
-    if (onRequest_) onRequest_(F::name, request.requestId, payload.describe());
+    if (onRequest_) onRequest_(Delivery{F::name, rawValue(request.type), request.requestId, payload.describe()});
   }
 
   Handler onRequest_;
@@ -85,4 +92,4 @@ inline void registerForEveryFamily(WebSDKWebView& view, const std::shared_ptr<Ev
   forEachFamily([&]<class F>(F) { handler.*F::delegate = std::shared_ptr<typename F::Plugin>(host); });
 }
 
-}  // namespace websdk::test
+}  // namespace websdk::testing

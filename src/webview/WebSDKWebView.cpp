@@ -1,5 +1,6 @@
 #include "websdk/webview/WebSDKWebView.hpp"
 
+#include <algorithm>
 #include <iostream>
 
 namespace websdk {
@@ -96,12 +97,24 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
                                 const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
   if (!parseURL(with)) return;
   WebSDKHeaders headers;
-  // The app's headers go only to trusted hosts.
-  if (webSDKConfig.isWhitelistedURL(with)) headers = requestHeaders;
+  std::vector<std::string> confined;
+  // The app's headers go only to trusted hosts, on the first request and on
+  // every redirect; an external header of the same name is the page's own.
+  if (webSDKConfig.isWhitelistedURL(with)) {
+    headers = requestHeaders;
+    for (const auto& [name, value] : requestHeaders)
+      if (!externalHeaders || std::ranges::none_of(*externalHeaders, [&](const auto& external) {
+            return sameFieldName(external.first, name);
+          }))
+        confined.push_back(name);
+  }
   if (externalHeaders)
-    for (const auto& [name, value] : *externalHeaders) headers.insert_or_assign(name, value);
+    for (const auto& [name, value] : *externalHeaders) {
+      std::erase_if(headers, [&](const auto& field) { return sameFieldName(field.first, name); });
+      headers.insert_or_assign(name, value);
+    }
   URLRequest request{with, {headers.begin(), headers.end()}, timeoutInterval,
-                     URLRequestCachePolicy::useProtocolCachePolicy};
+                     URLRequestCachePolicy::useProtocolCachePolicy, std::move(confined), webSDKConfig};
   engine_->load(request);
 }
 

@@ -62,6 +62,10 @@ class LoopbackServer {
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
   void page(const std::string& path, std::string html) { pages_[path] = std::move(html); }
+  /// Requests to `path` are answered `status` with `location`.
+  void redirect(const std::string& path, std::string location, int status = 302) {
+    redirects_[path] = {status, std::move(location)};
+  }
   /// Requests to `path` are taken and never answered.
   void hold(const std::string& path) { held_.insert(path); }
   /// Requests to `path` need HTTP basic credentials `user`/`password`.
@@ -110,6 +114,10 @@ class LoopbackServer {
       soup_server_message_pause(message);
       return;
     }
+    if (const auto r = self.redirects_.find(path); r != self.redirects_.end()) {
+      soup_server_message_set_redirect(message, r->second.first, r->second.second.c_str());
+      return;
+    }
     const auto it = self.pages_.find(path);
     if (it == self.pages_.end()) {
       soup_server_message_set_status(message, 404, nullptr);
@@ -124,6 +132,7 @@ class LoopbackServer {
   guint port_ = 0;
   std::map<std::string, std::string> pages_;
   std::set<std::string> held_;
+  std::map<std::string, std::pair<int, std::string>> redirects_;
   std::pair<std::string, std::string> credentials_;
   std::vector<Request> requests_;
 };

@@ -33,6 +33,52 @@ TEST_F(E2ETest, AppHeadersReachOnlyWhitelistedHostsAndExternalHeadersWin) {
   }
 }
 
+TEST_F(E2ETest, RedirectsCarryTheAppsHeadersOnlyToWhitelistedHosts) {
+  const WebSDKHeaders app{{"token", "a"}, {"platform", "linux"}};
+  const WebSDKHeaders external{{"x-extra", "1"}, {"Platform", "page"}};
+  using Expected = std::map<std::string, std::optional<std::string>>;
+  const Expected appOnly{{"token", "a"}, {"platform", "linux"}, {"x-extra", std::nullopt}};
+  const Expected none{{"token", std::nullopt}, {"platform", std::nullopt}, {"x-extra", std::nullopt}};
+  const Expected externalOnly{{"token", std::nullopt}, {"platform", "page"}, {"x-extra", "1"}};
+  struct Row {
+    std::vector<std::string> hops;  // hosts the load passes through, the page last
+    int status;
+    std::optional<WebSDKHeaders> external;
+    Expected atPage;
+  };
+  // "localhost" reaches the same server but is not whitelisted.
+  const Row rows[] = {
+      {{"127.0.0.1", "localhost"}, 302, std::nullopt, none},
+      {{"127.0.0.1", "localhost"}, 307, std::nullopt, none},
+      {{"127.0.0.1", "127.0.0.1"}, 302, std::nullopt, appOnly},
+      {{"127.0.0.1", "127.0.0.1", "localhost"}, 301, std::nullopt, none},
+      // Once off the trusted hosts, a load does not get the app's headers back.
+      {{"127.0.0.1", "localhost", "127.0.0.1"}, 302, std::nullopt, none},
+      {{"localhost", "127.0.0.1"}, 302, std::nullopt, none},
+      {{"127.0.0.1", "localhost"}, 302, external, externalOnly},
+  };
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    const auto& row = rows[i];
+    const std::string base = "/redirect" + std::to_string(i) + "/";
+    const std::size_t last = row.hops.size() - 1;
+    for (std::size_t hop = 0; hop < last; ++hop)
+      server.redirect(base + std::to_string(hop), server.url(base + std::to_string(hop + 1), row.hops[hop + 1]),
+                      row.status);
+    server.page(base + std::to_string(last), testPage());
+    ASSERT_TRUE(loadAndWait(server.url(base + "0", row.hops[0]), app, row.external)) << base;
+    for (std::size_t hop = 0; hop <= last; ++hop) {
+      const auto seen = server.requestsTo(base + std::to_string(hop));
+      ASSERT_EQ(seen.size(), 1u) << base << hop;
+      if (row.hops[hop] != "127.0.0.1") {
+        EXPECT_EQ(seen[0].header("token"), std::nullopt) << base << hop;
+        EXPECT_EQ(seen[0].header("x-websdk-confined"), std::nullopt) << base << hop;
+      }
+    }
+    const auto atPage = server.requestsTo(base + std::to_string(last));
+    for (const auto& [name, value] : row.atPage) EXPECT_EQ(atPage[0].header(name), value) << base << " " << name;
+  }
+}
+
 TEST_F(E2ETest, AnInvalidURLLoadsNothing) {
   server.page("/after", testPage());
   view->loadWebView("http://exa mple.com/", {{"token", "a"}}, std::nullopt, 30);

@@ -35,17 +35,22 @@ TEST(Whitelist, HostContainmentIsLooseAndCaseSensitive) {
 }
 
 TEST(Loading, TheAppsHeadersGoOnlyToTrustedHosts) {
+  // `redirected`: what a redirect of the same load to an untrusted host may
+  // carry. The external headers are the page's own and follow it anywhere.
   struct Row {
     const char* url;
     std::optional<WebSDKHeaders> external;
-    std::vector<std::pair<std::string, std::string>> sent;
+    HeaderFields sent;
+    HeaderFields redirected;
   };
   const WebSDKHeaders app{{"token", "a"}, {"platform", "ios"}};
   const Row rows[] = {
-      {"https://example.com.other.test/", std::nullopt, {{"platform", "ios"}, {"token", "a"}}},
-      {"https://example.com/", WebSDKHeaders{{"token", "b"}, {"x", "1"}}, {{"platform", "ios"}, {"token", "b"}, {"x", "1"}}},
-      {"https://evil.test/", WebSDKHeaders{{"token", "b"}}, {{"token", "b"}}},
-      {"https://EXAMPLE.com/", std::nullopt, {}},
+      {"https://example.com.other.test/", std::nullopt, {{"platform", "ios"}, {"token", "a"}}, {}},
+      {"https://example.com/", WebSDKHeaders{{"token", "b"}, {"x", "1"}},
+       {{"platform", "ios"}, {"token", "b"}, {"x", "1"}}, {{"token", "b"}, {"x", "1"}}},
+      {"https://example.com/", WebSDKHeaders{{"Token", "b"}}, {{"Token", "b"}, {"platform", "ios"}}, {{"Token", "b"}}},
+      {"https://evil.test/", WebSDKHeaders{{"token", "b"}}, {{"token", "b"}}, {{"token", "b"}}},
+      {"https://EXAMPLE.com/", std::nullopt, {}, {}},
   };
   for (const auto& row : rows) {
     Harness h({"example.com"});
@@ -54,6 +59,8 @@ TEST(Loading, TheAppsHeadersGoOnlyToTrustedHosts) {
     const URLRequest& r = h.engine->loads[0];
     EXPECT_EQ(r.url, row.url);
     EXPECT_EQ(r.headers, row.sent) << row.url;
+    EXPECT_EQ(r.headersFor("https://elsewhere.test/x"), row.redirected) << row.url;
+    EXPECT_EQ(r.headersFor("https://shop.example.com/"), row.sent) << "a trusted host keeps them all: " << row.url;
     EXPECT_EQ(r.timeoutInterval, 12.5);
     EXPECT_EQ(r.cachePolicy, URLRequestCachePolicy::useProtocolCachePolicy);
   }

@@ -20,6 +20,11 @@ inline WebKitWebContext* newWebContext(bool ephemeral) {
   return WEBKIT_WEB_CONTEXT(g_object_ref(webkit_web_context_get_default()));
 }
 
+/// Where the context's web processes load their extension modules from.
+inline void setExtensionsDirectory(WebKitWebContext* context, const char* directory) {
+  webkit_web_context_set_web_extensions_directory(context, directory);
+}
+
 /// Whether a response decision is about the main frame's document.
 inline bool isMainFrameMainResource(WebKitResponsePolicyDecision* decision) {
 #if WEBKIT_CHECK_VERSION(2, 40, 0)

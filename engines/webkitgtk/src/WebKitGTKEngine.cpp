@@ -5,6 +5,7 @@
 #include "websdk/webkitgtk/Native.hpp"
 
 #include "Compat.hpp"
+#include "HeaderGuard.hpp"
 
 #include <cmath>
 #include <limits>
@@ -103,6 +104,29 @@ std::string authenticationMethod(WebKitAuthenticationScheme scheme) {
     case WEBKIT_AUTHENTICATION_SCHEME_SERVER_TRUST_EVALUATION_REQUESTED: return "serverTrustEvaluationRequested";
     default: return "unknown";
   }
+}
+
+// The directory holding the header guard module, or nothing when there is
+// none: WEBSDK_WEB_EXTENSIONS_DIR, else the installed module, else the one in
+// the build tree.
+const std::optional<std::string>& guardDirectory() {
+  static const std::optional<std::string> directory = []() -> std::optional<std::string> {
+    const auto holdsModule = [](const char* dir) {
+      GText path(g_build_filename(dir, guard::kModule, nullptr));
+      return g_file_test(path.get(), G_FILE_TEST_IS_REGULAR) != FALSE;
+    };
+    const char* chosen = g_getenv("WEBSDK_WEB_EXTENSIONS_DIR");
+    if (chosen == nullptr || *chosen == '\0')
+      for (const char* dir : {WEBSDK_WEB_EXTENSIONS_INSTALL_DIR, WEBSDK_WEB_EXTENSIONS_BUILD_DIR})
+        if (holdsModule(dir)) {
+          chosen = dir;
+          break;
+        }
+    if (chosen != nullptr && holdsModule(chosen)) return std::string(chosen);
+    g_warning("websdk: the header guard module (%s) is missing; the app's headers are not sent", guard::kModule);
+    return std::nullopt;
+  }();
+  return directory;
 }
 
 }  // namespace
@@ -500,6 +524,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : state_(std::make_shared<State>()) {
   State& s = *state_;
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
+  // Before the view exists, so that its first web process loads the guard.
+  if (const auto& directory = guardDirectory()) compat::setExtensionsDirectory(context, directory->c_str());
   s.contentManager = webkit_user_content_manager_new();
   s.cancellable = g_cancellable_new();
   s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context,
@@ -519,9 +545,16 @@ void WebKitGTKEngine::load(const URLRequest& request) {
   WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
   // Header fields are set one by one in the order given; a later field of the
   // same name replaces the earlier one. WebKit has no per-request cache
-  // policy: every load uses the protocol's own.
-  if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
-    for (const auto& [name, value] : request.headers) soup_message_headers_replace(headers, name.c_str(), value.c_str());
+  // policy: every load uses the protocol's own. Confined fields go only with
+  // their guard; without the guard module they do not go at all.
+  const bool guarded = !request.confinedHeaders.empty() && guardDirectory();
+  const HeaderFields fields = request.confinedHeaders.empty() || guarded ? request.headers : request.headersFor("");
+  if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest)) {
+    for (const auto& [name, value] : fields) soup_message_headers_replace(headers, name.c_str(), value.c_str());
+    if (guarded)
+      soup_message_headers_replace(headers, guard::kField,
+                                   guard::encode({request.confinedHeaders, request.trust}).c_str());
+  }
   s.disarmTimeout();
   s.pendingTimeout = request.timeoutInterval;
   webkit_web_view_load_request(s.view, uriRequest);

@@ -4,6 +4,7 @@
 // (WebKitGTK in the real app, an in-memory recorder in tests).
 
 #include "websdk/json/JSON.hpp"
+#include "websdk/webview/WebSDKConfig.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -18,13 +19,28 @@ namespace websdk {
 
 enum class URLRequestCachePolicy { useProtocolCachePolicy, reloadIgnoringLocalCacheData, returnCacheDataElseLoad };
 
+using HeaderFields = std::vector<std::pair<std::string, std::string>>;
+
+/// Whether two header field names are the same field (ASCII case-insensitive).
+bool sameFieldName(std::string_view a, std::string_view b);
+
 /// A page load: the URL, its header fields in the order they are set, the
 /// timeout in seconds and the cache policy.
+///
+/// `confinedHeaders` names the fields (the app's own) that may reach only a
+/// host `trust` trusts. A server can redirect the load anywhere: an engine
+/// removes these fields from every request of the load, the first and each
+/// redirect, whose host is not trusted.
 struct URLRequest {
   std::string url;
-  std::vector<std::pair<std::string, std::string>> headers;
+  HeaderFields headers;
   double timeoutInterval = 60;
   URLRequestCachePolicy cachePolicy = URLRequestCachePolicy::useProtocolCachePolicy;
+  std::vector<std::string> confinedHeaders;
+  WebSDKConfig trust;
+
+  /// The header fields a request of this load to `target` may carry.
+  HeaderFields headersFor(std::string_view target) const;
   bool operator==(const URLRequest&) const = default;
 };
 

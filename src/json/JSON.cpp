@@ -5,16 +5,76 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <optional>
+#include <string>
 
 namespace websdk {
 
-JSON parseJSON(std::string_view text) {
+namespace {
+
+int hexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  c = static_cast<char>(c | 0x20);
+  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+}
+
+// The code unit of the six-character escape starting at text[i], or -1.
+int escapedUnit(std::string_view text, std::size_t i) {
+  if (i + 6 > text.size() || text[i] != '\\' || text[i + 1] != 'u') return -1;
+  int unit = 0;
+  for (std::size_t k = i + 2; k < i + 6; ++k) {
+    const int h = hexValue(text[k]);
+    if (h < 0) return -1;
+    unit = unit << 4 | h;
+  }
+  return unit;
+}
+
+// JavaScript strings may hold lone surrogates, and JSON.stringify writes them
+// as escapes that the parser refuses. They become U+FFFD, as a page's own
+// UTF-8 encoding makes them. Nothing when there is none.
+std::optional<std::string> replaceLoneSurrogates(std::string_view text) {
+  std::string out;
+  std::size_t copied = 0;
+  for (std::size_t i = text.find('\\'); i != std::string_view::npos && i + 1 < text.size();
+       i = text.find('\\', i)) {
+    const int unit = escapedUnit(text, i);
+    if (unit < 0xD800 || unit > 0xDFFF) {
+      i += 2;  // any other escape, "\\" included
+      continue;
+    }
+    if (unit <= 0xDBFF) {
+      const int next = escapedUnit(text, i + 6);
+      if (next >= 0xDC00 && next <= 0xDFFF) {
+        i += 12;
+        continue;
+      }
+    }
+    out.append(text, copied, i - copied).append("\\ufffd");
+    copied = i += 6;
+  }
+  if (copied == 0) return std::nullopt;
+  return out.append(text, copied);
+}
+
+JSON parse(std::string_view text, boost::json::error_code& ec) {
   boost::json::parse_options options;
   options.max_depth = kMaxJSONDepth;
+  return boost::json::parse(text, ec, boost::json::storage_ptr(), options);
+}
+
+}  // namespace
+
+JSON parseJSON(std::string_view text) {
   boost::json::error_code ec;
-  JSON value = boost::json::parse(text, ec, boost::json::storage_ptr(), options);
-  if (ec) return nullptr;
-  return value;
+  JSON value = parse(text, ec);
+  if (!ec) return value;
+  // Only failed text pays for the second look.
+  if (const auto repaired = replaceLoneSurrogates(text)) {
+    value = parse(*repaired, ec);
+    if (!ec) return value;
+  }
+  return nullptr;
 }
 
 std::string formatDouble(double d) {

@@ -97,9 +97,29 @@ TEST(Readings, AbsentAndEmptyDictionariesDifferOnlyWhereAsked) {
 }
 
 TEST(Parse, TextThatIsNotJSONReadsAsNull) {
-  for (const char* text : {"", "{", "nope", R"({"a":1,})", R"("\ud800")", "[1] [2]"})
+  for (const char* text : {"", "{", "nope", R"({"a":1,})", R"("\ud800)", R"(\ud800)", "[1] [2]"})
     EXPECT_TRUE(parseJSON(text).is_null()) << text;
   EXPECT_TRUE(parseJSON(R"({"a":[1,{"b":null}]})").is_object());
+}
+
+TEST(Parse, LoneSurrogateEscapesReadAsReplacementCharacters) {
+  struct Row {
+    const char* text;
+    const char* expected;  // UTF-8
+  };
+  const Row rows[] = {
+      {R"("\ud800")", "\xEF\xBF\xBD"},
+      {R"("a\uDC00b")", "a\xEF\xBF\xBD" "b"},
+      {R"("\ud800\u0041")", "\xEF\xBF\xBD" "A"},
+      {R"("\udbff\ud800\udc00")", "\xEF\xBF\xBD\xF0\x90\x80\x80"},  // a lone high, then a pair
+      {R"("\\ud800\ud800")", "\\ud800\xEF\xBF\xBD"},                 // an escaped backslash is no escape
+      {R"("\ud800)", nullptr},                                      // still not JSON
+  };
+  for (const auto& row : rows) {
+    const JSON value = parseJSON(row.text);
+    if (row.expected == nullptr) EXPECT_TRUE(value.is_null()) << row.text;
+    else EXPECT_EQ(value, JSON(row.expected)) << row.text;
+  }
 }
 
 TEST(Parse, NestingIsBoundedSoNoPageCanExhaustTheStack) {

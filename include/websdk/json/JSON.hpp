@@ -22,7 +22,8 @@ using JSONArray = boost::json::array;
 inline constexpr std::size_t kMaxJSONDepth = 512;
 
 /// Parses `text`. Text that is not JSON (or nests deeper than kMaxJSONDepth)
-/// gives null. Never throws.
+/// gives null. Never throws. Escapes of lone UTF-16 surrogates, which
+/// JavaScript writes but the JSON parser refuses, read as U+FFFD.
 JSON parseJSON(std::string_view text);
 
 /// Compact JSON text. Doubles are written as the shortest decimal that reads

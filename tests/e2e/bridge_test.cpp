@@ -89,6 +89,22 @@ TEST_F(BridgeTest, BodiesThatAreNotRequestsAreDroppedAndTheChannelGoesOn) {
   EXPECT_EQ(listener->requests.size(), 1u);
 }
 
+// The bridge judges a message by the page the view shows; a frame of another
+// host inside a trusted page is served as the page is (the README says so).
+TEST_F(BridgeTest, AFramesMessageIsJudgedByTheTopPage) {
+  view->setCartPlugin(cart);
+  std::vector<std::string> ids;
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    ids.push_back(request.requestId);
+  };
+  JSONObject body{{"message", std::string(kGetCart)}};
+  server.page("/frame", "<script>window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(JSON(body)) +
+                            ")</script>");
+  server.page("/framing", testPage("<iframe src='" + server.url("/frame", "localhost") + "'></iframe>"));
+  ASSERT_TRUE(loadAndWait(server.url("/framing")));
+  EXPECT_TRUE(waitFor([&] { return ids.size() == 1; }));
+}
+
 TEST_F(BridgeTest, AnAnswerSentFromAnotherThreadReachesThePage) {
   view->setCartPlugin(cart);
   std::thread provider;

@@ -198,6 +198,7 @@ void NavigationPrinter::decidePolicyFor(WebSDKWebView& webView, const WebSDKNavi
   // The page stays on trusted hosts; about:blank frames and the like pass.
   const bool trusted = !action.isMainFrame || webView.webSDKConfig.isWhitelistedURL(action.url);
   out_ << "navigation   " << (trusted ? "allow " : "refuse ") << action.url << std::endl;
+  if (!trusted) ++refused;
   decisionHandler(trusted ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
 }
 void NavigationPrinter::didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&,

@@ -102,6 +102,7 @@ class NavigationPrinter final : public WebSDKNavigationDelegate {
 
   int finished = 0;
   int failed = 0;
+  int refused = 0;
 
  private:
   std::ostream& out_;

@@ -32,7 +32,7 @@ using namespace std::chrono_literals;
 class PageServer {
  public:
   PageServer() : server_(soup_server_new(nullptr, nullptr)) {
-    soup_server_add_handler(server_, nullptr, &PageServer::handle, nullptr, nullptr);
+    soup_server_add_handler(server_, nullptr, &PageServer::handle, this, nullptr);
     GError* error = nullptr;
     if (!soup_server_listen_local(server_, 0, SOUP_SERVER_LISTEN_IPV4_ONLY, &error)) {
       std::cerr << "websdk-demo: cannot listen on 127.0.0.1: " << error->message << std::endl;
@@ -54,7 +54,15 @@ class PageServer {
   std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/checkout"; }
 
  private:
-  static void handle(SoupServer*, SoupServerMessage* message, const char* path, GHashTable*, gpointer) {
+  static void handle(SoupServer*, SoupServerMessage* message, const char* path, GHashTable*, gpointer self) {
+    // The partner link leaves the trusted hosts by a redirect: "localhost"
+    // reaches this server too, but is not whitelisted.
+    if (std::string_view(path) == "/partner") {
+      const std::string offers = "http://localhost:" + std::to_string(static_cast<PageServer*>(self)->port_) + "/offers";
+      std::cout << "server       GET /partner -> 302 " << offers << std::endl;
+      soup_server_message_set_redirect(message, 302, offers.c_str());
+      return;
+    }
     if (std::string_view(path) != "/checkout") {
       soup_server_message_set_status(message, 404, nullptr);
       return;
@@ -140,6 +148,7 @@ struct Step {
   std::string name;
   std::function<void()> act;
   std::vector<std::string> answersFor;  // actions whose request must be answered
+  std::function<bool()> done = [] { return true; };  // and what else must have happened
 };
 
 /// Runs the steps in order; a step passes when a new request of each of its
@@ -159,7 +168,7 @@ bool runCheckout(WebSDKWebView& view, const TrafficPrinter& traffic, const std::
             const auto ids = traffic.requestsFor(action);
             if (ids.size() <= before[action] || !traffic.answered(ids[before[action]])) return false;
           }
-          return true;
+          return step.done();
         },
         10s);
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
@@ -233,6 +242,10 @@ int run(int argc, char** argv) {
         {"the app picks another address",
          [&] { view->executeJSFunction(WebSDKJSFunctionType::updateLocationHeader()); },
          {"GET_CURRENT_ADDRESS"}},
+        // The navigation delegate keeps the view on trusted hosts: the page
+        // stays, and the payment below still runs on it.
+        {"a partner link redirects off the trusted hosts", click("partner"), {},
+         [&] { return navigation->refused > 0; }},
         {"pay with the simulated provider", click("pay"), {"PAY_USING_AMAZON_PAY", "ORDER_CONFIRMED_EVENT"}},
     };
     const bool answered = runCheckout(*view, *traffic, steps);

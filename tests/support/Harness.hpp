@@ -7,7 +7,9 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace websdk::test {
@@ -31,26 +33,43 @@ struct RecordingCart final : DvCartWebViewCallBacks {
   }
 };
 
+/// The plugins a view takes when it is built.
+struct FirstPlugins {
+  std::shared_ptr<DvWebViewGenericCallsBacks> generic = nullptr;
+  std::shared_ptr<DvWebViewPaymentsCallsBacks> payments = nullptr;
+  std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks> setRecipientInfo = nullptr;
+};
+
 struct Harness {
   std::shared_ptr<RecordingListener> listener = std::make_shared<RecordingListener>();
   testing::TestingEngine* engine = nullptr;
   std::shared_ptr<WebSDKWebView> view;
 
   explicit Harness(std::vector<std::string> whitelist = {"localhost"}, bool whitelistAll = false,
-                   std::optional<std::string> url = "https://localhost/checkout") {
+                   std::optional<std::string> url = "https://localhost/checkout", const FirstPlugins& plugins = {}) {
     auto owned = std::make_unique<testing::TestingEngine>();
     engine = owned.get();
     engine->setURL(std::move(url));
-    view = WebSDKWebView::create(std::move(owned), std::move(whitelist), nullptr, nullptr, nullptr, listener, nullptr,
-                                 whitelistAll);
+    view = WebSDKWebView::create(std::move(owned), std::move(whitelist), plugins.generic, plugins.payments, nullptr,
+                                 listener, plugins.setRecipientInfo, whitelistAll);
   }
 
-  /// Posts a request as the page would and runs the main queue.
-  void post(std::string_view requestText) {
+  /// Posts a request as the page would, runs the main queue, and returns
+  /// every envelope the page has received so far.
+  std::vector<JSON> post(std::string_view requestText) {
     engine->postRequest(requestText);
     engine->queue().drain();
+    return engine->nativeResponses();
   }
   std::vector<JSON> pageResponses() const { return engine->nativeResponses(); }
 };
+
+/// {"type": action, "requestId": "r1", "payload": payload}; no "payload" key
+/// when `payload` is nothing.
+inline std::string requestText(std::string_view action, std::optional<std::string_view> payload) {
+  std::string text = R"({"type":")" + std::string(action) + R"(","requestId":"r1")";
+  if (payload) text += R"(,"payload":)" + std::string(*payload);
+  return text + "}";
+}
 
 }  // namespace websdk::test

@@ -3,8 +3,7 @@
 // recipient info, menu list and chat conversation families at once, recording
 // what reaches each operation, and a web view on a trusted page that routes to it.
 
-#include "websdk/testing/TestingEngine.hpp"
-#include "websdk/webview/WebSDKWebView.hpp"
+#include "support/Harness.hpp"
 
 #include <gtest/gtest.h>
 
@@ -64,41 +63,20 @@ struct CommerceHost final : DvAccountsWebViewCallBacks,
 
 struct CommerceBridge {
   std::shared_ptr<CommerceHost> host = std::make_shared<CommerceHost>();
-  testing::TestingEngine* engine = nullptr;
-  std::shared_ptr<WebSDKWebView> view;
+  Harness harness;
 
   /// With `subscribed`, `host` is registered for all six families.
-  explicit CommerceBridge(bool subscribed = true) {
-    auto owned = std::make_unique<testing::TestingEngine>();
-    engine = owned.get();
-    engine->setURL("https://localhost/");
-    view = WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, nullptr, nullptr, nullptr,
-                                 subscribed ? host : nullptr);
-    if (subscribed) {
-      view->setAccountsPlugin(host);
-      view->setZippaPlugin(host);
-      view->setRestaurantEmpathyPlugin(host);
-      view->setMenuListPlugin(host);
-      view->setChatConversationPlugin(host);
-    }
+  explicit CommerceBridge(bool subscribed = true)
+      : harness({"localhost"}, false, "https://localhost/", {.setRecipientInfo = subscribed ? host : nullptr}) {
+    if (!subscribed) return;
+    harness.view->setAccountsPlugin(host);
+    harness.view->setZippaPlugin(host);
+    harness.view->setRestaurantEmpathyPlugin(host);
+    harness.view->setMenuListPlugin(host);
+    harness.view->setChatConversationPlugin(host);
   }
-
-  /// Posts a request as the page would, runs the main queue, and returns the
-  /// envelopes the page received.
-  std::vector<JSON> post(std::string_view requestText) {
-    engine->postRequest(requestText);
-    engine->queue().drain();
-    return engine->nativeResponses();
-  }
+  std::vector<JSON> post(std::string_view text) { return harness.post(text); }
 };
-
-/// {"type": action, "requestId": "r1", "payload": payload}; no "payload" key
-/// when `payload` is nothing.
-inline std::string requestText(std::string_view action, std::optional<std::string_view> payload) {
-  std::string text = R"({"type":")" + std::string(action) + R"(","requestId":"r1")";
-  if (payload) text += R"(,"payload":)" + std::string(*payload);
-  return text + "}";
-}
 
 /// One request of a family and the payload its plugin should receive, or
 /// nothing when the family must decline it.

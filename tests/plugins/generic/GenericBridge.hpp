@@ -4,8 +4,7 @@
 // and the typed payload the plugin should receive, or nothing when the
 // family must decline it.
 
-#include "websdk/testing/TestingEngine.hpp"
-#include "websdk/webview/WebSDKWebView.hpp"
+#include "support/Harness.hpp"
 
 #include <gtest/gtest.h>
 
@@ -27,32 +26,12 @@ struct RecordingGenericPlugin final : DvWebViewGenericCallsBacks {
 
 struct GenericBridge {
   std::shared_ptr<RecordingGenericPlugin> plugin = std::make_shared<RecordingGenericPlugin>();
-  testing::TestingEngine* engine = nullptr;
-  std::shared_ptr<WebSDKWebView> view;
+  Harness harness;
 
-  explicit GenericBridge(bool subscribed = true) {
-    auto owned = std::make_unique<testing::TestingEngine>();
-    engine = owned.get();
-    engine->setURL("https://localhost/");
-    view = WebSDKWebView::create(std::move(owned), {"localhost"}, subscribed ? plugin : nullptr);
-  }
-
-  /// Posts a request as the page would, runs the main queue, and returns the
-  /// envelopes the page received.
-  std::vector<JSON> post(std::string_view requestText) {
-    engine->postRequest(requestText);
-    engine->queue().drain();
-    return engine->nativeResponses();
-  }
+  explicit GenericBridge(bool subscribed = true)
+      : harness({"localhost"}, false, "https://localhost/", {.generic = subscribed ? plugin : nullptr}) {}
+  std::vector<JSON> post(std::string_view text) { return harness.post(text); }
 };
-
-/// {"type": action, "requestId": "r1", "payload": payload}; no "payload" key
-/// when `payload` is nothing.
-inline std::string genericRequest(std::string_view action, std::optional<std::string_view> payload) {
-  std::string text = R"({"type":")" + std::string(action) + R"(","requestId":"r1")";
-  if (payload) text += R"(,"payload":)" + std::string(*payload);
-  return text + "}";
-}
 
 struct GenericRow {
   std::string_view action;
@@ -65,7 +44,7 @@ struct GenericRow {
 /// reaches no plugin and is answered "not a valid request".
 inline void expectGenericDecodes(const std::vector<GenericRow>& rows) {
   for (const auto& row : rows) {
-    const std::string text = genericRequest(row.action, row.payload);
+    const std::string text = requestText(row.action, row.payload);
     SCOPED_TRACE(text);
     GenericBridge bridge;
     const auto responses = bridge.post(text);

@@ -208,11 +208,11 @@ TEST(GenericCatalogue, OptionalAndNestedInlineModels) {
 
 TEST(GenericCatalogue, AnswersWithoutAGenericPlugin) {
   test::GenericBridge bridge(/*subscribed=*/false);
-  auto responses = bridge.post(test::genericRequest("GET_USER_INFO", std::nullopt));
+  auto responses = bridge.post(test::requestText("GET_USER_INFO", std::nullopt));
   ASSERT_EQ(responses.size(), 1u);
   EXPECT_EQ(responses[0].at("statusMessage"), "generic plugin not subscribed or not a valid request");
   // A failed decoding never gets as far as the family's own message.
-  responses = bridge.post(test::genericRequest("GET_DEVICE_DETAILS", std::nullopt));
+  responses = bridge.post(test::requestText("GET_DEVICE_DETAILS", std::nullopt));
   ASSERT_EQ(responses.size(), 2u);
   EXPECT_EQ(responses[1].at("statusMessage"), "not a valid request");
 }

@@ -93,7 +93,7 @@ class Floor {
     // The envelope is made once; only the request id is spliced in per answer.
     const std::string marker = "\x01";
     const std::string script =
-        nativeResponseScript(WebSDKResponseModel{"SUCCESS", 0, std::nullopt, marker, payload});
+        nativeResponseScript(WebSDKResponseModel{"SUCCESS", 0, std::nullopt, marker, payload}).value();
     const auto at = script.find("\\u0001");
     prefix_ = script.substr(0, at);
     suffix_ = script.substr(at + 6);

@@ -56,16 +56,18 @@ void expectMember(const JSONObject& o, std::string_view key, const std::optional
   if (v == nullptr || !v->is_string() || v->get_string() != *value) fail("string field changed", text);
 }
 
-// The writer alone: a UTF-8 model round-trips; any other is refused by a
-// strict parser, so the send path must never let one through.
+// The writer alone: a UTF-8 model round-trips; any other gives nothing.
 void checkWriter(const WebSDKResponseModel& m) {
-  const std::string text = encodeEnvelope(m);
-  if (nativeResponseScript(m) != "nativeResponse(" + text + ")") fail("script differs from envelope", text);
-  const JSON back = parseJSON(text);
-  if (!isUTF8(m)) {
-    if (!back.is_null()) fail("envelope with bytes that are not UTF-8 parsed", text);
+  const auto envelope = encodeEnvelope(m);
+  const auto script = nativeResponseScript(m);
+  if (envelope.has_value() != isUTF8(m)) fail("envelope refused or written against the UTF-8 check", "");
+  if (!envelope) {
+    if (script) fail("script written for a refused envelope", *script);
     return;
   }
+  const std::string& text = *envelope;
+  if (script != "nativeResponse(" + text + ")") fail("script differs from envelope", text);
+  const JSON back = parseJSON(text);
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto c = static_cast<unsigned char>(text[i]);
     if (c < 0x20) fail("raw control character", text);

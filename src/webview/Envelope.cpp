@@ -1,6 +1,7 @@
 // The envelope is on every answer's path and its payload can be megabytes, so
 // it is written by hand: a first pass counts exactly how long the escaped text
-// will be, a second writes it into storage sized once. Both passes test sixteen
+// will be and checks that it is UTF-8, a second writes it into storage sized
+// once. Both passes test sixteen
 // bytes at a time; plain runs are copied a block at a time.
 
 #include "websdk/webview/WebSDKResponseModel.hpp"
@@ -8,7 +9,9 @@
 #include <array>
 #include <bit>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -76,6 +79,35 @@ inline char* writeEscaped(char* out, std::string_view s, std::size_t& i) {
   return out + 2;
 }
 
+constexpr std::size_t kNotUTF8 = static_cast<std::size_t>(-1);
+
+// Checks the UTF-8 sequences from s[i] (a byte of 0x80 or more) up to the
+// next ASCII byte; the index of that byte (or the end), or kNotUTF8.
+std::size_t checkSequences(std::string_view s, std::size_t i) {
+  const std::size_t n = s.size();
+  while (i < n) {
+    const auto c = static_cast<unsigned char>(s[i]);
+    if (c < 0x80) return i;
+    std::size_t len;
+    std::uint32_t cp;
+    if ((c & 0xE0) == 0xC0) len = 2, cp = c & 0x1F;
+    else if ((c & 0xF0) == 0xE0) len = 3, cp = c & 0x0F;
+    else if ((c & 0xF8) == 0xF0) len = 4, cp = c & 0x07;
+    else return kNotUTF8;
+    if (i + len > n) return kNotUTF8;
+    for (std::size_t k = 1; k < len; ++k) {
+      const auto cc = static_cast<unsigned char>(s[i + k]);
+      if ((cc & 0xC0) != 0x80) return kNotUTF8;
+      cp = (cp << 6) | (cc & 0x3F);
+    }
+    if ((len == 2 && cp < 0x80) || (len == 3 && cp < 0x800) || (len == 4 && cp < 0x10000) || cp > 0x10FFFF ||
+        (cp >= 0xD800 && cp <= 0xDFFF))
+      return kNotUTF8;
+    i += len;
+  }
+  return n;
+}
+
 inline bool isSpecial(unsigned char c) { return c < 0x20 || c == '"' || c == '\\' || c == 0xE2; }
 
 // Bits of a 16-bit mask, without relying on a popcount instruction.
@@ -110,12 +142,23 @@ inline unsigned rareMask(__m128i v) {
 }
 #endif
 
+// The length of `s` as a string literal, or kNotUTF8 when `s` is not UTF-8:
+// one pass both counts and checks. `checked` is where the bytes not yet
+// known to be UTF-8 begin.
 std::size_t quotedSize(std::string_view s) {
-  std::size_t size = 2 + s.size(), i = 0;
+  std::size_t size = 2 + s.size(), i = 0, checked = 0;
   const std::size_t n = s.size();
 #if defined(__SSE2__)
   while (i + kBlock <= n) {
     const __m128i v = loadBlock(s.data() + i);
+    if (unsigned high = maskOf(v); high != 0 && checked < i + kBlock) {
+      if (checked > i) high &= ~0u << (checked - i);
+      while (high != 0) {
+        checked = checkSequences(s, i + static_cast<std::size_t>(std::countr_zero(high)));
+        if (checked == kNotUTF8) return kNotUTF8;
+        high = checked - i < kBlock ? high & (~0u << (checked - i)) : 0;
+      }
+    }
     const unsigned special = specialMask(v);
     if (special == 0) {
       i += kBlock;
@@ -137,6 +180,12 @@ std::size_t quotedSize(std::string_view s) {
     i += consumed;
   }
 #endif
+  if (checked < i) checked = i;
+  while (checked < n) {
+    checked = checkSequences(s, checked);
+    if (checked == kNotUTF8) return kNotUTF8;
+    while (checked < n && static_cast<unsigned char>(s[checked]) < 0x80) ++checked;
+  }
   while (i < n) {
     if (!isSpecial(static_cast<unsigned char>(s[i]))) {
       ++i;
@@ -216,18 +265,24 @@ char* writeLiteral(char* out, std::string_view s) {
   return out + s.size();
 }
 
-std::string encode(const WebSDKResponseModel& r, std::string_view prefix, std::string_view suffix) {
+std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view prefix, std::string_view suffix) {
   char code[24];
   const auto codeEnd = std::to_chars(code, code + sizeof code, r.statusCode).ptr;
   const std::string_view codeText(code, static_cast<std::size_t>(codeEnd - code));
 
-  std::size_t size = prefix.size() + suffix.size();
-  size += sizeof(R"({"type":)") - 1 + quotedSize(r.type);
-  size += sizeof(R"(,"statusCode":)") - 1 + codeText.size();
-  if (r.statusMessage) size += sizeof(R"(,"statusMessage":)") - 1 + quotedSize(*r.statusMessage);
-  size += sizeof(R"(,"requestId":)") - 1 + quotedSize(r.requestId);
-  if (r.payload) size += sizeof(R"(,"payload":)") - 1 + quotedSize(*r.payload);
-  size += 1;
+  std::size_t size = prefix.size() + suffix.size() + codeText.size() + 1;
+  bool utf8 = true;
+  const auto quoted = [&](std::string_view key, std::string_view value) {
+    const std::size_t q = quotedSize(value);
+    utf8 = utf8 && q != kNotUTF8;
+    size += key.size() + q;
+  };
+  quoted(R"({"type":)", r.type);
+  size += sizeof(R"(,"statusCode":)") - 1;
+  if (r.statusMessage) quoted(R"(,"statusMessage":)", *r.statusMessage);
+  quoted(R"(,"requestId":)", r.requestId);
+  if (r.payload) quoted(R"(,"payload":)", *r.payload);
+  if (!utf8) return std::nullopt;
 
   std::string out;
   out.resize(size);
@@ -254,45 +309,25 @@ std::string encode(const WebSDKResponseModel& r, std::string_view prefix, std::s
 
 }  // namespace
 
-std::string encodeEnvelope(const WebSDKResponseModel& response) { return encode(response, {}, {}); }
+std::optional<std::string> encodeEnvelope(const WebSDKResponseModel& response) { return encode(response, {}, {}); }
 
-std::string nativeResponseScript(const WebSDKResponseModel& response) {
+std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& response) {
   return encode(response, "nativeResponse(", ")");
 }
 
 bool isValidUTF8(std::string_view s) {
   constexpr std::uint64_t kHighs = 0x8080808080808080ULL;
-  auto load = [](const char* p) {
-    std::uint64_t w;
-    std::memcpy(&w, p, 8);
-    return w;
-  };
   std::size_t i = 0;
   const std::size_t n = s.size();
   while (i < n) {
-    while (i + 8 <= n && (load(s.data() + i) & kHighs) == 0) i += 8;
+    for (std::uint64_t w; i + 8 <= n && (std::memcpy(&w, s.data() + i, 8), (w & kHighs) == 0);) i += 8;
     if (i >= n) break;
-    const auto c = static_cast<unsigned char>(s[i]);
-    if (c < 0x80) {
+    if (static_cast<unsigned char>(s[i]) < 0x80) {
       ++i;
       continue;
     }
-    std::size_t len;
-    std::uint32_t cp;
-    if ((c & 0xE0) == 0xC0) len = 2, cp = c & 0x1F;
-    else if ((c & 0xF0) == 0xE0) len = 3, cp = c & 0x0F;
-    else if ((c & 0xF8) == 0xF0) len = 4, cp = c & 0x07;
-    else return false;
-    if (i + len > n) return false;
-    for (std::size_t k = 1; k < len; ++k) {
-      const auto cc = static_cast<unsigned char>(s[i + k]);
-      if ((cc & 0xC0) != 0x80) return false;
-      cp = (cp << 6) | (cc & 0x3F);
-    }
-    if ((len == 2 && cp < 0x80) || (len == 3 && cp < 0x800) || (len == 4 && cp < 0x10000) || cp > 0x10FFFF ||
-        (cp >= 0xD800 && cp <= 0xDFFF))
-      return false;
-    i += len;
+    i = checkSequences(s, i);
+    if (i == kNotUTF8) return false;
   }
   return true;
 }

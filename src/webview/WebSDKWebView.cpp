@@ -7,13 +7,6 @@ namespace websdk {
 namespace {
 constexpr std::string_view kHandlerName = "nativeRequest";
 
-// A page script is UTF-8 text. An envelope holding other bytes would reach the
-// page broken (or not parse there), so such an answer is not sent at all.
-bool isUTF8(const WebSDKResponseModel& r) {
-  return isValidUTF8(r.type) && (!r.statusMessage || isValidUTF8(*r.statusMessage)) && isValidUTF8(r.requestId) &&
-         (!r.payload || isValidUTF8(*r.payload));
-}
-
 // A rendering that is not UTF-8 (a string in the value held other bytes) is a
 // failed rendering: the answer goes out without its payload.
 std::optional<std::string> rendered(const JSON& value) {
@@ -137,11 +130,13 @@ void WebSDKWebView::scrollViewWillBeginZooming() {
 // ---- Answers -----------------------------------------------------------------
 
 void WebSDKWebView::deliver(const WebSDKResponseModel& response) {
-  if (!isUTF8(response)) return;
-  std::string script = nativeResponseScript(response);
+  // A page script is UTF-8 text. An envelope holding other bytes would reach
+  // the page broken (or not parse there), so such an answer is not sent at all.
+  auto script = nativeResponseScript(response);
+  if (!script) return;
   // The queued task holds the view weakly: an answer queued for a view that
   // is gone by then does nothing.
-  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(script)]() mutable {
+  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script)]() mutable {
     if (auto view = weak.lock()) view->engine_->evaluateJavaScript(std::move(script), nullptr);
   });
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
@@ -185,12 +180,16 @@ void WebSDKWebView::sendFailure(const std::string& requestId, std::optional<std:
 
 void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
                                        const std::optional<std::string>& encoder) {
-  std::optional<std::string> payload;
-  if (encoder && isValidUTF8(*encoder)) payload = *encoder;
   const auto code = rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
-  const WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, std::move(payload)};
-  if (!isValidUTF8(requestId)) return;  // the payload is checked above
-  engine_->evaluateJavaScript(nativeResponseScript(response), [](ScriptResult result) {
+  WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, encoder};
+  auto script = nativeResponseScript(response);
+  // A payload that is not UTF-8 is left out; a request id that is not drops the answer.
+  if (!script && response.payload) {
+    response.payload.reset();
+    script = nativeResponseScript(response);
+  }
+  if (!script) return;
+  engine_->evaluateJavaScript(std::move(*script), [](ScriptResult result) {
     if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
   });
 }

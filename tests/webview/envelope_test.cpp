@@ -18,7 +18,7 @@ TEST(Envelope, WritesTheFieldsAndLeavesAbsentOptionalsOut) {
 
 TEST(Envelope, EscapesWhatJSONAndJavaScriptRequire) {
   const std::string payload = "{\n  \"a\" : \"x/y\\\\\"\t\x01\x1f \xE2\x80\xA8\xE2\x80\xA9 \xE2\x80\x94";
-  const std::string text = encodeEnvelope({"SUCCESS", 0, std::nullopt, "id", payload});
+  const std::string text = encodeEnvelope({"SUCCESS", 0, std::nullopt, "id", payload}).value();
   EXPECT_EQ(text.find('\n'), std::string::npos);
   EXPECT_EQ(text.find("\xE2\x80\xA8"), std::string::npos);
   EXPECT_EQ(text.find("\xE2\x80\xA9"), std::string::npos);
@@ -26,24 +26,38 @@ TEST(Envelope, EscapesWhatJSONAndJavaScriptRequire) {
   EXPECT_EQ(parseJSON(text).at("payload").as_string(), payload);
 }
 
-// Random payloads of every byte pattern around the special characters and the
-// eight-byte blocks: the envelope always parses back to the same fields.
-TEST(Envelope, AnyPayloadParsesBackToTheSameFields) {
+// Random fields of every byte pattern around the special characters, the
+// sixteen-byte blocks and bytes that are not UTF-8: the envelope parses back to
+// the same fields, or is nothing exactly when a field is not UTF-8.
+TEST(Envelope, AnyFieldsParseBackOrAreRefusedWhenNotUTF8) {
   std::mt19937 rng(42);
   const std::string alphabet[] = {"a", "\"", "\\", "\n", "\x01", "\x7f", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x82\xAC",
-                                  "/", "\xC3\xA9", " "};
-  for (int round = 0; round < 2000; ++round) {
-    std::string payload, id;
-    const int n = static_cast<int>(rng() % 40);
-    for (int i = 0; i < n; ++i) payload += alphabet[rng() % std::size(alphabet)];
-    for (int i = 0; i < 3; ++i) id += alphabet[rng() % std::size(alphabet)];
+                                  "/", "\xC3\xA9", " ", "\xF0\x9F\x98\x80", "abcdefghijklmno"};
+  const std::string broken[] = {"\xFF", "\x80", "\xC3", "\xE2\x80", "\xED\xA0\x80", "\xC0\xAF", "\xF4\x90\x80\x80"};
+  std::size_t refused = 0;
+  for (int round = 0; round < 5000; ++round) {
+    const auto field = [&](int most) {
+      std::string text;
+      const int n = static_cast<int>(rng() % most);
+      for (int i = 0; i < n; ++i)
+        text += rng() % 97 == 0 ? broken[rng() % std::size(broken)] : alphabet[rng() % std::size(alphabet)];
+      return text;
+    };
+    const std::string payload = field(60), id = field(4);
     const WebSDKResponseModel model{"SUCCESS", 0, id, id, payload};
-    const JSON back = parseJSON(encodeEnvelope(model));
+    const auto text = encodeEnvelope(model);
+    ASSERT_EQ(text.has_value(), isValidUTF8(payload) && isValidUTF8(id)) << payload;
+    if (!text) {
+      ++refused;
+      continue;
+    }
+    const JSON back = parseJSON(*text);
     ASSERT_TRUE(back.is_object()) << payload;
     EXPECT_EQ(back.at("payload").as_string(), payload);
     EXPECT_EQ(back.at("requestId").as_string(), id);
     EXPECT_EQ(back.at("statusMessage").as_string(), id);
   }
+  EXPECT_GT(refused, 500u) << "the broken bytes must be drawn often enough to test anything";
 }
 
 TEST(StatusCodes, OnlyTheKnownCodesBuildAStatusCode) {

@@ -47,11 +47,13 @@ struct WebSDKResponseModel {
 
 /// The envelope as compact JSON text: the fields in declaration order, absent
 /// optionals left out, strings escaped so that the text is also a valid
-/// JavaScript object literal (U+2028 and U+2029 included).
-std::string encodeEnvelope(const WebSDKResponseModel& response);
+/// JavaScript object literal (U+2028 and U+2029 included). Nothing when a
+/// field is not UTF-8: no page could read it.
+std::optional<std::string> encodeEnvelope(const WebSDKResponseModel& response);
 
-/// "nativeResponse(" + envelope + ")", built in one allocation.
-std::string nativeResponseScript(const WebSDKResponseModel& response);
+/// "nativeResponse(" + envelope + ")", built in one allocation; nothing when
+/// the envelope is nothing.
+std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& response);
 
 /// Whether `bytes` is well-formed UTF-8.
 bool isValidUTF8(std::string_view bytes);

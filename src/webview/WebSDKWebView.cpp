@@ -93,18 +93,20 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
   std::vector<std::string> confined;
   // The app's headers go only to trusted hosts, on the first request and on
   // every redirect; an external header of the same name is the page's own.
+  const auto overridden = [&](const std::string& name) {
+    return externalHeaders && std::ranges::any_of(*externalHeaders, [&](const auto& external) {
+             return sameFieldName(external.first, name);
+           });
+  };
   if (webSDKConfig.isWhitelistedURL(with)) {
     headers = requestHeaders;
-    for (const auto& [name, value] : requestHeaders)
-      if (!externalHeaders || std::ranges::none_of(*externalHeaders, [&](const auto& external) {
-            return sameFieldName(external.first, name);
-          }))
-        confined.push_back(name);
+    for (const auto& field : requestHeaders)
+      if (!overridden(field.first)) confined.push_back(field.first);
   }
   if (externalHeaders)
-    for (const auto& [name, value] : *externalHeaders) {
-      std::erase_if(headers, [&](const auto& field) { return sameFieldName(field.first, name); });
-      headers.insert_or_assign(name, value);
+    for (const auto& external : *externalHeaders) {
+      std::erase_if(headers, [&](const auto& field) { return sameFieldName(field.first, external.first); });
+      headers.insert_or_assign(external.first, external.second);
     }
   URLRequest request{with, {headers.begin(), headers.end()}, timeoutInterval,
                      URLRequestCachePolicy::useProtocolCachePolicy, std::move(confined), webSDKConfig};

@@ -7,6 +7,10 @@
 #include "Compat.hpp"
 #include "HeaderGuard.hpp"
 
+#include <glib/gstdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cmath>
 #include <limits>
 #include <map>
@@ -108,10 +112,16 @@ std::string authenticationMethod(WebKitAuthenticationScheme scheme) {
 
 // The directory holding the header guard module, or nothing when there is
 // none: WEBSDK_WEB_EXTENSIONS_DIR, else the installed module, else the one in
-// the build tree.
+// the build tree. WebKit loads every module in the directory into its web
+// processes, so one that anyone may write to, or that another user owns, is
+// not used.
 const std::optional<std::string>& guardDirectory() {
   static const std::optional<std::string> directory = []() -> std::optional<std::string> {
     const auto holdsModule = [](const char* dir) {
+      GStatBuf info;
+      if (g_stat(dir, &info) != 0 || !S_ISDIR(info.st_mode) || (info.st_mode & S_IWOTH) != 0 ||
+          (info.st_uid != 0 && info.st_uid != getuid()))
+        return false;
       GText path(g_build_filename(dir, guard::kModule, nullptr));
       return g_file_test(path.get(), G_FILE_TEST_IS_REGULAR) != FALSE;
     };
@@ -123,7 +133,7 @@ const std::optional<std::string>& guardDirectory() {
           break;
         }
     if (chosen != nullptr && holdsModule(chosen)) return std::string(chosen);
-    g_warning("websdk: the header guard module (%s) is missing; the app's headers are not sent", guard::kModule);
+    g_warning("websdk: no usable header guard module (%s); the app's headers are not sent", guard::kModule);
     return std::nullopt;
   }();
   return directory;

@@ -136,11 +136,25 @@ void WebSDKWebView::deliver(const WebSDKResponseModel& response) {
   // the page broken (or not parse there), so such an answer is not sent at all.
   auto script = nativeResponseScript(response);
   if (!script) return;
-  // The queued task holds the view weakly: an answer queued for a view that
-  // is gone by then does nothing.
-  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script)]() mutable {
-    if (auto view = weak.lock()) view->engine_->evaluateJavaScript(std::move(script), nullptr);
-  });
+  bool first = false;
+  {
+    std::lock_guard lock(outboxMutex_);
+    first = outbox_.empty();
+    outbox_.push_back(std::move(*script));
+  }
+  // The queued task holds the view weakly: answers queued for a view that is
+  // gone by then do nothing.
+  if (first)
+    engine_->mainQueue().post([weak = weak_from_this()] {
+      const auto view = weak.lock();
+      if (!view) return;
+      std::vector<std::string> due;
+      {
+        std::lock_guard lock(view->outboxMutex_);
+        due.swap(view->outbox_);
+      }
+      for (auto& answer : due) view->engine_->evaluateJavaScript(std::move(answer), nullptr);
+    });
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
 }
 

@@ -137,7 +137,8 @@ TEST(Lifetimes, AViewReleasedWhileOtherThreadsAnswerThroughItLeavesTheirQueuedAn
   EXPECT_TRUE(weak.expired());
   EXPECT_GE(sent, 2000);
   EXPECT_EQ(notices, sent) << "every answer sent before the view went was told";
-  EXPECT_EQ(queue->drain(), static_cast<std::size_t>(sent.load())) << "each queued answer runs once and does nothing";
+  // The burst made one trip through the queue; it runs once and does nothing.
+  EXPECT_EQ(queue->drain(), 1u);
 }
 
 }  // namespace

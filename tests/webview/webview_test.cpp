@@ -213,9 +213,9 @@ TEST(Lifetimes, AnswersQueuedForADestroyedViewDoNothing) {
   auto engine = std::make_unique<testing::TestingEngine>(queue);
   auto view = WebSDKWebView::create(std::move(engine), {"localhost"});
   for (int i = 0; i < 5000; ++i) view->sendSuccess(std::to_string(i));
-  EXPECT_EQ(queue->pending(), 5000u);
+  EXPECT_EQ(queue->pending(), 1u) << "a burst of answers is one trip through the queue";
   view.reset();
-  EXPECT_EQ(queue->drain(), 5000u);
+  EXPECT_EQ(queue->drain(), 1u);
 }
 
 struct Navigation final : WebSDKNavigationDelegate {

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -204,6 +205,11 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   bool suppressesIncrementalRendering_ = true;
   const std::shared_ptr<WebSDKScriptHandler> handler_;
   const std::unique_ptr<WebEngine> engine_;
+  // Answers waiting for the main queue, in the order they were sent. One task
+  // is queued whenever the outbox fills from empty and evaluates all of them,
+  // so a burst of answers costs one trip through the queue.
+  std::mutex outboxMutex_;
+  std::vector<std::string> outbox_;
 };
 
 }  // namespace websdk

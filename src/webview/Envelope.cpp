@@ -1,8 +1,8 @@
 // The envelope is on every answer's path and its payload can be megabytes, so
 // it is written by hand: a first pass counts exactly how long the escaped text
 // will be and checks that it is UTF-8, a second writes it into storage sized
-// once. Both passes test sixteen
-// bytes at a time; plain runs are copied a block at a time.
+// once. Both passes test sixteen bytes at a time; plain runs are copied a
+// block at a time.
 
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
@@ -317,10 +317,15 @@ std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& respo
 
 bool isValidUTF8(std::string_view s) {
   constexpr std::uint64_t kHighs = 0x8080808080808080ULL;
+  auto load = [](const char* p) {
+    std::uint64_t w;
+    std::memcpy(&w, p, 8);
+    return w;
+  };
   std::size_t i = 0;
   const std::size_t n = s.size();
   while (i < n) {
-    for (std::uint64_t w; i + 8 <= n && (std::memcpy(&w, s.data() + i, 8), (w & kHighs) == 0);) i += 8;
+    while (i + 8 <= n && (load(s.data() + i) & kHighs) == 0) i += 8;
     if (i >= n) break;
     if (static_cast<unsigned char>(s[i]) < 0x80) {
       ++i;

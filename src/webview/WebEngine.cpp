@@ -3,6 +3,7 @@
 #include <algorithm>
 
 namespace websdk {
+
 bool sameFieldName(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) {
     return (x >= 'A' && x <= 'Z' ? x | 0x20 : x) == (y >= 'A' && y <= 'Z' ? y | 0x20 : y);

@@ -79,10 +79,33 @@ JSON parseJSON(std::string_view text) {
 
 std::string formatDouble(double d) {
   if (!std::isfinite(d)) return "null";
+  if (d == 0) return std::signbit(d) ? "-0.0" : "0.0";
+  // The scientific form gives the shortest round-trip digits and their
+  // exponent in one go ("-2.915e+02"); it is already the exponent layout.
   char buf[32];
-  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, d);
-  std::string out(buf, end);
-  if (out.find_first_of(".e") == std::string::npos) out += ".0";
+  const auto end = std::to_chars(buf, buf + sizeof buf, d, std::chars_format::scientific).ptr;
+  const std::string_view sci(buf, static_cast<std::size_t>(end - buf));
+  const double magnitude = std::fabs(d);
+  if (magnitude < 1e-4 || magnitude > 0x1p54) return std::string(sci);
+
+  const std::size_t e = sci.find('e');
+  int exponent = 0;
+  std::from_chars(sci.data() + e + (sci[e + 1] == '+' ? 2 : 1), sci.data() + sci.size(), exponent);
+  std::string digits;
+  for (const char c : sci.substr(0, e))
+    if (c >= '0' && c <= '9') digits += c;
+
+  std::string out = d < 0 ? "-" : "";
+  if (exponent < 0) {
+    out.append("0.").append(static_cast<std::size_t>(-exponent - 1), '0').append(digits);
+    return out;
+  }
+  const auto whole = static_cast<std::size_t>(exponent) + 1;
+  if (digits.size() <= whole) {
+    out.append(digits).append(whole - digits.size(), '0').append(".0");
+  } else {
+    out.append(digits, 0, whole).append(".").append(digits, whole);
+  }
   return out;
 }
 
@@ -98,7 +121,9 @@ void appendEscape(std::string& out, unsigned code) {
   out += kHex[code & 0xF];
 }
 
-void write(std::string& out, const JSON& v, int indent, int depth);
+// False when the value held a number JSON has no text for (NaN or an
+// infinity); "null" then stands in its place.
+bool write(std::string& out, const JSON& v, int indent, int depth);
 
 void newline(std::string& out, int indent, int depth) {
   if (indent < 0) return;
@@ -106,7 +131,8 @@ void newline(std::string& out, int indent, int depth) {
   out.append(static_cast<std::size_t>(indent * depth), ' ');
 }
 
-void write(std::string& out, const JSON& v, int indent, int depth) {
+bool write(std::string& out, const JSON& v, int indent, int depth) {
+  bool representable = true;
   switch (v.kind()) {
     case boost::json::kind::null: out += "null"; break;
     case boost::json::kind::bool_: out += v.get_bool() ? "true" : "false"; break;
@@ -122,7 +148,10 @@ void write(std::string& out, const JSON& v, int indent, int depth) {
       out.append(buf, r.ptr);
       break;
     }
-    case boost::json::kind::double_: out += formatDouble(v.get_double()); break;
+    case boost::json::kind::double_:
+      representable = std::isfinite(v.get_double());
+      out += formatDouble(v.get_double());
+      break;
     case boost::json::kind::string: appendQuoted(out, v.get_string()); break;
     case boost::json::kind::array: {
       const auto& a = v.get_array();
@@ -132,7 +161,7 @@ void write(std::string& out, const JSON& v, int indent, int depth) {
         if (!first) out += ',';
         first = false;
         newline(out, indent, depth + 1);
-        write(out, x, indent, depth + 1);
+        representable &= write(out, x, indent, depth + 1);
       }
       if (!a.empty()) newline(out, indent, depth);
       out += ']';
@@ -148,13 +177,14 @@ void write(std::string& out, const JSON& v, int indent, int depth) {
         newline(out, indent, depth + 1);
         appendQuoted(out, kv.key());
         out += indent < 0 ? ":" : " : ";
-        write(out, kv.value(), indent, depth + 1);
+        representable &= write(out, kv.value(), indent, depth + 1);
       }
       if (!o.empty()) newline(out, indent, depth);
       out += '}';
       break;
     }
   }
+  return representable;
 }
 
 }  // namespace
@@ -201,6 +231,12 @@ std::string serialize(const JSON& value) {
 std::string serializePretty(const JSON& value) {
   std::string out;
   write(out, value, 2, 0);
+  return out;
+}
+
+std::optional<std::string> serializePrettyIfRepresentable(const JSON& value) {
+  std::string out;
+  if (!write(out, value, 2, 0)) return std::nullopt;
   return out;
 }
 

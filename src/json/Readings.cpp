@@ -11,17 +11,15 @@ namespace websdk {
 namespace {
 
 // Whole doubles read as integers print without a fraction, as pages expect
-// ("5", not "5.0"); other doubles print as their shortest round-trip text.
+// ("5", not "5.0"); other doubles print as the JSON writer prints them.
 std::string numberText(double d) {
-  if (std::isfinite(d) && d == std::trunc(d) && std::fabs(d) < 1e15) {
+  if (!std::isfinite(d)) return "";
+  if (d == std::trunc(d) && std::fabs(d) < 1e15) {
     char buf[24];
     auto r = std::to_chars(buf, buf + sizeof buf, static_cast<std::int64_t>(d));
     return std::string(buf, r.ptr);
   }
-  if (!std::isfinite(d)) return "";
-  char buf[32];
-  auto r = std::to_chars(buf, buf + sizeof buf, d);
-  return std::string(buf, r.ptr);
+  return formatDouble(d);
 }
 
 template <class I>

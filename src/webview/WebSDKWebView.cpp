@@ -7,11 +7,12 @@ namespace websdk {
 namespace {
 constexpr std::string_view kHandlerName = "nativeRequest";
 
-// A rendering that is not UTF-8 (a string in the value held other bytes) is a
-// failed rendering: the answer goes out without its payload.
+// A rendering that is not UTF-8 (a string in the value held other bytes), or
+// of a value holding NaN or an infinity, is a failed rendering: the answer
+// goes out without its payload.
 std::optional<std::string> rendered(const JSON& value) {
-  std::string text = serializePretty(value);
-  if (!isValidUTF8(text)) return std::nullopt;
+  auto text = serializePrettyIfRepresentable(value);
+  if (!text || !isValidUTF8(*text)) return std::nullopt;
   return text;
 }
 }  // namespace

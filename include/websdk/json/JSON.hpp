@@ -8,6 +8,7 @@
 #include <boost/json/value.hpp>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,16 +27,22 @@ inline constexpr std::size_t kMaxJSONDepth = 512;
 /// JavaScript writes but the JSON parser refuses, read as U+FFFD.
 JSON parseJSON(std::string_view text);
 
-/// Compact JSON text. Doubles are written as the shortest decimal that reads
-/// back as the same value, with ".0" on whole numbers (5.0, 5.5, 1e+20).
+/// Compact JSON text. Doubles are written as formatDouble writes them; NaN
+/// and infinities, which JSON has no text for, as null.
 std::string serialize(const JSON& value);
 void serializeTo(std::string& out, const JSON& value);
 
 /// The same text, indented by two spaces per level, one member per line.
 std::string serializePretty(const JSON& value);
 
-/// Shortest round-trip decimal of `d`, always with a fraction or an exponent
-/// ("300.0", "291.5", "1e+20"). Non-finite values give "null".
+/// serializePretty's text, or nothing when the value holds NaN or an infinity:
+/// text with null in their place would say something the value does not.
+std::optional<std::string> serializePrettyIfRepresentable(const JSON& value);
+
+/// Shortest round-trip decimal of `d`. Magnitudes from 0.0001 up to 2^54
+/// are written plain, whole ones with ".0" ("300.0", "0.0001", "-0.0");
+/// others with a signed exponent of at least two digits ("1e+17", "1e-05",
+/// "5e-324"). Non-finite values give "null".
 std::string formatDouble(double d);
 
 /// Appends `s` as a JSON string literal. Besides what JSON requires, U+2028

@@ -62,7 +62,7 @@ void Intake(benchmark::State& state, const std::string& text) {
   auto view = WebSDKWebView::create(std::move(engine), {"example.com"}, plugins);
   view->setCartPlugin(plugins);
   view->setMenuListPlugin(plugins);
-  const ScriptMessage message{"nativeRequest", JSONObject{{"message", text}}};
+  const ScriptMessage message{"nativeRequest", JSONObject{{"message", text}}, raw->topOrigin()};
   for (auto _ : state) view->handler()->userContentController(message);
   if (raw->queue().pending() != 0) state.SkipWithError("the request was not delivered");
   state.SetLabel(std::to_string(text.size()) + " bytes");

@@ -29,19 +29,34 @@ std::size_t TestingMainQueue::pending() const {
 
 TestingEngine::TestingEngine(std::shared_ptr<TestingMainQueue> queue) : queue_(std::move(queue)) {}
 
-bool TestingEngine::postScriptMessage(const std::string& name, JSON body) {
+void TestingEngine::setURL(std::optional<std::string> url) {
+  if (url && url != url_) ++document_;
+  url_ = std::move(url);
+}
+
+void TestingEngine::navigate(std::string url) {
+  ++document_;
+  url_ = std::move(url);
+}
+
+MessageOrigin TestingEngine::topOrigin() const {
+  const std::string shown = url_.value_or("");
+  return MessageOrigin{shown, shown, true, document()};
+}
+
+bool TestingEngine::postScriptMessage(const std::string& name, JSON body, std::optional<MessageOrigin> origin) {
   const auto it = handlers_.find(name);
   if (it == handlers_.end()) return false;
   const auto handler = it->second.lock();
   if (!handler) return false;
-  handler->userContentController(ScriptMessage{name, std::move(body)});
+  handler->userContentController(ScriptMessage{name, std::move(body), origin ? std::move(*origin) : topOrigin()});
   return true;
 }
 
-bool TestingEngine::postRequest(std::string_view requestText) {
+bool TestingEngine::postRequest(std::string_view requestText, std::optional<MessageOrigin> origin) {
   JSONObject body;
   body.emplace("message", requestText);
-  return postScriptMessage("nativeRequest", std::move(body));
+  return postScriptMessage("nativeRequest", std::move(body), std::move(origin));
 }
 
 void TestingEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
@@ -50,6 +65,18 @@ void TestingEngine::evaluateJavaScript(std::string script, ScriptCompletion comp
     evaluations_.push_back({script, static_cast<bool>(completion)});
   }
   if (completion) completion(evaluator ? evaluator(script) : ScriptResult{});
+}
+
+void TestingEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
+  if (document == 0 || document != this->document()) {
+    {
+      std::lock_guard lock(evaluationsMutex_);
+      droppedScripts.push_back(std::move(script));
+    }
+    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
+    return;
+  }
+  evaluateJavaScript(std::move(script), std::move(completion));
 }
 
 void TestingEngine::addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {

@@ -36,6 +36,8 @@ Trial tryFamily(WebSDKScriptHandler& handler, std::size_t action, std::string_vi
   // Taken afresh: a host object released by now is not called.
   const auto plugin = (handler.*F::delegate).lock();
   if (!plugin) return Trial::dropped;
+  // Noted before the call: a plugin may answer from inside it.
+  handler.expectAnswer(requestId);
   ((*plugin).*F::operation)(request, *typed);
   return Trial::delivered;
 }
@@ -81,16 +83,22 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
 
   if (auto listener = webJSCommunicationDelegate.lock()) listener->didReceiveRequest(text);
 
-  // The page that is shown now must be trusted, whatever the message claims.
+  // The document that sent the message must be trusted: judged by the URL the
+  // engine recorded for it, never by one still loading and never by anything
+  // the message says.
+  const MessageOrigin& origin = message.origin;
   {
+    // Not held past the check: a plugin may drop the host's last reference.
     const auto view = webview.lock();
-    const auto url = view ? view->engine().url() : std::nullopt;
-    if (!url || !isTrusted(view->webSDKConfig, *url)) {
+    const std::string& judged =
+        view && view->webSDKConfig.judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
+    if (!view || judged.empty() || !isTrusted(view->webSDKConfig, judged)) {
       answerFailure(parseJSON(text), WebSDKStatusCode::notWhitelistedUrl,
-                    url ? std::optional<std::string>(*url) : std::nullopt);
+                    judged.empty() ? std::nullopt : std::optional<std::string>(judged), origin.topDocument);
       return;
     }
   }
+  document_ = origin.topDocument;
 
   JSON request = parseJSON(text);
   if (auto* fields = request.if_object()) {
@@ -111,14 +119,14 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
           case Trial::delivered:
           case Trial::dropped: return;
           case Trial::notSubscribed:
-            answerFailure(request, WebSDKStatusCode::notFound, std::string(failureMessage));
+            answerFailure(request, WebSDKStatusCode::notFound, std::string(failureMessage), origin.topDocument);
             return;
           case Trial::declined: break;
         }
       }
     }
   }
-  answerFailure(request, WebSDKStatusCode::notFound, std::string(kNotAValidRequest));
+  answerFailure(request, WebSDKStatusCode::notFound, std::string(kNotAValidRequest), origin.topDocument);
 }
 
 bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view url) {
@@ -129,13 +137,18 @@ bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view
   return true;
 }
 
-void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode code,
-                                        std::optional<std::string> message) {
+void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message,
+                                        DocumentID document) {
   const auto view = webview.lock();
   if (!view) return;
   const Fields fields = Fields::of(&request);
   view->deliver(WebSDKResponseModel{std::string(rawValue(WebSDKResponseType::failure)), rawValue(code),
-                                    std::move(message), fields.lenientString("requestId"), std::nullopt});
+                                    std::move(message), fields.lenientString("requestId"), std::nullopt},
+                document);
+}
+
+void WebSDKScriptHandler::expectAnswer(std::string_view requestId) {
+  if (const auto view = webview.lock()) view->expectAnswer(std::string(requestId), document_);
 }
 
 }  // namespace websdk

@@ -116,8 +116,10 @@ bool lenientBool(const JSON* v) {
       const auto& s = v->get_string();
       if (s.size() > 4) return false;
       std::string lower(s.size(), '\0');
+      // ASCII folding: the process locale must not change what a page's
+      // "TRUE" means (under a Turkish locale tolower leaves 'I' as it is).
       std::transform(s.begin(), s.end(), lower.begin(),
-                     [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+                     [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
       return lower == "true" || lower == "y" || lower == "t" || lower == "yes" || lower == "1";
     }
     default: return false;

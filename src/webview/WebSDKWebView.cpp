@@ -35,8 +35,21 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
     const std::shared_ptr<WebSDKNavigationDelegate>& webViewDelegate,
     const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate,
     const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate, bool shouldWhitelistAllUrls) {
-  auto view = std::make_shared<WebSDKWebView>(Passkey{}, std::move(engine), std::move(whitelistedHosts),
-                                              shouldWhitelistAllUrls);
+  WebSDKConfig config;
+  config.whitelistedHosts = std::move(whitelistedHosts);
+  config.shouldWhitelistAllUrls = shouldWhitelistAllUrls;
+  return create(std::move(engine), config, genericDelegate, paymentsDelegate, webViewDelegate,
+                webJSCommunicationDelegate, setRecipientInfoDelegate);
+}
+
+std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
+    std::unique_ptr<WebEngine> engine, const WebSDKConfig& config,
+    const std::shared_ptr<DvWebViewGenericCallsBacks>& genericDelegate,
+    const std::shared_ptr<DvWebViewPaymentsCallsBacks>& paymentsDelegate,
+    const std::shared_ptr<WebSDKNavigationDelegate>& webViewDelegate,
+    const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate,
+    const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate) {
+  auto view = std::make_shared<WebSDKWebView>(Passkey{}, std::move(engine), config);
   // Wiring needs the shared owner, so it happens once the view exists.
   WebSDKScriptHandler& h = *view->handler_;
   h.webview = view;
@@ -50,9 +63,17 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   return view;
 }
 
-WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, std::vector<std::string> whitelistedHosts,
-                             bool shouldWhitelistAllUrls)
-    : webSDKConfig{std::move(whitelistedHosts), shouldWhitelistAllUrls},
+namespace {
+// The whitelist as the engine reads hosts: its entries in the same canonical
+// form as every URL they are held against.
+WebSDKConfig forEngine(WebSDKConfig config, const WebEngine& engine) {
+  config.canonicalizer = engine.urlCanonicalizer();
+  return config.normalized();
+}
+}  // namespace
+
+WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const WebSDKConfig& config)
+    : webSDKConfig(forEngine(config, *engine)),
       handler_(std::make_shared<WebSDKScriptHandler>()),
       engine_(std::move(engine)) {
   engine_->setAllowsInlineMediaPlayback(true);
@@ -89,7 +110,10 @@ void WebSDKWebView::setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCal
 
 void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
                                 const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
-  if (!parseURL(with)) return;
+  // The load is judged and made in the form the engine itself would load:
+  // judging the raw text could trust a host the engine then does not reach.
+  const auto canonical = webSDKConfig.canonicalizer(with);
+  if (!canonical) return;
   WebSDKHeaders headers;
   std::vector<std::string> confined;
   // The app's headers go only to trusted hosts, on the first request and on
@@ -99,7 +123,7 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
              return sameFieldName(external.first, name);
            });
   };
-  if (webSDKConfig.isWhitelistedURL(with)) {
+  if (webSDKConfig.isWhitelistedURL(*canonical)) {
     headers = requestHeaders;
     for (const auto& field : requestHeaders)
       if (!overridden(field.first)) confined.push_back(field.first);
@@ -109,7 +133,7 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
       std::erase_if(headers, [&](const auto& field) { return sameFieldName(field.first, external.first); });
       headers.insert_or_assign(external.first, external.second);
     }
-  URLRequest request{with, {headers.begin(), headers.end()}, timeoutInterval,
+  URLRequest request{*canonical, {headers.begin(), headers.end()}, timeoutInterval,
                      URLRequestCachePolicy::useProtocolCachePolicy, std::move(confined), webSDKConfig};
   engine_->load(request);
 }
@@ -132,31 +156,72 @@ void WebSDKWebView::scrollViewWillBeginZooming() {
 
 // ---- Answers -----------------------------------------------------------------
 
-void WebSDKWebView::deliver(const WebSDKResponseModel& response) {
+void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID document) {
+  // A page that asks and never hears back must not grow this without bound:
+  // past the limit the oldest documents' requests are forgotten first.
+  constexpr std::size_t kLimit = std::size_t{1} << 16;
+  if (awaitingCount_ >= kLimit) {
+    const DocumentID shown = engine_->document();
+    for (auto it = awaiting_.begin(); it != awaiting_.end();) {
+      awaitingCount_ -= std::erase_if(it->second, [&](DocumentID d) { return d != shown; });
+      it = it->second.empty() ? awaiting_.erase(it) : std::next(it);
+    }
+    if (awaitingCount_ >= kLimit) {
+      awaiting_.clear();
+      awaitingCount_ = 0;
+    }
+  }
+  awaiting_[requestId].push_back(document);
+  ++awaitingCount_;
+}
+
+std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& requestId, WebSDKDropReason& why) {
+  if (const auto it = awaiting_.find(requestId); it != awaiting_.end()) {
+    const DocumentID document = it->second.front();
+    it->second.pop_front();
+    --awaitingCount_;
+    if (it->second.empty()) awaiting_.erase(it);
+    why = WebSDKDropReason::documentGone;
+    return document;
+  }
+  // Not asked (or answered already): only a trusted page shown now may see it.
+  const DocumentID shown = engine_->document();
+  const auto url = engine_->url();
+  why = WebSDKDropReason::pageNotWhitelisted;
+  if (shown == 0 || !url || !webSDKConfig.isWhitelistedURL(*url)) return std::nullopt;
+  return shown;
+}
+
+void WebSDKWebView::tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason) {
+  if (auto listener = webJSCommunicatorDelegate.lock()) listener->didDropResponse(response, reason);
+}
+
+void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<DocumentID> document) {
   // A page script is UTF-8 text. An envelope holding other bytes would reach
   // the page broken (or not parse there), so such an answer is not sent at all.
   auto script = nativeResponseScript(response);
   if (!script) return;
-  bool first = false;
-  {
-    std::lock_guard lock(outboxMutex_);
-    first = outbox_.empty();
-    outbox_.push_back(std::move(*script));
-  }
-  // The queued task holds the view weakly: answers queued for a view that is
-  // gone by then do nothing.
-  if (first)
-    engine_->mainQueue().post([weak = weak_from_this()] {
-      const auto view = weak.lock();
-      if (!view) return;
-      std::vector<std::string> due;
-      {
-        std::lock_guard lock(view->outboxMutex_);
-        due.swap(view->outbox_);
-      }
-      for (auto& answer : due) view->engine_->evaluateJavaScript(std::move(answer), nullptr);
-    });
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
+  // One task per answer: answers keep their place among everything else the
+  // host posts to the main queue. The task holds the view weakly: answers
+  // queued for a view that is gone by then do nothing.
+  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script), response = std::move(response),
+                             document]() mutable {
+    const auto view = weak.lock();
+    if (!view) return;
+    WebSDKDropReason why = WebSDKDropReason::documentGone;
+    const auto target = document ? document : view->answerTarget(response.requestId, why);
+    if (!target) return view->tellDropped(response, why);
+    // Hearing back costs a trip from the page: asked for only when a
+    // listener wants to know of answers that never ran.
+    ScriptCompletion told;
+    if (!view->webJSCommunicatorDelegate.expired())
+      told = [weak, response = std::move(response)](ScriptResult result) {
+        if (!result.dropped) return;
+        if (const auto v = weak.lock()) v->tellDropped(response, WebSDKDropReason::documentGone);
+      };
+    view->engine_->evaluateInDocument(*target, std::move(script), std::move(told));
+  });
 }
 
 void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
@@ -206,24 +271,51 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
     script = nativeResponseScript(response);
   }
   if (!script) return;
-  engine_->evaluateJavaScript(std::move(*script), [](ScriptResult result) {
-    if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
+  WebSDKDropReason why = WebSDKDropReason::documentGone;
+  const auto target = answerTarget(requestId, why);
+  if (!target) return tellDropped(response, why);
+  engine_->evaluateInDocument(*target, std::move(*script), [weak = weak_from_this(), response](ScriptResult result) {
+    if (result.dropped) {
+      if (const auto v = weak.lock()) v->tellDropped(response, WebSDKDropReason::documentGone);
+    } else if (result.error) {
+      std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
+    }
   });
 }
 
 // ---- Page events ---------------------------------------------------------------
 
+void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
+  // Pushed events carry the app's state (login, addresses, payloads): only a
+  // committed document on a whitelisted host receives them.
+  const DocumentID shown = engine_->document();
+  const auto url = engine_->url();
+  const auto dropped = [&](WebSDKDropReason reason) {
+    if (auto listener = webJSCommunicatorDelegate.lock()) listener->didDropPush(script, reason);
+    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
+  };
+  if (shown == 0 || !url || !webSDKConfig.isWhitelistedURL(*url)) return dropped(WebSDKDropReason::pageNotWhitelisted);
+  if (!completion && webJSCommunicatorDelegate.expired()) return engine_->evaluateInDocument(shown, script, nullptr);
+  engine_->evaluateInDocument(shown, script,
+                              [weak = weak_from_this(), script, completion = std::move(completion)](ScriptResult r) {
+                                if (r.dropped)
+                                  if (const auto v = weak.lock())
+                                    if (auto l = v->webJSCommunicatorDelegate.lock())
+                                      l->didDropPush(script, WebSDKDropReason::documentGone);
+                                if (completion) completion(std::move(r));
+                              });
+}
+
 void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
                                                     WebSDKJSCompletionHandler completionHandler) {
-  engine_->evaluateJavaScript(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
-    // A script error is not passed on: the handler then gets nothing.
-    if (handler) handler(result.error ? std::nullopt : std::move(result.value));
+  push(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
+    // A script error, or a page that never ran it, is not passed on: the
+    // handler then gets nothing.
+    if (handler) handler(result.error || result.dropped ? std::nullopt : std::move(result.value));
   });
 }
 
-void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
-  engine_->evaluateJavaScript(type.script(), nullptr);
-}
+void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) { push(type.script(), nullptr); }
 
 // ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----
 

@@ -111,27 +111,38 @@ TEST(Intake, APageOutsideTheWhitelistIsAnsweredWithItsURLAndNoPluginIsCalled) {
   ASSERT_EQ(h.pageResponses().size(), 1u);
   EXPECT_EQ(h.pageResponses()[0], failure(1005, "https://evil.test/pay?x=1", "7"));
 
+  // A message from no committed document is refused without a URL, and has
+  // no document to be answered in.
   Harness noPage({"localhost"}, false, std::nullopt);
   noPage.post(R"({"type":"GET_LOCAL_CART","requestId":"8"})");
-  ASSERT_EQ(noPage.pageResponses().size(), 1u);
-  EXPECT_EQ(noPage.pageResponses()[0], failure(1005, std::nullopt, "8"));
+  EXPECT_TRUE(noPage.pageResponses().empty());
+  ASSERT_EQ(noPage.listener->responses.size(), 1u);
+  EXPECT_EQ(noPage.listener->responses[0].statusCode, 1005);
+  EXPECT_EQ(noPage.listener->responses[0].statusMessage, std::nullopt);
 }
 
-TEST(Intake, TrustFollowsTheShownPageAndTheCurrentWhitelist) {
+TEST(Intake, TrustFollowsTheDocumentThatSentTheMessage) {
   Harness h({"example.com"}, false, "https://pay.example.com/");
   const std::string request = R"({"type":"CLEAR_LOCAL_CART","requestId":"t"})";
-  auto answers = [&] {
-    h.post(request);
+  auto answer = [&](std::optional<MessageOrigin> origin) {
+    h.engine->postRequest(request, std::move(origin));
+    h.engine->queue().drain();
     const auto responses = h.pageResponses();
-    return responses.empty() ? std::int64_t{0} : responses.back().at("statusCode").as_int64();
+    return responses.empty() ? JSON() : responses.back();
   };
-  EXPECT_EQ(answers(), 1004);  // trusted: no cart plugin
-  h.view->webSDKConfig.whitelistedHosts = {"other.test"};
-  EXPECT_EQ(answers(), 1005);
-  h.view->webSDKConfig.whitelistedHosts = {"example.com"};
-  EXPECT_EQ(answers(), 1004);
+  EXPECT_EQ(answer(std::nullopt).at("statusCode"), 1004);  // trusted: no cart plugin
+  // A message stamped by an older document on another host is judged by that
+  // document, not by the page shown now, and answered only there.
+  const DocumentID old = h.engine->document();
+  h.engine->navigate("https://pay.example.com/next");
+  const std::size_t before = h.pageResponses().size();
+  answer(MessageOrigin{"https://evil.test/", "https://evil.test/", true, old});
+  EXPECT_EQ(h.pageResponses().size(), before);
+  ASSERT_FALSE(h.engine->droppedScripts.empty());
+  EXPECT_EQ(parseJSON(h.engine->droppedScripts.back().substr(15, h.engine->droppedScripts.back().size() - 16)),
+            failure(1005, "https://evil.test/", "t"));
   h.engine->setURL("https://evil.test/");
-  EXPECT_EQ(answers(), 1005);
+  EXPECT_EQ(answer(std::nullopt), failure(1005, "https://evil.test/", "t"));
 }
 
 TEST(Intake, MalformedMessagesAreDroppedSilently) {
@@ -140,7 +151,7 @@ TEST(Intake, MalformedMessagesAreDroppedSilently) {
   h.view->setCartPlugin(cart);
   const std::string valid = R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})";
   // A message to another name never reaches the handler's logic.
-  h.view->handler()->userContentController(ScriptMessage{"otherHandler", JSONObject{{"message", valid}}});
+  h.view->handler()->userContentController(ScriptMessage{"otherHandler", JSONObject{{"message", valid}}, {}});
   h.engine->postScriptMessage("nativeRequest", JSON(valid));                                 // body not a dictionary
   h.engine->postScriptMessage("nativeRequest", JSONObject{{"msg", valid}});                  // no "message"
   h.engine->postScriptMessage("nativeRequest", JSONObject{{"message", parseJSON(valid)}});   // not a string
@@ -218,7 +229,7 @@ TEST(Lifetimes, ResetReleasedViewsAndPluginsAnswerNothingAndNeverCrash) {
     h.engine->postRequest(R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})");
     EXPECT_EQ(cart->calls, 1);
     EXPECT_EQ(h.view, nullptr);
-    engine->userContentController(ScriptMessage{"nativeRequest", JSONObject{{"message", R"({"type":"X"})"}}});
+    engine->userContentController(ScriptMessage{"nativeRequest", JSONObject{{"message", R"({"type":"X"})"}}, {}});
   }
 }
 

@@ -41,11 +41,17 @@ void E2ETest::TearDown() {
 }
 
 void E2ETest::makeView(std::vector<std::string> whitelist, std::shared_ptr<RecordingDelegate> navigationDelegate) {
+  WebSDKConfig config;
+  config.whitelistedHosts = std::move(whitelist);
+  makeView(config, std::move(navigationDelegate));
+}
+
+void E2ETest::makeView(const WebSDKConfig& config, std::shared_ptr<RecordingDelegate> navigationDelegate) {
   view.reset();
   webkitgtk::WebKitGTKConfiguration configuration;
   configuration.ephemeral = true;
-  view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), std::move(whitelist),
-                               nullptr, nullptr, navigationDelegate, listener);
+  view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), config, nullptr, nullptr,
+                               navigationDelegate, listener);
   view->engine().addScriptMessageHandler(page, "e2e");
   gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
   gtk_widget_show_all(window);

@@ -53,6 +53,16 @@ class LoopbackServer {
     GSList* uris = soup_server_get_uris(server_);
     port_ = g_uri_get_port(static_cast<GUri*>(uris->data));
     g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
+    // Further loopback addresses on the same port: hosts that differ for
+    // trust decisions but reach this server.
+    for (const char* address : {"127.0.0.2", "127.0.0.3"}) {
+      GSocketAddress* socket = g_inet_socket_address_new_from_string(address, port_);
+      if (!soup_server_listen(server_, socket, SoupServerListenOptions{}, &error)) {
+        ADD_FAILURE() << "loopback server on " << address << ": " << error->message;
+        g_clear_error(&error);
+      }
+      g_object_unref(socket);
+    }
   }
   ~LoopbackServer() {
     soup_server_disconnect(server_);
@@ -62,6 +72,8 @@ class LoopbackServer {
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
   void page(const std::string& path, std::string html) { pages_[path] = std::move(html); }
+  /// Served for every path without a page of its own.
+  void fallback(std::string html) { fallback_ = std::move(html); }
   /// Requests to `path` are answered `status` with `location`.
   void redirect(const std::string& path, std::string location, int status = 302) {
     redirects_[path] = {status, std::move(location)};
@@ -119,18 +131,20 @@ class LoopbackServer {
       return;
     }
     const auto it = self.pages_.find(path);
-    if (it == self.pages_.end()) {
+    if (it == self.pages_.end() && !self.fallback_) {
       soup_server_message_set_status(message, 404, nullptr);
       return;
     }
+    const std::string& html = it == self.pages_.end() ? *self.fallback_ : it->second;
     soup_server_message_set_status(message, 200, nullptr);
-    soup_server_message_set_response(message, "text/html; charset=utf-8", SOUP_MEMORY_COPY, it->second.data(),
-                                     it->second.size());
+    soup_server_message_set_response(message, "text/html; charset=utf-8", SOUP_MEMORY_COPY, html.data(),
+                                     html.size());
   }
 
   SoupServer* server_ = nullptr;
   guint port_ = 0;
   std::map<std::string, std::string> pages_;
+  std::optional<std::string> fallback_;
   std::set<std::string> held_;
   std::map<std::string, std::pair<int, std::string>> redirects_;
   std::pair<std::string, std::string> credentials_;
@@ -193,8 +207,16 @@ class RecordingListener final : public WebSDKJSCommunicationProtocol {
  public:
   void didSendResponse(const WebSDKResponseModel& response) override { responses.push_back(response); }
   void didReceiveRequest(std::string_view request) override { requests.emplace_back(request); }
+  void didDropResponse(const WebSDKResponseModel& response, WebSDKDropReason reason) override {
+    dropped.emplace_back(response, reason);
+  }
+  void didDropPush(std::string_view script, WebSDKDropReason reason) override {
+    droppedPushes.emplace_back(script, reason);
+  }
   std::vector<WebSDKResponseModel> responses;
   std::vector<std::string> requests;
+  std::vector<std::pair<WebSDKResponseModel, WebSDKDropReason>> dropped;
+  std::vector<std::pair<std::string, WebSDKDropReason>> droppedPushes;
 };
 
 /// A page that defines every function the WebSDK calls and reports each call
@@ -209,6 +231,7 @@ class E2ETest : public ::testing::Test {
 
   /// Builds the view (again): whitelist, delegate (may be null), listener.
   void makeView(std::vector<std::string> whitelist, std::shared_ptr<RecordingDelegate> navigationDelegate);
+  void makeView(const WebSDKConfig& config, std::shared_ptr<RecordingDelegate> navigationDelegate);
   /// Loads `url` and waits for its finish; false when it did not finish.
   bool loadAndWait(const std::string& url, const WebSDKHeaders& requestHeaders = {},
                    const std::optional<WebSDKHeaders>& externalHeaders = std::nullopt);

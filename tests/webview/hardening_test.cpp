@@ -79,6 +79,7 @@ TEST(Threads, AListenerReleasedOnAnotherThreadWhileAnswersAreSentMissesOnlyLater
   auto queue = std::make_shared<testing::TestingMainQueue>();
   auto owned = std::make_unique<testing::TestingEngine>(queue);
   auto* engine = owned.get();
+  engine->setURL("https://localhost/");
   auto listener = std::make_shared<CountingListener>(notices);
   auto view = WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, nullptr, nullptr, listener);
 
@@ -137,8 +138,8 @@ TEST(Lifetimes, AViewReleasedWhileOtherThreadsAnswerThroughItLeavesTheirQueuedAn
   EXPECT_TRUE(weak.expired());
   EXPECT_GE(sent, 2000);
   EXPECT_EQ(notices, sent) << "every answer sent before the view went was told";
-  // The burst made one trip through the queue; it runs once and does nothing.
-  EXPECT_EQ(queue->drain(), 1u);
+  // Each queued answer runs once and does nothing.
+  EXPECT_EQ(queue->drain(), static_cast<std::size_t>(sent.load()));
 }
 
 }  // namespace

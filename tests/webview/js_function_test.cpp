@@ -63,6 +63,7 @@ struct ExecuteFixture : ::testing::Test {
   void SetUp() override {
     auto owned = std::make_unique<testing::TestingEngine>();
     engine = owned.get();
+    engine->setURL("https://example.com/");
     view = WebSDKWebView::create(std::move(owned), {"example.com"});
   }
 };

@@ -1,11 +1,23 @@
-// The header guard module, loaded by WebKit into every web process the
-// engine's web context starts. It sees each request the page is about to
-// send, redirects included, and keeps the app's header fields off hosts the
-// load's guard does not trust.
+// The WebSDK's module in WebKit's web processes, loaded into every web process
+// the engine's web context starts. It does two things only a web process can:
+//
+// - The header guard: it sees each request the page is about to send,
+//   redirects included, and keeps the app's header fields off hosts the
+//   load's guard does not trust.
+// - The page channel's stamp: each document's "nativeRequest" handler posts
+//   through a function made for that document, which adds the document's own
+//   URL, its frame and its top document to every message. The UI process
+//   judges a message by that stamp, so a page cannot borrow the URL of a load
+//   still pending or of another frame. Answers come back through this module
+//   too, and run only if the document they were meant for is still shown.
 
 #include "HeaderGuard.hpp"
+#include "PageChannel.hpp"
 
 #include <webkit2/webkit-web-extension.h>
+
+#include <cstring>
+#include <string>
 
 namespace {
 
@@ -27,12 +39,172 @@ gboolean sendRequest(WebKitWebPage*, WebKitURIRequest* request, WebKitURIRespons
   return FALSE;  // the request goes on
 }
 
+// ---- The page channel ------------------------------------------------------------
+
+// The top document a page shows now: its identity, and its script context,
+// which is new with every document (so a navigation the identity has not
+// caught up with still tells the documents apart).
+struct TopDocument {
+  guint64 id = 0;
+  // The URL it was made with. Not the page's URI, which moves to a load
+  // still pending as soon as it starts.
+  std::string url;
+  JSCContext* context = nullptr;
+  GWeakRef frame;  // the main frame
+  TopDocument() { g_weak_ref_init(&frame, nullptr); }
+  ~TopDocument() {
+    if (context) g_object_unref(context);
+    g_weak_ref_clear(&frame);
+  }
+};
+
+TopDocument& topOf(WebKitWebPage* page) {
+  auto* top = static_cast<TopDocument*>(g_object_get_data(G_OBJECT(page), "websdk-top-document"));
+  if (top == nullptr) {
+    top = new TopDocument;
+    g_object_set_data_full(G_OBJECT(page), "websdk-top-document", top,
+                           [](gpointer p) { delete static_cast<TopDocument*>(p); });
+  }
+  return *top;
+}
+
+guint64 newDocumentID() {
+  guint64 id = 0;
+  while (id == 0) id = (static_cast<guint64>(g_random_int()) << 32) | g_random_int();
+  return id;
+}
+
+// What every message of one document carries.
+struct Stamp {
+  GWeakRef page;
+  std::string frameURL;
+  std::string topURL;
+  gboolean isMainFrame;
+  guint64 topDocument;
+};
+
+void post(JSCValue* body, gpointer data) {
+  auto* stamp = static_cast<Stamp*>(data);
+  auto* page = static_cast<WebKitWebPage*>(g_weak_ref_get(&stamp->page));
+  if (page == nullptr) return;
+  // Whatever the page posts becomes JSON text here; what JSON cannot carry
+  // (functions, cycles) arrives as null and is dropped by the bridge.
+  char* json = jsc_value_to_json(body, 0);
+  if (json == nullptr) {
+    jsc_context_clear_exception(jsc_value_get_context(body));
+    json = g_strdup("null");
+  }
+  GVariant* params = g_variant_new("(@ssssbt)", g_variant_new_take_string(json), channel::kName,
+                                   stamp->frameURL.c_str(), stamp->topURL.c_str(), stamp->isMainFrame,
+                                   stamp->topDocument);
+  webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
+                                       nullptr);
+  g_object_unref(page);
+}
+
+// Runs before any script of the document: the channel's postMessage becomes
+// this document's stamped function. It is set on the handlers' prototype,
+// because the handler object's own wrapper may be collected and made anew;
+// what it needs is captured now, before the page can change anything.
+constexpr char kInstall[] = R"((function (post, name) {
+  var w = window.webkit, handlers = w && w.messageHandlers, h = handlers && handlers[name];
+  if (!h) return;
+  var prototype = Object.getPrototypeOf(h), original = prototype.postMessage, apply = Reflect.apply;
+  Object.defineProperty(prototype, 'postMessage', {
+    value: function postMessage(message) {
+      if (this === handlers[name]) { post(message); return; }
+      return apply(original, this, arguments);
+    },
+    writable: false, configurable: false, enumerable: true
+  });
+}))";
+
+void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFrame* frame, gpointer) {
+  if (world != webkit_script_world_get_default()) return;
+  JSCContext* context = webkit_frame_get_js_context_for_script_world(frame, world);
+  const gboolean isMain = webkit_frame_is_main_frame(frame);
+  const char* uri = webkit_frame_get_uri(frame);
+  TopDocument& top = topOf(page);
+  if (isMain) {
+    top.id = newDocumentID();
+    top.url = uri ? uri : "";
+    if (top.context) g_object_unref(top.context);
+    top.context = JSC_CONTEXT(g_object_ref(context));
+    g_weak_ref_set(&top.frame, frame);
+    webkit_web_page_send_message_to_view(
+        page, webkit_user_message_new(channel::kDocument, g_variant_new("(ts)", top.id, uri ? uri : "")), nullptr,
+        nullptr, nullptr);
+  }
+  auto* stamp = new Stamp{{}, uri ? uri : "", top.url, isMain, top.id};
+  g_weak_ref_init(&stamp->page, page);
+  JSCValue* function = jsc_value_new_function(
+      context, nullptr, G_CALLBACK(post), stamp,
+      [](gpointer data) {
+        auto* s = static_cast<Stamp*>(data);
+        g_weak_ref_clear(&s->page);
+        delete s;
+      },
+      G_TYPE_NONE, 1, JSC_TYPE_VALUE);
+  JSCValue* install = jsc_context_evaluate(context, kInstall, -1);
+  if (install != nullptr && jsc_value_is_function(install)) {
+    JSCValue* done =
+        jsc_value_function_call(install, JSC_TYPE_VALUE, function, G_TYPE_STRING, channel::kName, G_TYPE_NONE);
+    if (done) g_object_unref(done);
+  }
+  jsc_context_clear_exception(context);
+  if (install) g_object_unref(install);
+  g_object_unref(function);
+  g_object_unref(context);
+}
+
+void reply(WebKitUserMessage* message, gboolean dropped, gboolean failed, const char* text) {
+  webkit_user_message_send_reply(
+      message, webkit_user_message_new(channel::kEvaluated, g_variant_new("(bbs)", dropped, failed, text)));
+}
+
+// An evaluation for one top document: run only if that document is shown.
+gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) {
+  if (std::strcmp(webkit_user_message_get_name(message), channel::kEvaluate) != 0) return FALSE;
+  GVariant* params = webkit_user_message_get_parameters(message);
+  if (params == nullptr || !g_variant_is_of_type(params, G_VARIANT_TYPE("(tsb)"))) return FALSE;
+  guint64 document = 0;
+  const char* script = nullptr;
+  gboolean wantsReply = FALSE;
+  g_variant_get(params, "(t&sb)", &document, &script, &wantsReply);
+  TopDocument& top = topOf(page);
+  auto* frame = static_cast<WebKitFrame*>(g_weak_ref_get(&top.frame));
+  JSCContext* shown =
+      frame ? webkit_frame_get_js_context_for_script_world(frame, webkit_script_world_get_default()) : nullptr;
+  const bool current = top.id != 0 && top.id == document && shown != nullptr && shown == top.context;
+  if (shown) g_object_unref(shown);
+  if (frame) g_object_unref(frame);
+  if (!current) {
+    if (wantsReply) reply(message, TRUE, FALSE, "");
+    return TRUE;
+  }
+  JSCValue* result = jsc_context_evaluate(top.context, script, -1);
+  if (JSCException* exception = jsc_context_get_exception(top.context)) {
+    if (wantsReply) reply(message, FALSE, TRUE, jsc_exception_get_message(exception));
+    jsc_context_clear_exception(top.context);
+  } else if (wantsReply) {
+    char* json = jsc_value_is_undefined(result) ? nullptr : jsc_value_to_json(result, 0);
+    jsc_context_clear_exception(top.context);
+    reply(message, FALSE, FALSE, json ? json : "");
+    g_free(json);
+  }
+  if (result) g_object_unref(result);
+  return TRUE;
+}
+
 void pageCreated(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
   g_signal_connect(page, "send-request", G_CALLBACK(sendRequest), nullptr);
+  g_signal_connect(page, "user-message-received", G_CALLBACK(userMessage), nullptr);
 }
 
 }  // namespace
 
 extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize(WebKitWebExtension* extension) {
   g_signal_connect(extension, "page-created", G_CALLBACK(pageCreated), nullptr);
+  g_signal_connect(webkit_script_world_get_default(), "window-object-cleared", G_CALLBACK(windowObjectCleared),
+                   nullptr);
 }

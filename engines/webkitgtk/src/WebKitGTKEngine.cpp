@@ -6,6 +6,7 @@
 
 #include "Compat.hpp"
 #include "HeaderGuard.hpp"
+#include "PageChannel.hpp"
 
 #include <glib/gstdio.h>
 #include <sys/stat.h>
@@ -139,6 +140,19 @@ const std::optional<std::string>& guardDirectory() {
   return directory;
 }
 
+// WebKit's own URL parser: the form WebKit loads and shows. WebKit hands back
+// text it cannot parse unchanged, so only a result that reads as a URL by the
+// same rules is one.
+std::optional<std::string> webKitCanonicalURL(std::string_view url) {
+  if (url.find('\0') != std::string_view::npos) return std::nullopt;
+  const std::string raw(url);
+  WebKitURIRequest* request = webkit_uri_request_new(raw.c_str());
+  std::string canonical = text(webkit_uri_request_get_uri(request));
+  g_object_unref(request);
+  if (!canonicalURL(canonical)) return std::nullopt;
+  return canonical;
+}
+
 }  // namespace
 
 struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
@@ -164,6 +178,15 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // How deep we are inside a signal of the view: tearing the widget down
   // from inside its own signal is deferred to the loop.
   int emitting = 0;
+
+  // Documents. With the module in the page's processes, the top document's
+  // identity comes from there and the bridge's messages carry its stamp;
+  // without it, each commit the UI process sees is a new document.
+  bool stamped = false;
+  bool warnedUnstamped = false;
+  DocumentID document = 0;
+  DocumentID lastUnstampedDocument = 0;
+  std::optional<std::string> committedURL;
 
   bool allowsInlineMediaPlayback = true;
   bool suppressesIncrementalRendering = false;
@@ -219,6 +242,11 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
             +[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
                 gpointer data) -> gboolean {
               if (auto s = from(data); s && s->view) return s->decidePolicy(decision, type);
+              return FALSE;
+            });
+    connect(view, "user-message-received",
+            +[](WebKitWebView*, WebKitUserMessage* message, gpointer data) -> gboolean {
+              if (auto s = from(data); s && s->view) return s->userMessage(message);
               return FALSE;
             });
     connect(view, "authenticate", +[](WebKitWebView*, WebKitAuthenticationRequest* request, gpointer data) -> gboolean {
@@ -297,7 +325,9 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       case WEBKIT_LOAD_REDIRECTED: break;
       case WEBKIT_LOAD_COMMITTED:
         disarmTimeout();
-        if (current) current->url = text(webkit_web_view_get_uri(view));
+        committedURL = text(webkit_web_view_get_uri(view));
+        if (!stamped) document = ++lastUnstampedDocument;
+        if (current) current->url = *committedURL;
         break;
       case WEBKIT_LOAD_FINISHED:
         // WebKit ends a failed load with FINISHED as well; that is no finish.
@@ -509,12 +539,46 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 
   void scriptMessage(const std::string& name, JSCValue* value) {
     Emitting guard(*this);
+    if (stamped && name == channel::kName) {
+      // The module posts the bridge's messages with their stamp; this one
+      // went round it (or the module is not in the page's process).
+      if (!std::exchange(warnedUnstamped, true))
+        g_warning("websdk: a \"%s\" message without the module's stamp was dropped", channel::kName);
+      return;
+    }
+    // Other handlers, or no module: the document is the one last committed,
+    // and the frame cannot be told.
+    dispatch(name, toJSON(value).value_or(JSON(nullptr)),
+             MessageOrigin{"", committedURL.value_or(""), true, document});
+  }
+
+  void dispatch(const std::string& name, JSON body, MessageOrigin origin) {
     const auto it = channels.find(name);
     if (it == channels.end()) return;
     const auto handler = it->second.handler.lock();
     if (!handler) return;
     // The body reaches the handler as posted: any JSON value, checked there.
-    handler->userContentController(ScriptMessage{name, toJSON(value).value_or(JSON(nullptr))});
+    handler->userContentController(ScriptMessage{name, std::move(body), std::move(origin)});
+  }
+
+  gboolean userMessage(WebKitUserMessage* message) {
+    Emitting guard(*this);
+    const char* name = webkit_user_message_get_name(message);
+    GVariant* params = webkit_user_message_get_parameters(message);
+    if (!stamped || params == nullptr) return FALSE;
+    if (g_str_equal(name, channel::kDocument) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ts)"))) {
+      g_variant_get(params, "(t&s)", &document, nullptr);
+      return TRUE;
+    }
+    if (g_str_equal(name, channel::kPost) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ssssbt)"))) {
+      const char *body = nullptr, *handler = nullptr, *frameURL = nullptr, *topURL = nullptr;
+      gboolean isMainFrame = FALSE;
+      guint64 topDocument = 0;
+      g_variant_get(params, "(&s&s&s&sbt)", &body, &handler, &frameURL, &topURL, &isMainFrame, &topDocument);
+      dispatch(handler, parseJSON(body), MessageOrigin{frameURL, topURL, isMainFrame != FALSE, topDocument});
+      return TRUE;
+    }
+    return FALSE;
   }
 
   // ---- Settings ----
@@ -535,7 +599,10 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   State& s = *state_;
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
   // Before the view exists, so that its first web process loads the guard.
-  if (const auto& directory = guardDirectory()) compat::setExtensionsDirectory(context, directory->c_str());
+  if (const auto& directory = guardDirectory()) {
+    compat::setExtensionsDirectory(context, directory->c_str());
+    s.stamped = true;
+  }
   s.contentManager = webkit_user_content_manager_new();
   s.cancellable = g_cancellable_new();
   s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context,
@@ -618,12 +685,64 @@ void WebKitGTKEngine::removeScriptMessageHandler(std::string_view name) {
   if (state_->view) state_->removeChannel(name);
 }
 
-std::optional<std::string_view> WebKitGTKEngine::url() const {
-  if (!state_->view) return std::nullopt;
-  const char* uri = webkit_web_view_get_uri(state_->view);
-  if (uri == nullptr || *uri == '\0') return std::nullopt;
-  return std::string_view(uri);
+void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
+  State& s = *state_;
+  if (!s.view) return;
+  if (!s.stamped) {
+    // Without the module the UI process's view of the document decides.
+    if (document != 0 && document == s.document) return evaluateJavaScript(std::move(script), std::move(completion));
+    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
+    return;
+  }
+  // The module runs it only if `document` is the page's top document when it
+  // arrives: a navigation racing the answer cannot carry it into the next one.
+  auto* text = new std::string(std::move(script));
+  GVariant* source = g_variant_new_from_data(G_VARIANT_TYPE_STRING, text->c_str(), text->size() + 1, TRUE,
+                                             [](gpointer p) { delete static_cast<std::string*>(p); }, text);
+  GVariant* params = g_variant_new("(t@sb)", document, source, static_cast<gboolean>(completion != nullptr));
+  WebKitUserMessage* message = webkit_user_message_new(channel::kEvaluate, params);
+  if (!completion) {
+    webkit_web_view_send_message_to_page(s.view, message, nullptr, nullptr, nullptr);
+    return;
+  }
+  struct Pending {
+    State::Weak state;
+    ScriptCompletion completion;
+  };
+  webkit_web_view_send_message_to_page(
+      s.view, message, s.cancellable,
+      [](GObject* source, GAsyncResult* result, gpointer data) {
+        std::unique_ptr<Pending> pending(static_cast<Pending*>(data));
+        GError* error = nullptr;
+        WebKitUserMessage* reply = webkit_web_view_send_message_to_page_finish(WEBKIT_WEB_VIEW(source), result, &error);
+        ScriptResult outcome;
+        GVariant* params = reply ? webkit_user_message_get_parameters(reply) : nullptr;
+        if (params != nullptr && g_variant_is_of_type(params, G_VARIANT_TYPE("(bbs)"))) {
+          gboolean dropped = FALSE, failed = FALSE;
+          const char* value = nullptr;
+          g_variant_get(params, "(bb&s)", &dropped, &failed, &value);
+          outcome.dropped = dropped != FALSE;
+          if (failed) outcome.error = value;
+          else if (*value != '\0') outcome.value = parseJSON(value);
+        } else {
+          // The page's process went away or could not take it: it never ran.
+          outcome.dropped = true;
+        }
+        if (error) g_error_free(error);
+        if (reply) g_object_unref(reply);
+        if (auto state = pending->state.lock(); state && state->view) pending->completion(std::move(outcome));
+      },
+      new Pending{state_, std::move(completion)});
 }
+
+std::optional<std::string_view> WebKitGTKEngine::url() const {
+  if (!state_->view || !state_->committedURL || state_->committedURL->empty()) return std::nullopt;
+  return std::string_view(*state_->committedURL);
+}
+
+DocumentID WebKitGTKEngine::document() const { return state_->view ? state_->document : 0; }
+
+URLCanonicalizer WebKitGTKEngine::urlCanonicalizer() const { return &webKitCanonicalURL; }
 
 void WebKitGTKEngine::setPreferences(const WebPreferences& preferences) {
   if (state_->view) state_->applySettings(preferences.javaScriptEnabled);

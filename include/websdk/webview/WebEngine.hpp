@@ -51,10 +51,27 @@ struct UserScript {
   bool operator==(const UserScript&) const = default;
 };
 
+/// Identifies one top-level document: a new one each time the page's main
+/// frame commits a navigation. 0 is no document.
+using DocumentID = std::uint64_t;
+
+/// Who posted a message, as the engine saw it when the sending document was
+/// made: not anything the page can say about itself.
+struct MessageOrigin {
+  /// The sending frame's document URL; empty when the engine cannot tell.
+  std::string frameURL;
+  /// The URL of the top document the frame belonged to.
+  std::string topURL;
+  bool isMainFrame = true;
+  /// That top document: answers to the message go to it and nowhere else.
+  DocumentID topDocument = 0;
+};
+
 /// A message a page posted to a named script-message handler.
 struct ScriptMessage {
   std::string name;
   JSON body;
+  MessageOrigin origin;
 };
 
 /// Receives the script messages of one name (WebSDKScriptHandler).
@@ -142,10 +159,12 @@ class WebEngineClient {
 };
 
 /// The result of an evaluation: the script's value (nothing when it returned
-/// nothing) or the error the page reported.
+/// nothing) or the error the page reported; `dropped` when the document it
+/// was meant for was no longer shown, so it never ran.
 struct ScriptResult {
   std::optional<JSON> value;
   std::optional<std::string> error;
+  bool dropped = false;
 };
 using ScriptCompletion = std::function<void(ScriptResult)>;
 
@@ -167,12 +186,22 @@ class WebEngine {
   /// Evaluates `script` in the main frame; `completion` (may be empty) is
   /// called once on the UI thread when evaluation ends.
   virtual void evaluateJavaScript(std::string script, ScriptCompletion completion) = 0;
+  /// Evaluates `script` only if `document` is still the top document when the
+  /// script would run; otherwise drops it and `completion` gets `dropped`. The
+  /// engine decides this where the page lives, so a navigation racing the
+  /// evaluation cannot carry the script into the next document.
+  virtual void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) = 0;
   virtual void addUserScript(const UserScript& script) = 0;
   virtual void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) = 0;
   virtual void removeScriptMessageHandler(std::string_view name) = 0;
-  /// The URL of the page shown, or nothing before the first load. The text
-  /// stays valid until the engine navigates again.
+  /// The URL of the committed top document, or nothing before the first
+  /// commit: never the URL of a load still pending. The text stays valid
+  /// until the next commit.
   virtual std::optional<std::string_view> url() const = 0;
+  /// The committed top document (0 before the first).
+  virtual DocumentID document() const = 0;
+  /// How this engine canonicalizes URLs: the form it loads and shows.
+  virtual URLCanonicalizer urlCanonicalizer() const { return &canonicalURL; }
 
   virtual void setPreferences(const WebPreferences& preferences) = 0;
   virtual void setSuppressesIncrementalRendering(bool suppress) = 0;

@@ -7,29 +7,44 @@
 
 namespace websdk {
 
+/// Turns a URL as written into the form the engine loads and shows (scheme
+/// and host lowercased, IPv4 in dotted decimal, IDN as punycode), or nothing
+/// when it is no URL. Every trust decision reads the host from that form.
+using URLCanonicalizer = std::optional<std::string> (*)(std::string_view url);
+
+/// The canonical form without an engine: the URL standard's host rules for
+/// ASCII hosts. A host with other characters needs the engine's IDN rules, so
+/// it is no URL here: an unsure answer never trusts.
+std::optional<std::string> canonicalURL(std::string_view url);
+
+/// The host of a canonical URL, as a page's `new URL(url).hostname` reads it
+/// (IPv6 with its brackets); nothing for URLs without one (about:, data:,
+/// blob:, file:///...).
+std::optional<std::string_view> hostOf(std::string_view canonical);
+
 /// Which hosts the web view trusts with the app's headers and the bridge.
+/// Fixed when the view is made (the view holds it const).
 struct WebSDKConfig {
   std::vector<std::string> whitelistedHosts;
   bool shouldWhitelistAllUrls = false;
+  /// Off: a message from any frame is judged by the top page's host. On:
+  /// each frame is judged by its own document's host.
+  bool judgesFramesByTheirOwnHost = false;
+  /// The engine's own URL canonicalization; the view sets it from its engine.
+  URLCanonicalizer canonicalizer = &canonicalURL;
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry occurs anywhere
-  /// inside the host. The containment test is loose on purpose: "example.com"
-  /// also trusts "example.com.other.test". Case-sensitive; scheme, port and
+  /// inside the canonical host. The containment test is loose on purpose:
+  /// "example.com" also trusts "example.com.other.test". Scheme, port and
   /// path play no part.
   bool isWhitelistedURL(std::string_view url) const;
 
+  /// This configuration with its entries in the canonical host form
+  /// ("EXAMPLE.com" -> "example.com", "bücher.de" -> "xn--bcher-kva.de").
+  WebSDKConfig normalized() const;
+
   bool operator==(const WebSDKConfig&) const = default;
 };
-
-/// The parts of a URL the web view needs.
-struct ParsedURL {
-  std::string_view scheme;
-  std::optional<std::string_view> host;  // absent for URLs without an authority host
-};
-
-/// Parses an absolute URL ("scheme:rest") made only of the characters URLs may
-/// carry, with well-formed percent escapes. Anything else is not a URL.
-std::optional<ParsedURL> parseURL(std::string_view url);
 
 }  // namespace websdk

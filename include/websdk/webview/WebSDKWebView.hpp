@@ -13,11 +13,12 @@
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace websdk {
@@ -87,7 +88,12 @@ class WebSDKJSInteractionProtocol {
 class WebSDKWebView final : public WebSDKJSInteractionProtocol,
                             private WebEngineClient,
                             public std::enable_shared_from_this<WebSDKWebView> {
-  struct Passkey {};
+  // Only create() can make one: a view that is not wired (no bridge
+  // back-reference, no engine client) must not exist.
+  class Passkey {
+    explicit Passkey() = default;
+    friend class WebSDKWebView;
+  };
 
  public:
   /// Builds a web view over `engine` (which carries the platform configuration)
@@ -100,9 +106,17 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
       const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate = nullptr,
       const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate = nullptr,
       bool shouldWhitelistAllUrls = false);
+  /// The same, with every trust setting in one configuration (the frame
+  /// switch among them).
+  static std::shared_ptr<WebSDKWebView> create(
+      std::unique_ptr<WebEngine> engine, const WebSDKConfig& config,
+      const std::shared_ptr<DvWebViewGenericCallsBacks>& genericDelegate = nullptr,
+      const std::shared_ptr<DvWebViewPaymentsCallsBacks>& paymentsDelegate = nullptr,
+      const std::shared_ptr<WebSDKNavigationDelegate>& webViewDelegate = nullptr,
+      const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate = nullptr,
+      const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate = nullptr);
 
-  WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, std::vector<std::string> whitelistedHosts,
-                bool shouldWhitelistAllUrls);
+  WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const WebSDKConfig& config);
   WebSDKWebView(const WebSDKWebView&) = delete;
   WebSDKWebView& operator=(const WebSDKWebView&) = delete;
   ~WebSDKWebView() override;
@@ -165,18 +179,20 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
                                        WebSDKJSCompletionHandler completionHandler) override;
   void executeJSFunction(const WebSDKJSFunctionType& type) override;
 
-  /// Encodes `response`, evaluates it in the page on the main queue, and tells
-  /// the listener on the calling thread. Every answer but the ready-encoded
-  /// one goes this way.
-  void deliver(const WebSDKResponseModel& response);
+  /// Encodes `response`, evaluates it on the main queue in the document that
+  /// asked (`document`, or the one that sent `response.requestId`), and tells
+  /// the listener on the calling thread. An answer whose document is gone is
+  /// dropped. Every answer but the ready-encoded one goes this way.
+  void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt);
 
   // ---- State -----------------------------------------------------------------
   const std::shared_ptr<WebSDKScriptHandler>& handler() const { return handler_; }
-  WebSDKConfig webSDKConfig;
+  /// Fixed when the view is made; its entries are in canonical host form.
+  const WebSDKConfig webSDKConfig;
   std::weak_ptr<WebSDKNavigationDelegate> webSDKNavigationDelegate;
   std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicatorDelegate;
 
-  /// The URL of the page shown, if any.
+  /// The URL of the committed page, if any (never a load still pending).
   std::optional<std::string> url() const {
     const auto shown = engine_->url();
     return shown ? std::optional<std::string>(*shown) : std::nullopt;
@@ -200,16 +216,26 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
                std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage);
 
+  friend class WebSDKScriptHandler;
+  /// The bridge hands request `requestId` of `document` to a plugin: its
+  /// answer belongs to that document. UI thread.
+  void expectAnswer(const std::string& requestId, DocumentID document);
+  /// The document that asked `requestId` (forgotten once answered), or, for
+  /// an id never asked, the document shown if it is whitelisted. UI thread.
+  std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
+  /// Evaluates a pushed call in the document shown, if it is whitelisted.
+  void push(std::string script, ScriptCompletion completion);
+  void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
+
   bool pinchGestureEnable_ = false;
   bool javaScriptEnabled_ = true;
   bool suppressesIncrementalRendering_ = true;
   const std::shared_ptr<WebSDKScriptHandler> handler_;
   const std::unique_ptr<WebEngine> engine_;
-  // Answers waiting for the main queue, in the order they were sent. One task
-  // is queued whenever the outbox fills from empty and evaluates all of them,
-  // so a burst of answers costs one trip through the queue.
-  std::mutex outboxMutex_;
-  std::vector<std::string> outbox_;
+  // Requests handed to plugins and not yet answered: the documents that sent
+  // them, oldest first per id (a page may reuse an id). UI thread only.
+  std::unordered_map<std::string, std::deque<DocumentID>> awaiting_;
+  std::size_t awaitingCount_ = 0;
 };
 
 }  // namespace websdk

@@ -36,17 +36,25 @@ class TestingEngine final : public WebEngine {
     std::string script;
     bool hasCompletion = false;
   };
+  /// Scripts meant for a document that was no longer shown: never evaluated.
+  std::vector<std::string> droppedScripts;
 
   explicit TestingEngine(std::shared_ptr<TestingMainQueue> queue = std::make_shared<TestingMainQueue>());
 
   // ---- What the test controls ----------------------------------------------
-  /// The URL the engine reports as shown (nothing = no page).
-  void setURL(std::optional<std::string> url) { url_ = std::move(url); }
-  /// Posts a message as a page would, to the handler registered under `name`.
-  /// Returns false when no handler is registered under that name.
-  bool postScriptMessage(const std::string& name, JSON body);
+  /// The page shown (nothing = no page). A URL other than the one shown
+  /// commits a new top document, as a navigation does.
+  void setURL(std::optional<std::string> url);
+  /// Commits a new top document at `url`, even when it is the URL shown.
+  void navigate(std::string url);
+  /// Posts a message as a page would, to the handler registered under `name`,
+  /// from the top document shown (or from `origin`, for a frame or an older
+  /// document). Returns false when no handler is registered under that name.
+  bool postScriptMessage(const std::string& name, JSON body, std::optional<MessageOrigin> origin = std::nullopt);
   /// Posts {"message": requestText} to "nativeRequest".
-  bool postRequest(std::string_view requestText);
+  bool postRequest(std::string_view requestText, std::optional<MessageOrigin> origin = std::nullopt);
+  /// What the engine stamps on a message from the top document shown.
+  MessageOrigin topOrigin() const;
   /// Answers evaluations that have a completion; by default an empty result.
   std::function<ScriptResult(const std::string& script)> evaluator;
   /// Whether the engine offers a pinch recogniser (true by default).
@@ -75,6 +83,8 @@ class TestingEngine final : public WebEngine {
   void setClient(WebEngineClient* client) override { client_ = client; }
   void load(const URLRequest& request) override { loads.push_back(request); }
   void evaluateJavaScript(std::string script, ScriptCompletion completion) override;
+  void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) override;
+  DocumentID document() const override { return url_ ? document_ : 0; }
   void addUserScript(const UserScript& script) override { userScripts.push_back(script); }
   void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;
   void removeScriptMessageHandler(std::string_view name) override;
@@ -92,6 +102,7 @@ class TestingEngine final : public WebEngine {
   std::shared_ptr<TestingMainQueue> queue_;
   WebEngineClient* client_ = nullptr;
   std::optional<std::string> url_;
+  DocumentID document_ = 0;
   std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> handlers_;
   mutable std::mutex evaluationsMutex_;
   std::vector<Evaluation> evaluations_;

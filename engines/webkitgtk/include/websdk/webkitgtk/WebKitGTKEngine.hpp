@@ -71,7 +71,14 @@ class WebKitGTKEngine final : public WebEngine {
   void addUserScript(const UserScript& script) override;
   void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;
   void removeScriptMessageHandler(std::string_view name) override;
+  /// Runs `script` only if `document` is still the top document; with the
+  /// module in the page's process, that is decided there.
+  void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) override;
+  /// The URL of the committed top document (a load still pending does not count).
   std::optional<std::string_view> url() const override;
+  DocumentID document() const override;
+  /// WebKit's own URL parser.
+  URLCanonicalizer urlCanonicalizer() const override;
   void setPreferences(const WebPreferences& preferences) override;
   /// WebKitGTK has no incremental-rendering switch: the value is only kept.
   void setSuppressesIncrementalRendering(bool suppress) override;

@@ -1,0 +1,208 @@
+// Trust follows the document that sent the message, against WebKitGTK: a load
+// still pending lends its URL to nobody, answers never reach a later
+// document, hosts are read as WebKit reads them, and frames are judged by the
+// top page or, when the view says so, by their own host.
+
+#include "E2E.hpp"
+
+namespace websdk::e2e {
+namespace {
+
+class CartPlugin final : public DvCartWebViewCallBacks {
+ public:
+  std::vector<std::string> ids;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
+    ids.push_back(request.requestId);
+  }
+};
+
+std::string cartRequest(const std::string& id) {
+  return R"({"type":"GET_LOCAL_CART","requestId":")" + id +
+         R"(","payload":{"tenant":{"marketplaceId":"m","marketplaceCategory":"c","marketplaceBusinessLine":"b"}}})";
+}
+
+class TrustTest : public E2ETest {
+ protected:
+  std::vector<JSON> responses() const { return page->of("nativeResponse"); }
+  std::optional<JSON> responseTo(const std::string& id) const {
+    for (const auto& r : responses())
+      if (r.at("requestId") == JSON(id)) return r;
+    return std::nullopt;
+  }
+  std::shared_ptr<CartPlugin> cart = std::make_shared<CartPlugin>();
+};
+
+// The app loads a trusted page while an untrusted one is still shown, and the
+// server holds the new page's response: the old page keeps posting, and is
+// judged (and answered) as what it is.
+TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
+  view->setCartPlugin(cart);
+  server.page("/untrusted", testPage());
+  server.hold("/trusted");
+  ASSERT_TRUE(loadAndWait(server.url("/untrusted", "localhost")));
+  view->loadWebView(server.url("/trusted"), {{"token", "t"}}, std::nullopt, 30);
+  ASSERT_TRUE(waitFor([&] { return !server.requestsTo("/trusted").empty(); }));
+  for (int i = 0; i < 5; ++i) postFromPage(cartRequest("old-" + std::to_string(i)));
+  ASSERT_TRUE(waitFor([&] { return responses().size() >= 5; }));
+  EXPECT_TRUE(cart->ids.empty()) << "no request of the untrusted page reached the plugin";
+  for (const auto& r : responses()) {
+    EXPECT_EQ(r.at("statusCode"), JSON(1005));
+    EXPECT_EQ(r.at("statusMessage"), JSON(server.url("/untrusted", "localhost")));
+  }
+}
+
+// A trusted page asks, the view moves on, the host answers late: the next
+// document sees nothing, whoever it is, and the listener hears of the drop.
+TEST_F(TrustTest, ALateAnswerNeverReachesTheNextDocument) {
+  makeView({"127.0.0.1", "127.0.0.2"}, delegate);
+  view->setCartPlugin(cart);
+  server.page("/a", testPage());
+  server.page("/b", testPage());
+  const std::pair<const char*, bool> nextHosts[] = {{"127.0.0.1", true}, {"127.0.0.2", true}, {"127.0.0.3", false}};
+  int round = 0;
+  for (const auto& [host, trusted] : nextHosts) {
+    SCOPED_TRACE(host);
+    const std::string late = "late-" + std::to_string(round), probe = "probe-" + std::to_string(round++);
+    ASSERT_TRUE(loadAndWait(server.url("/a")));
+    postFromPage(cartRequest(late));
+    ASSERT_TRUE(waitFor([&] { return !cart->ids.empty() && cart->ids.back() == late; }));
+    const std::size_t reportsBefore = page->reports.size();
+    ASSERT_TRUE(loadAndWait(server.url("/b", host)));
+    ASSERT_TRUE(waitFor([&] { return page->reports.size() > reportsBefore; }));  // /b is ready
+
+    const std::size_t drops = listener->dropped.size(), pushDrops = listener->droppedPushes.size();
+    view->sendSuccess(late);
+    view->executeJSFunction(WebSDKJSFunctionType::userStateChange(true));
+    // The page's own request is answered (1004 or 1005): everything sent
+    // before it has had its chance to arrive.
+    postFromPage(R"({"type":"NO_SUCH_ACTION","requestId":")" + probe + "\"}");
+    ASSERT_TRUE(waitFor([&] { return responseTo(probe).has_value(); }));
+    EXPECT_EQ(responseTo(late), std::nullopt);
+    ASSERT_TRUE(waitFor([&] { return listener->dropped.size() > drops; }));
+    EXPECT_EQ(listener->dropped.back().first.requestId, late);
+    EXPECT_EQ(listener->dropped.back().second, WebSDKDropReason::documentGone);
+    // Pushes reach a trusted page only.
+    const auto pushes = page->of("call");
+    const bool pushed = std::ranges::any_of(pushes, [](const JSON& c) { return c.at("name") == "LOGIN_STATE_CHANGED"; });
+    EXPECT_EQ(pushed, trusted);
+    EXPECT_EQ(listener->droppedPushes.size() > pushDrops, !trusted);
+    page->reports.clear();
+  }
+}
+
+// Hosts as the engine reads them: the WebSDK's canonical form of each URL
+// gives the host the page itself sees in `new URL(url).hostname`.
+TEST_F(TrustTest, HostsAreReadAsThePageReadsThem) {
+  server.page("/page", testPage());
+  ASSERT_TRUE(loadAndWait(server.url("/page")));
+  const char* urls[] = {
+      "https://Shop.Example/",
+      "https://shop.example./",
+      "HTTP://SHOP.EXAMPLE/x",
+      "https://0127.0.0.1/",
+      "http://0x7f.1/",
+      "http://127.1/",
+      "http://2130706433/",
+      "http://1.2.3.4.5/",
+      "http://999.1.1.1/",
+      "http://0x100000000/",
+      "https://user:pw@shop.example:8443/x",
+      "https://shop.example@evil.test/",
+      "https://[::1]:8080/",
+      "https://[0:0::1]/",
+      "https://[::FFFF:127.0.0.1]/",
+      "https://[::1/",
+      "https://bücher.de/",
+      "https://xn--bcher-kva.de/",
+      "https://ÉXAMPLE.com/",
+      "https://exa%6Dple.com/",
+      "https://%41.example/",
+      "https://exa mple.com/",
+      "https://shop.example/?f={a:1}|b",
+      "https://shop.example/sale/50%",
+      "https://shop.example/a^b`c\\d",
+      "https://shop.example/#{x}|^`",
+      "https://shop.example/ space",
+      "  https://shop.example/\t",
+      "http:shop.example/x",
+      "http:\\\\shop.example\\x",
+      "https://shop.example:443/",
+      "ws://shop.example/",
+      "wss://Shop.example/",
+      "ftp://files.example/",
+      "data:text/html,<p>hi</p>",
+      "about:blank",
+      "about:srcdoc",
+      "file:///etc/hosts",
+      "file://server/share",
+      "file://localhost/x",
+      "blob:https://shop.example/0b3f",
+      "javascript:alert(1)",
+      "mailto:a@shop.example",
+      "app://checkout/index.html",
+      "app://CheckOut/",
+      "foo://host:99/p",
+      "not a url",
+  };
+  for (const char* url : urls) {
+    SCOPED_TRACE(url);
+    const auto seen = evaluate("(function (u) { try { return new URL(u).hostname; } catch (e) { return null; } })(" +
+                               serialize(JSON(url)) + ")");
+    ASSERT_TRUE(seen.has_value());
+    const auto canonical = view->webSDKConfig.canonicalizer(url);
+    if (seen->is_null()) {
+      EXPECT_EQ(canonical, std::nullopt) << "the page reads no URL here";
+      continue;
+    }
+    ASSERT_TRUE(canonical.has_value());
+    EXPECT_EQ(std::string(hostOf(*canonical).value_or("")), std::string(seen->as_string()));
+  }
+}
+
+// Characters WebKit keeps raw in a canonical URL do not make a trusted page
+// untrusted, in its path, query or fragment.
+TEST_F(TrustTest, TrustedPagesWithRawCharactersInTheirURLAreServed) {
+  view->setCartPlugin(cart);
+  server.fallback(testPage());
+  const char* paths[] = {"/sale/50%", "/q?f={a:1}|b^`\\", "/p{x}|^`\\/y", "/f#{x}|^`%"};
+  int i = 0;
+  for (const char* path : paths) {
+    SCOPED_TRACE(path);
+    ASSERT_TRUE(loadAndWait(server.url(path)));
+    const std::string id = "raw-" + std::to_string(i++);
+    postFromPage(cartRequest(id));
+    ASSERT_TRUE(waitFor([&] { return !cart->ids.empty() && cart->ids.back() == id; }));
+  }
+}
+
+// A frame of another host inside a trusted page: served as the top page is,
+// unless the view judges every frame by its own host.
+TEST_F(TrustTest, FramesAreJudgedByTheTopPageUnlessEachFrameIsJudgedByItsOwnHost) {
+  JSONObject body{{"message", cartRequest("framed")}};
+  server.page("/frame",
+              "<script>window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(JSON(body)) + ")</script>");
+  server.page("/framing", testPage("<iframe src='" + server.url("/frame", "127.0.0.3") + "'></iframe>"));
+  for (const bool ownHost : {false, true}) {
+    SCOPED_TRACE(ownHost ? "each frame by its own host" : "frames by the top page");
+    WebSDKConfig config;
+    config.whitelistedHosts = {"127.0.0.1"};
+    config.judgesFramesByTheirOwnHost = ownHost;
+    makeView(config, delegate);
+    cart->ids.clear();
+    view->setCartPlugin(cart);
+    const std::size_t before = listener->responses.size();
+    ASSERT_TRUE(loadAndWait(server.url("/framing")));
+    if (!ownHost) {
+      EXPECT_TRUE(waitFor([&] { return cart->ids.size() == 1; }));
+      continue;
+    }
+    ASSERT_TRUE(waitFor([&] { return listener->responses.size() > before; }));
+    const auto& refused = listener->responses.back();
+    EXPECT_EQ(refused.statusCode, 1005);
+    EXPECT_EQ(refused.statusMessage, server.url("/frame", "127.0.0.3"));
+    EXPECT_TRUE(cart->ids.empty());
+  }
+}
+
+}  // namespace
+}  // namespace websdk::e2e

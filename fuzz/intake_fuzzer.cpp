@@ -145,8 +145,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Fields fields = Fields::of(&request);
 
   // A refusal names the page URL; a URL that is not UTF-8 cannot be sent, so
-  // that one answer is dropped whole rather than sent broken.
-  const bool answerable = !url || isValidUTF8(*url) || view->webSDKConfig.isWhitelistedURL(*url);
+  // that one answer is dropped whole rather than sent broken. Without a page
+  // there is no document to answer in.
+  const bool answerable = url && (isValidUTF8(*url) || view->webSDKConfig.isWhitelistedURL(*url));
   if (evaluations.size() > 1 || (answerable && evaluations.size() != 1))
     fail("not exactly one answer", requestText);
   if (evaluations.empty()) return 0;

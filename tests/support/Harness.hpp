@@ -24,6 +24,11 @@ struct RecordingListener final : WebSDKJSCommunicationProtocol {
     responses.push_back(r);
   }
   void didReceiveRequest(std::string_view r) override { requests.emplace_back(r); }
+  std::vector<std::pair<std::string, WebSDKDropReason>> dropped;  // request ids, or push scripts
+  void didDropResponse(const WebSDKResponseModel& r, WebSDKDropReason why) override {
+    dropped.emplace_back(r.requestId, why);
+  }
+  void didDropPush(std::string_view script, WebSDKDropReason why) override { dropped.emplace_back(script, why); }
 };
 
 struct RecordingCart final : DvCartWebViewCallBacks {

@@ -281,3 +281,94 @@ TEST(RequestHeaders, WireNamesAreKeptLetterForLetter) {
 
 }  // namespace
 }  // namespace websdk
+
+namespace websdk {
+namespace {
+
+using test::Harness;
+using test::RecordingCart;
+
+// An answer belongs to the document that asked: wherever the view has gone
+// since, the next document never sees it, and the listener hears why.
+TEST(Documents, AnAnswerReachesOnlyTheDocumentThatAsked) {
+  const std::pair<const char*, bool> nextPages[] = {
+      {"https://localhost/checkout", true},  // the same URL, a new document
+      {"https://pay.localhost/", true},
+      {"https://evil.test/", false},
+  };
+  for (const auto& [next, trusted] : nextPages) {
+    Harness h;
+    auto cart = std::make_shared<RecordingCart>();
+    h.view->setCartPlugin(cart);
+    h.post(R"({"type":"CLEAR_LOCAL_CART","requestId":"late"})");
+    ASSERT_EQ(cart->received.size(), 1u) << next;
+    h.engine->navigate(next);
+    h.view->sendSuccess("late");
+    h.view->executeJSFunction(WebSDKJSFunctionType::userStateChange(true));
+    h.engine->queue().drain();
+    EXPECT_TRUE(h.pageResponses().empty()) << next;
+    EXPECT_TRUE(std::ranges::count(h.listener->dropped, std::pair(std::string("late"), WebSDKDropReason::documentGone)))
+        << next;
+    // A push goes to the page shown, if it is trusted.
+    const auto evaluations = h.engine->evaluations();
+    EXPECT_EQ(evaluations.size(), trusted ? 1u : 0u) << next;
+    EXPECT_EQ(h.listener->dropped.size(), trusted ? 1u : 2u) << next;
+    // Answered once, the id is forgotten: a second answer is one nobody asked
+    // for, and only a trusted page shown now may see it.
+    h.view->sendSuccess("late");
+    h.engine->queue().drain();
+    EXPECT_EQ(h.pageResponses().size(), trusted ? 1u : 0u) << next;
+  }
+}
+
+TEST(Documents, PushesAndTheirCompletionsNeedATrustedCommittedPage) {
+  const std::optional<std::string> pages[] = {std::nullopt, "https://evil.test/", "about:blank"};
+  for (const auto& url : pages) {
+    Harness h({"localhost"}, false, url);
+    int calls = 0;
+    std::optional<JSON> got = JSON("unset");
+    h.view->executeJSFunctionWithCompletion(WebSDKJSFunctionType::pageResume(), [&](std::optional<JSON> value) {
+      ++calls;
+      got = std::move(value);
+    });
+    EXPECT_EQ(calls, 1) << url.value_or("no page");
+    EXPECT_EQ(got, std::nullopt);
+    EXPECT_TRUE(h.engine->evaluations().empty());
+    ASSERT_EQ(h.listener->dropped.size(), 1u);
+    EXPECT_EQ(h.listener->dropped[0].second, WebSDKDropReason::pageNotWhitelisted);
+  }
+}
+
+// Each answer is its own main-queue task: a host's task posted between two
+// answers runs between them.
+TEST(Documents, AnswersKeepTheirPlaceAmongTheHostsMainQueueTasks) {
+  Harness h;
+  h.view->sendSuccess("A");
+  h.engine->queue().post([&] { h.engine->evaluateJavaScript("X()", nullptr); });
+  h.view->sendSuccess("B");
+  h.engine->queue().drain();
+  std::vector<std::string> order;
+  for (const auto& e : h.engine->evaluations())
+    order.push_back(e.script == "X()" ? "X" : std::string(parseJSON(e.script.substr(15, e.script.size() - 16))
+                                                              .at("requestId")
+                                                              .as_string()));
+  EXPECT_EQ(order, (std::vector<std::string>{"A", "X", "B"}));
+}
+
+// Only create() makes a view, and its trust settings are fixed once made.
+template <class Engine>
+concept BuildableWithBraces = requires(std::unique_ptr<Engine> e, const WebSDKConfig& c) {
+  WebSDKWebView({}, std::move(e), c);
+};
+static_assert(!BuildableWithBraces<testing::TestingEngine>);
+static_assert(!std::is_default_constructible_v<WebSDKWebView>);
+template <class View>
+concept SettingsChangeable = requires(View& v) { v.webSDKConfig.shouldWhitelistAllUrls = true; };
+static_assert(!SettingsChangeable<WebSDKWebView>);
+struct MutableSettings {
+  WebSDKConfig webSDKConfig;
+};
+static_assert(SettingsChangeable<MutableSettings>, "the check itself can tell");
+
+}  // namespace
+}  // namespace websdk

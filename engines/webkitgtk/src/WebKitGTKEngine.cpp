@@ -145,7 +145,22 @@ const std::optional<std::string>& guardDirectory() {
 // same rules is one.
 std::optional<std::string> webKitCanonicalURL(std::string_view url) {
   if (url.find('\0') != std::string_view::npos) return std::nullopt;
-  const std::string raw(url);
+  // WebKitURIRequest reads its text as Latin-1; escaped, UTF-8 reads as
+  // UTF-8 (the URL standard decodes a host's escapes before its IDN rules,
+  // and escapes such bytes elsewhere anyway).
+  std::string raw;
+  raw.reserve(url.size());
+  for (const char c : url) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80) {
+      raw += c;
+    } else {
+      constexpr char kHex[] = "0123456789ABCDEF";
+      raw += '%';
+      raw += kHex[byte >> 4];
+      raw += kHex[byte & 15];
+    }
+  }
   WebKitURIRequest* request = webkit_uri_request_new(raw.c_str());
   std::string canonical = text(webkit_uri_request_get_uri(request));
   g_object_unref(request);

@@ -106,9 +106,9 @@ void post(JSCValue* body, gpointer data) {
 // this document's stamped function. It is set on the handlers' prototype,
 // because the handler object's own wrapper may be collected and made anew;
 // what it needs is captured now, before the page can change anything.
-constexpr char kInstall[] = R"((function (post, name) {
+constexpr char kInstall[] = R"((function (post, name, marker) {
   var w = window.webkit, handlers = w && w.messageHandlers, h = handlers && handlers[name];
-  if (!h) return;
+  if (!h || !handlers[marker]) return false;
   var prototype = Object.getPrototypeOf(h), original = prototype.postMessage, apply = Reflect.apply;
   Object.defineProperty(prototype, 'postMessage', {
     value: function postMessage(message) {
@@ -117,6 +117,7 @@ constexpr char kInstall[] = R"((function (post, name) {
     },
     writable: false, configurable: false, enumerable: true
   });
+  return true;
 }))";
 
 void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFrame* frame, gpointer) {
@@ -131,9 +132,6 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
     if (top.context) g_object_unref(top.context);
     top.context = JSC_CONTEXT(g_object_ref(context));
     g_weak_ref_set(&top.frame, frame);
-    webkit_web_page_send_message_to_view(
-        page, webkit_user_message_new(channel::kDocument, g_variant_new("(ts)", top.id, uri ? uri : "")), nullptr,
-        nullptr, nullptr);
   }
   auto* stamp = new Stamp{{}, uri ? uri : "", top.url, isMain, top.id};
   g_weak_ref_init(&stamp->page, page);
@@ -146,11 +144,19 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
       },
       G_TYPE_NONE, 1, JSC_TYPE_VALUE);
   JSCValue* install = jsc_context_evaluate(context, kInstall, -1);
+  bool installed = false;
   if (install != nullptr && jsc_value_is_function(install)) {
     JSCValue* done =
-        jsc_value_function_call(install, JSC_TYPE_VALUE, function, G_TYPE_STRING, channel::kName, G_TYPE_NONE);
+        jsc_value_function_call(install, JSC_TYPE_VALUE, function, G_TYPE_STRING, channel::kName, G_TYPE_STRING,
+                                channel::kMarker, G_TYPE_NONE);
+    installed = done != nullptr && jsc_value_is_boolean(done) && jsc_value_to_boolean(done);
     if (done) g_object_unref(done);
   }
+  // Only the engine's own views hear of their documents.
+  if (isMain && installed)
+    webkit_web_page_send_message_to_view(
+        page, webkit_user_message_new(channel::kDocument, g_variant_new("(ts)", top.id, top.url.c_str())), nullptr,
+        nullptr, nullptr);
   jsc_context_clear_exception(context);
   if (install) g_object_unref(install);
   g_object_unref(function);

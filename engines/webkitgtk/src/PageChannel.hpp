@@ -7,6 +7,9 @@ namespace websdk::webkitgtk::channel {
 
 /// The one handler whose messages carry the module's stamp: the bridge's.
 inline constexpr char kName[] = "nativeRequest";
+/// A handler only the engine's views register: the module stamps pages that
+/// have it and leaves every other web view of the process as it is.
+inline constexpr char kMarker[] = "websdkStamped";
 /// Page -> view: (body JSON text, handler name, frame URL, top URL, is main frame, top document).
 inline constexpr char kPost[] = "websdk:post";
 /// Page -> view: a new top document, (id, URL).

@@ -614,11 +614,13 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   State& s = *state_;
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
   // Before the view exists, so that its first web process loads the guard.
+  s.contentManager = webkit_user_content_manager_new();
   if (const auto& directory = guardDirectory()) {
     compat::setExtensionsDirectory(context, directory->c_str());
     s.stamped = true;
+    // Marks this view's pages for the module; its messages are never read.
+    webkit_user_content_manager_register_script_message_handler(s.contentManager, channel::kMarker);
   }
-  s.contentManager = webkit_user_content_manager_new();
   s.cancellable = g_cancellable_new();
   s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context,
                                                           "user-content-manager", s.contentManager, nullptr)));

@@ -49,7 +49,18 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
     const std::shared_ptr<WebSDKNavigationDelegate>& webViewDelegate,
     const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate,
     const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate) {
-  auto view = std::make_shared<WebSDKWebView>(Passkey{}, std::move(engine), config);
+  // Whatever thread lets the last reference go (a worker answering through a
+  // weak reference, say), the view and its engine are torn down on the UI
+  // thread: engines may be touched nowhere else.
+  auto view = std::shared_ptr<WebSDKWebView>(new WebSDKWebView(Passkey{}, std::move(engine), config),
+                                             [](WebSDKWebView* v) {
+                                               MainQueue& queue = v->engine_->mainQueue();
+                                               if (queue.isUIThread()) {
+                                                 delete v;
+                                               } else {
+                                                 queue.post([v] { delete v; });
+                                               }
+                                             });
   // Wiring needs the shared owner, so it happens once the view exists.
   WebSDKScriptHandler& h = *view->handler_;
   h.webview = view;
@@ -84,8 +95,16 @@ WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const W
 
 WebSDKWebView::~WebSDKWebView() = default;
 
-void WebSDKWebView::addWebSDKScriptHandler() { engine_->addScriptMessageHandler(handler_, std::string(kHandlerName)); }
-void WebSDKWebView::removeWebSDKScriptHandler() { engine_->removeScriptMessageHandler(kHandlerName); }
+// Everything that touches the engine runs on the UI thread: a call from
+// another thread is carried there, in order with the rest of its work.
+void WebSDKWebView::addWebSDKScriptHandler() {
+  if (carriedToUIThread([](WebSDKWebView& v) { v.addWebSDKScriptHandler(); })) return;
+  engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
+}
+void WebSDKWebView::removeWebSDKScriptHandler() {
+  if (carriedToUIThread([](WebSDKWebView& v) { v.removeWebSDKScriptHandler(); })) return;
+  engine_->removeScriptMessageHandler(kHandlerName);
+}
 void WebSDKWebView::resetWebView() { handler_->webview.reset(); }
 
 void WebSDKWebView::setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& p) {
@@ -110,6 +129,8 @@ void WebSDKWebView::setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCal
 
 void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
                                 const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
+  if (carriedToUIThread([=](WebSDKWebView& v) { v.loadWebView(with, requestHeaders, externalHeaders, timeoutInterval); }))
+    return;
   // The load is judged and made in the form the engine itself would load:
   // judging the raw text could trust a host the engine then does not reach.
   const auto canonical = webSDKConfig.canonicalizer(with);
@@ -138,14 +159,19 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
   engine_->load(request);
 }
 
-void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) { engine_->addUserScript(UserScript{type.script()}); }
+void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
+  if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSScript(type); })) return;
+  engine_->addUserScript(UserScript{type.script()});
+}
 
 void WebSDKWebView::setJavaScriptEnabled(bool enabled) {
+  if (carriedToUIThread([enabled](WebSDKWebView& v) { v.setJavaScriptEnabled(enabled); })) return;
   javaScriptEnabled_ = enabled;
   engine_->setPreferences(WebPreferences{enabled});
 }
 
 void WebSDKWebView::setSuppressesIncrementalRendering(bool suppress) {
+  if (carriedToUIThread([suppress](WebSDKWebView& v) { v.setSuppressesIncrementalRendering(suppress); })) return;
   suppressesIncrementalRendering_ = suppress;
   engine_->setSuppressesIncrementalRendering(suppress);
 }
@@ -262,6 +288,7 @@ void WebSDKWebView::sendFailure(const std::string& requestId, std::optional<std:
 
 void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
                                        const std::optional<std::string>& encoder) {
+  if (carriedToUIThread([=](WebSDKWebView& v) { v.sendWebSDKResponse(type, requestId, encoder); })) return;
   const auto code = rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
   WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, encoder};
   auto script = nativeResponseScript(response);
@@ -308,6 +335,10 @@ void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
 
 void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
                                                     WebSDKJSCompletionHandler completionHandler) {
+  if (carriedToUIThread([type, completionHandler](WebSDKWebView& v) {
+        v.executeJSFunctionWithCompletion(type, completionHandler);
+      }))
+    return;
   push(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
     // A script error, or a page that never ran it, is not passed on: the
     // handler then gets nothing.
@@ -315,7 +346,10 @@ void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& 
   });
 }
 
-void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) { push(type.script(), nullptr); }
+void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
+  if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSFunction(type); })) return;
+  push(type.script(), nullptr);
+}
 
 // ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----
 

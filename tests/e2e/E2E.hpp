@@ -14,6 +14,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -205,7 +206,12 @@ class RecordingDelegate final : public WebSDKNavigationDelegate {
 
 class RecordingListener final : public WebSDKJSCommunicationProtocol {
  public:
-  void didSendResponse(const WebSDKResponseModel& response) override { responses.push_back(response); }
+  // Answers may be sent from any thread, and the notice comes on the sender's.
+  void didSendResponse(const WebSDKResponseModel& response) override {
+    std::lock_guard lock(mutex);
+    responses.push_back(response);
+  }
+  std::mutex mutex;
   void didReceiveRequest(std::string_view request) override { requests.emplace_back(request); }
   void didDropResponse(const WebSDKResponseModel& response, WebSDKDropReason reason) override {
     dropped.emplace_back(response, reason);

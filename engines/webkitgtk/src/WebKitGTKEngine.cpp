@@ -68,6 +68,7 @@ void GLibMainQueue::post(std::function<void()> task) {
 }
 
 bool GLibMainQueue::isCurrent() const { return g_main_context_is_owner(static_cast<GMainContext*>(context_)) != FALSE; }
+bool GLibMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
 
 // ---- Engine state ----------------------------------------------------------------
 

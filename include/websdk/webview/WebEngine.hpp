@@ -87,6 +87,9 @@ class MainQueue {
  public:
   virtual ~MainQueue() = default;
   virtual void post(std::function<void()> task) = 0;
+  /// Whether the calling thread is the UI thread (an engine with no thread
+  /// of its own says yes everywhere).
+  virtual bool isUIThread() const { return true; }
 };
 
 // ---- Navigation ------------------------------------------------------------

@@ -216,6 +216,17 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
                std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage);
 
+  /// Called off the UI thread, posts `operation` to it (in order with every
+  /// other task there) and says so; on the UI thread, says no.
+  template <class Operation>
+  bool carriedToUIThread(Operation operation) {
+    if (engine_->mainQueue().isUIThread()) return false;
+    engine_->mainQueue().post([weak = weak_from_this(), operation = std::move(operation)]() mutable {
+      if (const auto view = weak.lock()) operation(*view);
+    });
+    return true;
+  }
+
   friend class WebSDKScriptHandler;
   /// The bridge hands request `requestId` of `document` to a plugin: its
   /// answer belongs to that document. UI thread.

@@ -16,6 +16,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace websdk::webkitgtk {
 
@@ -46,9 +47,12 @@ class GLibMainQueue final : public MainQueue {
   void post(std::function<void()> task) override;
   /// Whether the calling thread is running this queue's context now.
   bool isCurrent() const;
+  /// Whether the calling thread is the one that made the queue.
+  bool isUIThread() const override;
 
  private:
   void* context_;  // GMainContext*, referenced
+  std::thread::id thread_ = std::this_thread::get_id();
 };
 
 class WebKitGTKEngine final : public WebEngine {

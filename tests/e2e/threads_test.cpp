@@ -1,0 +1,51 @@
+// Threads against the real engine: whatever thread drops the last reference
+// to a view, or calls what must run on the UI thread, WebKit is only ever
+// touched on the UI thread.
+
+#include "E2E.hpp"
+
+#include <atomic>
+#include <thread>
+
+namespace websdk::e2e {
+namespace {
+
+// Workers answer (and push, and load) through weak references while the UI
+// thread drops the view: the last reference often goes on a worker.
+TEST_F(E2ETest, ViewsDroppedWhileWorkersUseThemAreTornDownOnTheUIThread) {
+  server.page("/page", testPage());
+  int lastOnWorker = 0;
+  for (int round = 0; round < 100; ++round) {
+    // The shared web context: a round costs a view, not new web processes.
+    view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
+                                 delegate, listener);
+    gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
+    gtk_widget_show_all(window);
+    const std::weak_ptr<WebSDKWebView> weak = view;
+    std::atomic<int> calls{0};
+    std::atomic<bool> sawLast{false};
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 2; ++t)
+      workers.emplace_back([&, t] {
+        for (int i = 0;; ++i) {
+          auto v = weak.lock();
+          if (!v) return;
+          if (t == 0 && i == 0) v->loadWebView(server.url("/page"), {{"token", "t"}}, std::nullopt, 30);
+          else if (i % 7 == 0) v->executeJSFunction(WebSDKJSFunctionType::pageResume());
+          else v->sendSuccess(std::to_string(t) + ":" + std::to_string(i));
+          ++calls;
+          if (v.use_count() == 1) sawLast = true;
+        }
+      });
+    waitFor([&] { return calls > 20; }, 5s);
+    view.reset();
+    for (auto& w : workers) w.join();
+    lastOnWorker += sawLast ? 1 : 0;
+    // The view goes once the UI thread gets to it; its widget leaves the window.
+    ASSERT_TRUE(waitFor([&] { return gtk_bin_get_child(GTK_BIN(window)) == nullptr; }, 10s)) << "round " << round;
+  }
+  std::printf("rounds whose last reference may have gone on a worker: %d of 100\n", lastOnWorker);
+}
+
+}  // namespace
+}  // namespace websdk::e2e

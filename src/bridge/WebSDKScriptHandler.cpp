@@ -15,15 +15,15 @@ constexpr std::string_view kNotAValidRequest = "not a valid request";
 
 enum class Trial { declined, delivered, dropped, notSubscribed };
 
-using TrialFn = Trial (*)(WebSDKScriptHandler&, std::size_t action, std::string_view requestId, JSON* payload,
-                          std::string_view& failureMessage);
+using TrialFn = Trial (*)(WebSDKScriptHandler&, DocumentID document, std::size_t action, std::string_view requestId,
+                          JSON* payload, std::string_view& failureMessage);
 
 // One family's steps once its action is known: build its request model (the
 // payload is moved out of the parsed request, which is used only for its id
 // afterwards), decode the typed payload, and call the host object.
 template <class F>
-Trial tryFamily(WebSDKScriptHandler& handler, std::size_t action, std::string_view requestId, JSON* payload,
-                std::string_view& failureMessage) {
+Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t action, std::string_view requestId,
+                JSON* payload, std::string_view& failureMessage) {
   typename F::Request request{static_cast<typename F::Action>(action), std::string(requestId), std::nullopt};
   if (payload != nullptr)
     if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
@@ -37,7 +37,7 @@ Trial tryFamily(WebSDKScriptHandler& handler, std::size_t action, std::string_vi
   const auto plugin = (handler.*F::delegate).lock();
   if (!plugin) return Trial::dropped;
   // Noted before the call: a plugin may answer from inside it.
-  handler.expectAnswer(requestId);
+  handler.expectAnswer(requestId, document);
   ((*plugin).*F::operation)(request, *typed);
   return Trial::delivered;
 }
@@ -98,8 +98,6 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       return;
     }
   }
-  document_ = origin.topDocument;
-
   JSON request = parseJSON(text);
   if (auto* fields = request.if_object()) {
     const JSON* type = fields->if_contains("type");
@@ -114,7 +112,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       }
       if (route != table.byAction.end()) {
         std::string_view failureMessage;
-        switch (table.trials[route->second.family](*this, route->second.action, requestId->get_string(),
+        switch (table.trials[route->second.family](*this, origin.topDocument, route->second.action, requestId->get_string(),
                                                    fields->if_contains("payload"), failureMessage)) {
           case Trial::delivered:
           case Trial::dropped: return;
@@ -147,8 +145,8 @@ void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode co
                 document);
 }
 
-void WebSDKScriptHandler::expectAnswer(std::string_view requestId) {
-  if (const auto view = webview.lock()) view->expectAnswer(std::string(requestId), document_);
+void WebSDKScriptHandler::expectAnswer(std::string_view requestId, DocumentID document) {
+  if (const auto view = webview.lock()) view->expectAnswer(std::string(requestId), document);
 }
 
 }  // namespace websdk

@@ -1,7 +1,6 @@
 #include "websdk/webview/WebSDKConfig.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdint>
 
@@ -130,6 +129,24 @@ std::optional<std::string> specialHost(std::string_view raw) {
   return host;
 }
 
+// An authority's parts: "user@", the host (IPv6 with its brackets), ":port".
+struct Authority {
+  std::string_view userinfo, host, port;
+};
+
+Authority splitAuthority(std::string_view authority) {
+  Authority parts;
+  if (const auto at = authority.rfind('@'); at != std::string_view::npos) {
+    parts.userinfo = authority.substr(0, at + 1);
+    authority.remove_prefix(at + 1);
+  }
+  const auto close = authority.starts_with('[') ? authority.find(']') : std::string_view::npos;
+  const auto portColon = authority.find(':', close == std::string_view::npos ? 0 : close);
+  parts.host = authority.substr(0, portColon);
+  if (portColon != std::string_view::npos) parts.port = authority.substr(portColon);
+  return parts;
+}
+
 }  // namespace
 
 std::optional<std::string> canonicalURL(std::string_view url) {
@@ -167,21 +184,10 @@ std::optional<std::string> canonicalURL(std::string_view url) {
   }
   std::size_t end = 0;
   while (end < rest.size() && !isSlash(rest[end]) && rest[end] != '?' && rest[end] != '#') ++end;
-  std::string_view authority = rest.substr(0, end);
-  std::string_view tail = rest.substr(end);
-  std::string_view userinfo;
-  if (const auto at = authority.rfind('@'); at != std::string_view::npos) {
-    userinfo = authority.substr(0, at + 1);
-    authority.remove_prefix(at + 1);
-  }
-  std::string_view hostText = authority, port;
-  const auto close = authority.find(']');
-  const auto portColon = authority.find(':', close == std::string_view::npos ? 0 : close);
-  if (portColon != std::string_view::npos) {
-    hostText = authority.substr(0, portColon);
-    port = authority.substr(portColon);
-    if (!std::ranges::all_of(port.substr(1), [](char c) { return c >= '0' && c <= '9'; })) return std::nullopt;
-  }
+  const auto [userinfo, hostText, port] = splitAuthority(rest.substr(0, end));
+  const std::string_view tail = rest.substr(end);
+  if (!port.empty() && !std::ranges::all_of(port.substr(1), [](char c) { return c >= '0' && c <= '9'; }))
+    return std::nullopt;
   std::string host;
   if (special) {
     auto h = specialHost(hostText);
@@ -211,17 +217,9 @@ std::optional<std::string_view> hostOf(std::string_view canonical) {
   std::string_view rest = canonical.substr(colon + 1);
   if (!rest.starts_with("//")) return std::nullopt;
   rest.remove_prefix(2);
-  const auto end = rest.find_first_of("/?#");
-  std::string_view authority = rest.substr(0, end);
-  if (const auto at = authority.rfind('@'); at != std::string_view::npos) authority.remove_prefix(at + 1);
-  if (authority.starts_with('[')) {
-    const auto close = authority.find(']');
-    if (close == std::string_view::npos) return std::nullopt;
-    return authority.substr(0, close + 1);
-  }
-  authority = authority.substr(0, authority.find(':'));
-  if (authority.empty()) return std::nullopt;
-  return authority;
+  const std::string_view host = splitAuthority(rest.substr(0, rest.find_first_of("/?#"))).host;
+  if (host.empty() || (host.starts_with('[') && !host.ends_with(']'))) return std::nullopt;
+  return host;
 }
 
 bool WebSDKConfig::isWhitelistedURL(std::string_view url) const {

@@ -211,15 +211,30 @@ std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& request
     return document;
   }
   // Not asked (or answered already): only a trusted page shown now may see it.
-  const DocumentID shown = engine_->document();
-  const auto url = engine_->url();
   why = WebSDKDropReason::pageNotWhitelisted;
-  if (shown == 0 || !url || !webSDKConfig.isWhitelistedURL(*url)) return std::nullopt;
+  return trustedDocumentShown();
+}
+
+std::optional<DocumentID> WebSDKWebView::trustedDocumentShown() {
+  const DocumentID shown = engine_->document();
+  if (shown == 0) return std::nullopt;
+  // A document's URL never changes: it is judged once.
+  if (shown == trustedDocument_) return shown;
+  const auto url = engine_->url();
+  if (!url || !webSDKConfig.isWhitelistedURL(*url)) return std::nullopt;
+  trustedDocument_ = shown;
   return shown;
 }
 
 void WebSDKWebView::tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason) {
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didDropResponse(response, reason);
+}
+
+ScriptCompletion WebSDKWebView::dropNotice(WebSDKResponseModel response) {
+  return [weak = weak_from_this(), response = std::move(response)](ScriptResult result) {
+    if (!result.dropped) return;
+    if (const auto v = weak.lock()) v->tellDropped(response, WebSDKDropReason::documentGone);
+  };
 }
 
 void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<DocumentID> document) {
@@ -240,13 +255,9 @@ void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<Document
     if (!target) return view->tellDropped(response, why);
     // Hearing back costs a trip from the page: asked for only when a
     // listener wants to know of answers that never ran.
-    ScriptCompletion told;
-    if (!view->webJSCommunicatorDelegate.expired())
-      told = [weak, response = std::move(response)](ScriptResult result) {
-        if (!result.dropped) return;
-        if (const auto v = weak.lock()) v->tellDropped(response, WebSDKDropReason::documentGone);
-      };
-    view->engine_->evaluateInDocument(*target, std::move(script), std::move(told));
+    view->engine_->evaluateInDocument(
+        *target, std::move(script),
+        view->webJSCommunicatorDelegate.expired() ? nullptr : view->dropNotice(std::move(response)));
   });
 }
 
@@ -301,13 +312,13 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
   WebSDKDropReason why = WebSDKDropReason::documentGone;
   const auto target = answerTarget(requestId, why);
   if (!target) return tellDropped(response, why);
-  engine_->evaluateInDocument(*target, std::move(*script), [weak = weak_from_this(), response](ScriptResult result) {
-    if (result.dropped) {
-      if (const auto v = weak.lock()) v->tellDropped(response, WebSDKDropReason::documentGone);
-    } else if (result.error) {
-      std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
-    }
-  });
+  engine_->evaluateInDocument(*target, std::move(*script),
+                              [dropped = dropNotice(std::move(response))](ScriptResult result) {
+                                if (result.error)
+                                  std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error
+                                            << std::endl;
+                                dropped(std::move(result));
+                              });
 }
 
 // ---- Page events ---------------------------------------------------------------
@@ -315,15 +326,15 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
 void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
   // Pushed events carry the app's state (login, addresses, payloads): only a
   // committed document on a whitelisted host receives them.
-  const DocumentID shown = engine_->document();
-  const auto url = engine_->url();
-  const auto dropped = [&](WebSDKDropReason reason) {
-    if (auto listener = webJSCommunicatorDelegate.lock()) listener->didDropPush(script, reason);
+  const auto shown = trustedDocumentShown();
+  if (!shown) {
+    if (auto listener = webJSCommunicatorDelegate.lock())
+      listener->didDropPush(script, WebSDKDropReason::pageNotWhitelisted);
     if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
-  };
-  if (shown == 0 || !url || !webSDKConfig.isWhitelistedURL(*url)) return dropped(WebSDKDropReason::pageNotWhitelisted);
-  if (!completion && webJSCommunicatorDelegate.expired()) return engine_->evaluateInDocument(shown, script, nullptr);
-  engine_->evaluateInDocument(shown, script,
+    return;
+  }
+  if (!completion && webJSCommunicatorDelegate.expired()) return engine_->evaluateInDocument(*shown, script, nullptr);
+  engine_->evaluateInDocument(*shown, script,
                               [weak = weak_from_this(), script, completion = std::move(completion)](ScriptResult r) {
                                 if (r.dropped)
                                   if (const auto v = weak.lock())

@@ -155,8 +155,7 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
   // Only the engine's own views hear of their documents.
   if (isMain && installed)
     webkit_web_page_send_message_to_view(
-        page, webkit_user_message_new(channel::kDocument, g_variant_new("(ts)", top.id, top.url.c_str())), nullptr,
-        nullptr, nullptr);
+        page, webkit_user_message_new(channel::kDocument, g_variant_new("(t)", top.id)), nullptr, nullptr, nullptr);
   jsc_context_clear_exception(context);
   if (install) g_object_unref(install);
   g_object_unref(function);

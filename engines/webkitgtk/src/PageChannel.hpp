@@ -12,7 +12,8 @@ inline constexpr char kName[] = "nativeRequest";
 inline constexpr char kMarker[] = "websdkStamped";
 /// Page -> view: (body JSON text, handler name, frame URL, top URL, is main frame, top document).
 inline constexpr char kPost[] = "websdk:post";
-/// Page -> view: a new top document, (id, URL).
+/// Page -> view: a new top document, (id). The UI process keeps the URL it
+/// saw committed; the stamp carries each document's own.
 inline constexpr char kDocument[] = "websdk:document";
 /// View -> page: (top document, script, wants a reply); evaluated only there.
 inline constexpr char kEvaluate[] = "websdk:evaluate";

@@ -582,8 +582,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     const char* name = webkit_user_message_get_name(message);
     GVariant* params = webkit_user_message_get_parameters(message);
     if (!stamped || params == nullptr) return FALSE;
-    if (g_str_equal(name, channel::kDocument) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ts)"))) {
-      g_variant_get(params, "(t&s)", &document, nullptr);
+    if (g_str_equal(name, channel::kDocument) && g_variant_is_of_type(params, G_VARIANT_TYPE("(t)"))) {
+      g_variant_get(params, "(t)", &document);
       return TRUE;
     }
     if (g_str_equal(name, channel::kPost) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ssssbt)"))) {

@@ -91,7 +91,6 @@ class DvWebViewMenuListCallbacks {
   virtual void handleMenuListRequest(const WebSDKMenuListRequestModel& request, const WebSDKMenuListPayload& payload) = 0;
 };
 
-/// The host's listener for bridge traffic.
 /// Why something sent to the page never ran there.
 enum class WebSDKDropReason {
   /// The document it was meant for is gone: the page navigated (or was
@@ -101,6 +100,7 @@ enum class WebSDKDropReason {
   pageNotWhitelisted,
 };
 
+/// The host's listener for bridge traffic.
 class WebSDKJSCommunicationProtocol {
  public:
   virtual ~WebSDKJSCommunicationProtocol() = default;

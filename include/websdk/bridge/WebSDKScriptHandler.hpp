@@ -37,17 +37,14 @@ class WebSDKScriptHandler final : public ScriptMessageHandler {
   /// thread; never throws, whatever the page posted.
   void userContentController(const ScriptMessage& message) override;
 
-  /// Notes that the request being handed to a plugin now is answered into
-  /// the document that sent it. UI thread, during userContentController.
-  void expectAnswer(std::string_view requestId);
+  /// Notes that a request `document` sent, being handed to a plugin now, is
+  /// answered into that document. UI thread, during userContentController.
+  void expectAnswer(std::string_view requestId, DocumentID document);
 
  private:
   bool isTrusted(const WebSDKConfig& config, std::string_view url);
   void answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message,
                      DocumentID document);
-
-  // The top document of the message being handled.
-  DocumentID document_ = 0;
 
   // The last page URL found trusted and the whitelist it was checked against:
   // a page posts many messages from one URL, so each URL is checked once.

@@ -234,9 +234,13 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// The document that asked `requestId` (forgotten once answered), or, for
   /// an id never asked, the document shown if it is whitelisted. UI thread.
   std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
+  /// The committed document shown, if its host is whitelisted. UI thread.
+  std::optional<DocumentID> trustedDocumentShown();
   /// Evaluates a pushed call in the document shown, if it is whitelisted.
   void push(std::string script, ScriptCompletion completion);
   void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
+  /// A completion that tells the listener when `response` never ran.
+  ScriptCompletion dropNotice(WebSDKResponseModel response);
 
   bool pinchGestureEnable_ = false;
   bool javaScriptEnabled_ = true;
@@ -247,6 +251,8 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   // them, oldest first per id (a page may reuse an id). UI thread only.
   std::unordered_map<std::string, std::deque<DocumentID>> awaiting_;
   std::size_t awaitingCount_ = 0;
+  // The last document found on a whitelisted host. UI thread only.
+  DocumentID trustedDocument_ = 0;
 };
 
 }  // namespace websdk

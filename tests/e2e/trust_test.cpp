@@ -43,7 +43,16 @@ TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
   view->loadWebView(server.url("/trusted"), {{"token", "t"}}, std::nullopt, 30);
   ASSERT_TRUE(waitFor([&] { return !server.requestsTo("/trusted").empty(); }));
   for (int i = 0; i < 5; ++i) postFromPage(cartRequest("old-" + std::to_string(i)));
-  ASSERT_TRUE(waitFor([&] { return responses().size() >= 5; }));
+  // The same page tries other ways in: a frame it makes now, and the
+  // handler's method called by hand.
+  const auto body = [](const std::string& id) { return serialize(JSON(JSONObject{{"message", cartRequest(id)}})); };
+  view->engine().evaluateJavaScript(
+      "const f = document.createElement('iframe'); document.body.appendChild(f);"
+      "f.contentWindow.webkit.messageHandlers.nativeRequest.postMessage(" + body("framed") + ");"
+      "const h = window.webkit.messageHandlers.nativeRequest;"
+      "Object.getPrototypeOf(h).postMessage.call(h, " + body("by-hand") + ");",
+      nullptr);
+  ASSERT_TRUE(waitFor([&] { return responses().size() >= 7; }));
   EXPECT_TRUE(cart->ids.empty()) << "no request of the untrusted page reached the plugin";
   for (const auto& r : responses()) {
     EXPECT_EQ(r.at("statusCode"), JSON(1005));

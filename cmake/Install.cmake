@@ -30,6 +30,15 @@ set(WEBSDK_HAS_WEBKITGTK OFF)
 if(TARGET websdk_webkitgtk)
   set(WEBSDK_HAS_WEBKITGTK ON)
   websdk_install_library(websdk_webkitgtk webkitgtk ${PROJECT_SOURCE_DIR}/engines/webkitgtk/include)
+  # A host built against the installed package is told where the engine's
+  # web-process module lies from the package's headers (engines/webkitgtk
+  # installs it there). WebKitGTKConfiguration's default starts from the
+  # headers' own place, so the package may lie anywhere. Targets in this build
+  # tree get nothing.
+  file(RELATIVE_PATH WEBSDK_INCLUDE_TO_WEB_EXTENSIONS /${CMAKE_INSTALL_INCLUDEDIR}
+       /${CMAKE_INSTALL_LIBDIR}/websdk/web-extensions)
+  target_compile_definitions(websdk_webkitgtk INTERFACE
+    "$<INSTALL_INTERFACE:WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR=${WEBSDK_INCLUDE_TO_WEB_EXTENSIONS}>")
 endif()
 install(TARGETS websdk-inspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 

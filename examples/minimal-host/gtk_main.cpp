@@ -1,20 +1,28 @@
-// minimal-host-gtk: the same cart plugin behind a real WebKitGTK web view. A
-// small page asks for its cart and shows the answer.
+// minimal-host-gtk: the same cart plugin behind a real WebKitGTK web view. The
+// app loads the shop's page with its own header fields; the page asks for its
+// cart and shows the answer.
 //
-//   minimal-host-gtk                     opens the window
-//   minimal-host-gtk --exit-when-answered  quits with 0 once the page has its answer
+//   minimal-host-gtk                       opens the window
+//   minimal-host-gtk --exit-when-answered  quits with 0 once the page has its
+//                                          answer and the shop got the app's token
 
 #include "CartPlugin.hpp"
+#include "LocalShop.hpp"
 
 #include <websdk/webkitgtk/Native.hpp>
+#include <websdk/webview/WebSDKRequestHeaders.hpp>
 
 #include <chrono>
 #include <cstring>
 #include <iostream>
+#include <string>
 
 using namespace websdk;
 
 namespace {
+
+// The app's session token: one of the header fields only trusted hosts get.
+constexpr const char* kToken = "demo-token";
 
 // The page: it posts to "nativeRequest" and gets its answer in nativeResponse.
 constexpr const char* kPage = R"(<!doctype html>
@@ -62,9 +70,13 @@ int main(int argc, char** argv) {
     return 1;
   }
 
+  // The shop's server; here a stand-in on this machine (LocalShop.hpp).
+  LocalShop shop(kPage);
+
+  // The shop's host is trusted with the bridge and with the app's headers.
   auto navigation = std::make_shared<NavigationPolicy>();
-  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"shop.example"}, nullptr,
-                                    nullptr, navigation);
+  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
+                                    navigation);
   auto cart = std::make_shared<CartPlugin>(view);
   view->setCartPlugin(cart);
 
@@ -73,10 +85,11 @@ int main(int argc, char** argv) {
   gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
   gtk_widget_show_all(window);
 
-  // A real app loads its page with loadWebView(url, headers, ...); this one
-  // carries its page inside and shows it under a trusted address.
+  // The app's header fields go only to trusted hosts, also across redirects.
+  using H = WebSDKRequestHeaders;
+  view->loadWebView(shop.url(), {{std::string(H::platform), "linux"}, {std::string(H::token), kToken}}, std::nullopt,
+                    30 /* seconds */);
   WebKitWebView* webView = webkitgtk::nativeWebView(view->engine());
-  webkit_web_view_load_html(webView, kPage, "https://shop.example/cart");
 
   int status = 0;
   if (exitWhenAnswered) {
@@ -88,7 +101,9 @@ int main(int argc, char** argv) {
         std::chrono::seconds(20));
     const char* title = webkit_web_view_get_title(webView);
     std::cout << "minimal-host-gtk: page title \"" << (title ? title : "") << "\"" << std::endl;
-    status = answered ? 0 : 1;
+    const std::string token = shop.header(std::string(H::token));
+    std::cout << "minimal-host-gtk: the shop got token \"" << token << "\"" << std::endl;
+    status = answered && token == kToken ? 0 : 1;
   } else {
     g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
     gtk_main();

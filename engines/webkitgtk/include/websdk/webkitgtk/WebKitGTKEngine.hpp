@@ -29,10 +29,51 @@ bool initialize(int* argc = nullptr, char*** argv = nullptr);
 /// engine without a GTK main loop of their own.
 bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound);
 
+// The installed package (its CMake targets and its pkg-config file) defines
+// WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR for a host's build: where the engine's
+// web-process module lies from the package's include directory, a plain
+// relative path such as ../lib/websdk/web-extensions. The include directory is
+// the one this header lies in, as the compiler found it, so no path with
+// quotes passes through a shell and the package may lie anywhere. GCC's words
+// predefined outside strict mode (linux, unix) are taken literally.
+namespace detail {
+#ifdef WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR
+#pragma push_macro("linux")
+#pragma push_macro("unix")
+#undef linux
+#undef unix
+#define WEBSDK_WEBKITGTK_TEXT_(...) #__VA_ARGS__
+#define WEBSDK_WEBKITGTK_TEXT(...) WEBSDK_WEBKITGTK_TEXT_(__VA_ARGS__)
+constexpr char kPackageWebExtensions[] = WEBSDK_WEBKITGTK_TEXT(WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR);
+#undef WEBSDK_WEBKITGTK_TEXT
+#undef WEBSDK_WEBKITGTK_TEXT_
+#pragma pop_macro("unix")
+#pragma pop_macro("linux")
+#else
+constexpr char kPackageWebExtensions[] = "";
+#endif
+
+/// `relative` taken from the include directory holding `header`, which lies
+/// in websdk/webkitgtk/ under it; empty when `relative` is.
+inline std::string fromIncludeDirectory(std::string_view header, std::string_view relative) {
+  if (relative.empty()) return {};
+  for (int level = 0; level < 3; ++level) {
+    const auto slash = header.rfind('/');
+    header = header.substr(0, slash == std::string_view::npos ? 0 : slash);
+  }
+  return std::string(header.empty() ? "." : header) + "/" + std::string(relative);
+}
+}  // namespace detail
+
 /// How the engine's web context is made.
 struct WebKitGTKConfiguration {
   /// Keep no cache, cookies or storage beyond the engine's life.
   bool ephemeral = false;
+  /// The directory holding the engine's web-process module, which keeps the
+  /// app's headers from hosts they are not for. A host built against the
+  /// installed package gets the package's own; empty, the engine looks where
+  /// it was installed and built. WEBSDK_WEB_EXTENSIONS_DIR, when set, wins.
+  std::string webExtensionsDirectory = detail::fromIncludeDirectory(__FILE__, detail::kPackageWebExtensions);
 };
 
 /// The main queue on the GLib main context of the thread that made it. post()

@@ -53,10 +53,15 @@ bool TestingEngine::postScriptMessage(const std::string& name, JSON body, std::o
   return true;
 }
 
+// As the real engines post the bridge's messages: the "message" string only.
 bool TestingEngine::postRequest(std::string_view requestText, std::optional<MessageOrigin> origin) {
-  JSONObject body;
-  body.emplace("message", requestText);
-  return postScriptMessage("nativeRequest", std::move(body), std::move(origin));
+  const auto it = handlers_.find("nativeRequest");
+  if (it == handlers_.end()) return false;
+  const auto handler = it->second.lock();
+  if (!handler) return false;
+  handler->userContentController(ScriptMessage{"nativeRequest", nullptr, origin ? std::move(*origin) : topOrigin(),
+                                               requestText, requestText.size()});
+  return true;
 }
 
 void TestingEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {

@@ -3,12 +3,88 @@
 #include "websdk/bridge/Families.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
+#include <boost/json/basic_parser_impl.hpp>
+
 #include <array>
 #include <cstdint>
 #include <unordered_map>
 
 namespace websdk {
 namespace {
+
+// Reads the request id of a message's text as far as the start goes: events
+// of a streaming parse, stopped at the budget, nothing kept but the last
+// top-level "requestId" (as the full parse keeps the last of duplicate keys).
+class RequestIdScan {
+ public:
+  static constexpr std::size_t max_object_size = std::size_t(-1);
+  static constexpr std::size_t max_array_size = std::size_t(-1);
+  static constexpr std::size_t max_key_size = std::size_t(-1);
+  static constexpr std::size_t max_string_size = std::size_t(-1);
+
+  std::optional<std::string> found;
+
+  bool on_document_begin(boost::json::error_code&) { return true; }
+  bool on_document_end(boost::json::error_code&) { return true; }
+  bool on_object_begin(boost::json::error_code&) { return open(); }
+  bool on_object_end(std::size_t, boost::json::error_code&) { return close(); }
+  bool on_array_begin(boost::json::error_code&) { return open(); }
+  bool on_array_end(std::size_t, boost::json::error_code&) { return close(); }
+  bool on_key_part(std::string_view s, std::size_t, boost::json::error_code&) {
+    if (depth_ == 1) key_ += s;
+    return true;
+  }
+  bool on_key(std::string_view s, std::size_t, boost::json::error_code&) {
+    if (depth_ == 1) {
+      key_ += s;
+      wanted_ = key_ == "requestId";
+      key_.clear();
+    }
+    return true;
+  }
+  bool on_string_part(std::string_view s, std::size_t, boost::json::error_code&) {
+    if (wantedHere()) text_ += s;
+    return true;
+  }
+  bool on_string(std::string_view s, std::size_t, boost::json::error_code&) {
+    if (wantedHere()) {
+      text_ += s;
+      take(JSON(std::exchange(text_, {})));
+    }
+    return true;
+  }
+  bool on_number_part(std::string_view, boost::json::error_code&) { return true; }
+  bool on_int64(std::int64_t i, std::string_view, boost::json::error_code&) { return scalar(JSON(i)); }
+  bool on_uint64(std::uint64_t u, std::string_view, boost::json::error_code&) { return scalar(JSON(u)); }
+  bool on_double(double d, std::string_view, boost::json::error_code&) { return scalar(JSON(d)); }
+  bool on_bool(bool b, boost::json::error_code&) { return scalar(JSON(b)); }
+  bool on_null(boost::json::error_code&) { return scalar(JSON(nullptr)); }
+  bool on_comment_part(std::string_view, boost::json::error_code&) { return true; }
+  bool on_comment(std::string_view, boost::json::error_code&) { return true; }
+
+ private:
+  bool wantedHere() const { return wanted_ && depth_ == 1; }
+  bool open() {
+    if (wantedHere()) take(JSON(nullptr));  // an object or array is no id
+    ++depth_;
+    return true;
+  }
+  bool close() {
+    --depth_;
+    return true;
+  }
+  bool scalar(JSON v) {
+    if (wantedHere()) take(std::move(v));
+    return true;
+  }
+  void take(JSON v) {
+    found = lenientString(&v);
+    wanted_ = false;
+  }
+  std::size_t depth_ = 0;
+  bool wanted_ = false;
+  std::string key_, text_;
+};
 
 constexpr std::string_view kHandlerName = "nativeRequest";
 constexpr std::string_view kNotAValidRequest = "not a valid request";
@@ -75,11 +151,19 @@ const Routes& routes() {
 
 void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   if (message.name != kHandlerName) return;
-  const JSONObject* body = message.body.if_object();
-  if (body == nullptr) return;
-  const JSON* textValue = body->if_contains("message");
-  if (textValue == nullptr || !textValue->is_string()) return;
-  const std::string_view text = textValue->get_string();
+  std::string_view text;
+  std::size_t bytes = 0;  // the whole message's size
+  if (message.message) {
+    text = *message.message;
+    bytes = std::max(message.messageBytes, text.size());
+  } else {
+    const JSONObject* body = message.body.if_object();
+    if (body == nullptr) return;
+    const JSON* textValue = body->if_contains("message");
+    if (textValue == nullptr || !textValue->is_string()) return;
+    text = textValue->get_string();
+    bytes = text.size();
+  }
 
   if (auto listener = webJSCommunicationDelegate.lock()) listener->didReceiveRequest(text);
 
@@ -92,9 +176,19 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     const auto view = webview.lock();
     const std::string& judged =
         view && view->webSDKConfig.judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
+    // A refused page's text is never parsed: its request id is looked for
+    // near the start only, so no size of message stalls the UI thread.
     if (!view || judged.empty() || !isTrusted(view->webSDKConfig, judged)) {
-      answerFailure(parseJSON(text), WebSDKStatusCode::notWhitelistedUrl,
+      answerFailure(requestIdNearTheStart(text), WebSDKStatusCode::notWhitelistedUrl,
                     judged.empty() ? std::nullopt : std::optional<std::string>(judged), origin.topDocument);
+      return;
+    }
+    // Only the start of a message the engine judged too large is here.
+    if (bytes > view->webSDKConfig.maximumMessageBytes || bytes > text.size()) {
+      answerFailure(requestIdNearTheStart(text), WebSDKStatusCode::notHandled,
+                    "message too large: " + std::to_string(bytes) + " bytes, the limit is " +
+                        std::to_string(view->webSDKConfig.maximumMessageBytes),
+                    origin.topDocument);
       return;
     }
   }
@@ -135,13 +229,25 @@ bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view
   return true;
 }
 
+std::string requestIdNearTheStart(std::string_view text, std::size_t budget) {
+  boost::json::basic_parser<RequestIdScan> parser(boost::json::parse_options{});
+  boost::json::error_code ec;
+  const std::string_view start = text.substr(0, budget);
+  parser.write_some(start.size() < text.size(), start.data(), start.size(), ec);
+  return parser.handler().found.value_or("");
+}
+
 void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message,
                                         DocumentID document) {
+  answerFailure(Fields::of(&request).lenientString("requestId"), code, std::move(message), document);
+}
+
+void WebSDKScriptHandler::answerFailure(std::string requestId, WebSDKStatusCode code,
+                                        std::optional<std::string> message, DocumentID document) {
   const auto view = webview.lock();
   if (!view) return;
-  const Fields fields = Fields::of(&request);
   view->deliver(WebSDKResponseModel{std::string(rawValue(WebSDKResponseType::failure)), rawValue(code),
-                                    std::move(message), fields.lenientString("requestId"), std::nullopt},
+                                    std::move(message), std::move(requestId), std::nullopt},
                 document);
 }
 

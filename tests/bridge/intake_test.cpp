@@ -121,6 +121,53 @@ TEST(Intake, APageOutsideTheWhitelistIsAnsweredWithItsURLAndNoPluginIsCalled) {
   EXPECT_EQ(noPage.listener->responses[0].statusMessage, std::nullopt);
 }
 
+// A refused or oversized message is answered under the id its first bytes
+// give, and is never parsed in full.
+TEST(Intake, RefusedAndOversizedMessagesAreAnsweredFromTheirFirstBytes) {
+  const std::string far = R"({"pad":")" + std::string(70'000, 'x') + R"(","requestId":"late"})";
+  struct Row {
+    std::string text;
+    std::string id;
+  };
+  const Row rows[] = {
+      {R"({"requestId":"7"})", "7"},
+      {R"({"type":"X","requestId":12})", "12"},
+      {R"({"requestId":"a\"b\u00e9"})", "a\"b\xC3\xA9"},
+      {R"({"payload":{"requestId":"inner"},"requestId":"outer"})", "outer"},
+      {R"({"payload":{"requestId":"inner"}})", ""},
+      {R"({"requestId":"1","requestId":"2"})", "2"},
+      {R"({"requestId":"7","payload":{"cut off)", "7"},
+      {R"({"requestId":["7"]})", ""},
+      {R"([{"requestId":"7"}])", ""},
+      {"not json", ""},
+      {far, ""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(requestIdNearTheStart(row.text), row.id) << row.text.substr(0, 60);
+  EXPECT_EQ(requestIdNearTheStart(far, far.size()), "late");
+
+  // Past the view's limit a trusted page's request is refused with a reason.
+  auto owned = std::make_unique<testing::TestingEngine>();
+  auto* engine = owned.get();
+  engine->setURL("https://localhost/checkout");
+  WebSDKConfig config{{"localhost"}};
+  config.maximumMessageBytes = 80;
+  auto listener = std::make_shared<test::RecordingListener>();
+  const auto view = WebSDKWebView::create(std::move(owned), config, nullptr, nullptr, nullptr, listener);
+  auto cart = std::make_shared<RecordingCart>();
+  view->setCartPlugin(cart);
+  const std::string small = R"({"type":"GET_LOCAL_CART","requestId":"s","payload":{"tenant":{}}})";
+  const std::string large = R"({"type":"GET_LOCAL_CART","requestId":"l","payload":{"tenant":{"marketplaceId":"m"}}})";
+  engine->postRequest(small);
+  engine->postRequest(large);
+  engine->queue().drain();
+  EXPECT_EQ(cart->received.size(), 1u);
+  ASSERT_EQ(listener->responses.size(), 1u);
+  EXPECT_EQ(listener->responses[0].statusCode, 1003);
+  EXPECT_EQ(listener->responses[0].requestId, "l");
+  EXPECT_EQ(listener->responses[0].statusMessage,
+            "message too large: " + std::to_string(large.size()) + " bytes, the limit is 80");
+}
+
 TEST(Intake, TrustFollowsTheDocumentThatSentTheMessage) {
   Harness h({"example.com"}, false, "https://pay.example.com/");
   const std::string request = R"({"type":"CLEAR_LOCAL_CART","requestId":"t"})";

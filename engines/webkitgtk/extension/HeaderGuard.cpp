@@ -3,7 +3,8 @@
 //
 // - The header guard: it sees each request the page is about to send,
 //   redirects included, and keeps the app's header fields off hosts the
-//   load's guard does not trust.
+//   app's view does not trust. It answers the view's hello, so that the
+//   view sends the app's headers only where it is known to be.
 // - The page channel's stamp: each document's "nativeRequest" handler posts
 //   through a function made for that document, which adds the document's own
 //   URL, its frame and its top document to every message. The UI process
@@ -18,25 +19,51 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
 using namespace websdk::webkitgtk;
 
+// The rules of every view in this process's context, from the process's
+// initialization data and each update since.
+std::vector<guard::Rule>& rules() {
+  static std::vector<guard::Rule> all;
+  return all;
+}
+
+// A field the app loaded with leaves only for a host its view trusts: any
+// view that owns the field and does not trust the host takes it off.
 gboolean sendRequest(WebKitWebPage*, WebKitURIRequest* request, WebKitURIResponse*, gpointer) {
   SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(request);
-  if (headers == nullptr) return FALSE;
-  const char* field = soup_message_headers_get_one(headers, guard::kField);
-  if (field == nullptr) return FALSE;
-  const auto g = guard::decode(field);
   const char* uri = webkit_uri_request_get_uri(request);
-  // A trusted host keeps the guard with the fields: a redirect is made from
-  // the request as sent, and must still carry the rule that confines them.
-  if (g && uri != nullptr && g->trust.isWhitelistedURL(uri)) return FALSE;
-  if (g)
-    for (const auto& name : g->confined) soup_message_headers_remove(headers, name.c_str());
-  soup_message_headers_remove(headers, guard::kField);
+  if (headers == nullptr || uri == nullptr) return FALSE;
+  for (const auto& rule : rules()) {
+    bool judged = false, trusted = false;
+    for (const auto& [name, value] : rule.fields) {
+      const char* sent = soup_message_headers_get_one(headers, name.c_str());
+      if (sent == nullptr || value != sent) continue;
+      if (!judged) {
+        trusted = rule.trust.isWhitelistedURL(uri);
+        judged = true;
+      }
+      if (!trusted) soup_message_headers_remove(headers, name.c_str());
+    }
+  }
   return FALSE;  // the request goes on
+}
+
+const guard::Rule* ruleOf(WebKitWebPage* page) {
+  const guint64 id = webkit_web_page_get_id(page);
+  for (const auto& rule : rules())
+    if (rule.page == id) return &rule;
+  return nullptr;
+}
+
+gboolean extensionMessage(WebKitWebExtension*, WebKitUserMessage* message, gpointer) {
+  if (std::strcmp(webkit_user_message_get_name(message), guard::kRules) != 0) return FALSE;
+  rules() = guard::decode(webkit_user_message_get_parameters(message));
+  return TRUE;
 }
 
 // ---- The page channel ------------------------------------------------------------
@@ -87,16 +114,30 @@ void post(JSCValue* body, gpointer data) {
   auto* stamp = static_cast<Stamp*>(data);
   auto* page = static_cast<WebKitWebPage*>(g_weak_ref_get(&stamp->page));
   if (page == nullptr) return;
-  // Whatever the page posts becomes JSON text here; what JSON cannot carry
-  // (functions, cycles) arrives as null and is dropped by the bridge.
-  char* json = jsc_value_to_json(body, 0);
-  if (json == nullptr) {
-    jsc_context_clear_exception(jsc_value_get_context(body));
-    json = g_strdup("null");
+  // The bridge reads only the body's "message" string: just that is sent,
+  // as it stands, and the UI process judges the sender before reading it.
+  // A body without one could never be a request.
+  char* message = channel::messageOf(body);
+  if (message == nullptr) {
+    g_object_unref(page);
+    return;
   }
-  GVariant* params = g_variant_new("(@ssssbt)", g_variant_new_take_string(json), channel::kName,
+  // A message its view would refuse unread goes as its start only: the UI
+  // process never receives the rest.
+  const std::size_t bytes = std::strlen(message);
+  if (bytes > channel::kRefusedStart)
+    if (const guard::Rule* rule = ruleOf(page);
+        rule != nullptr &&
+        (bytes > rule->trust.maximumMessageBytes ||
+         !rule->trust.isWhitelistedURL(rule->trust.judgesFramesByTheirOwnHost ? stamp->frameURL : stamp->topURL))) {
+      // Cut at a character's start, so the start stays UTF-8.
+      std::size_t cut = channel::kRefusedStart;
+      while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
+      message[cut] = '\0';
+    }
+  GVariant* params = g_variant_new("(@ssssbtt)", g_variant_new_take_string(message), channel::kName,
                                    stamp->frameURL.c_str(), stamp->topURL.c_str(), stamp->isMainFrame,
-                                   stamp->topDocument);
+                                   stamp->topDocument, static_cast<guint64>(bytes));
   webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
                                        nullptr);
   g_object_unref(page);
@@ -169,7 +210,14 @@ void reply(WebKitUserMessage* message, gboolean dropped, gboolean failed, const 
 
 // An evaluation for one top document: run only if that document is shown.
 gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) {
-  if (std::strcmp(webkit_user_message_get_name(message), channel::kEvaluate) != 0) return FALSE;
+  const char* name = webkit_user_message_get_name(message);
+  // The view asks whether the guard is in its page's process before it sends
+  // the app's headers there.
+  if (std::strcmp(name, guard::kHello) == 0) {
+    webkit_user_message_send_reply(message, webkit_user_message_new(guard::kReady, nullptr));
+    return TRUE;
+  }
+  if (std::strcmp(name, channel::kEvaluate) != 0) return FALSE;
   GVariant* params = webkit_user_message_get_parameters(message);
   if (params == nullptr || !g_variant_is_of_type(params, G_VARIANT_TYPE("(tsb)"))) return FALSE;
   guint64 document = 0;
@@ -208,7 +256,10 @@ void pageCreated(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
 
 }  // namespace
 
-extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize(WebKitWebExtension* extension) {
+extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize_with_user_data(WebKitWebExtension* extension,
+                                                                                  GVariant* data) {
+  rules() = guard::decode(data);
+  g_signal_connect(extension, "user-message-received", G_CALLBACK(extensionMessage), nullptr);
   g_signal_connect(extension, "page-created", G_CALLBACK(pageCreated), nullptr);
   g_signal_connect(webkit_script_world_get_default(), "window-object-cleared", G_CALLBACK(windowObjectCleared),
                    nullptr);

@@ -3,15 +3,59 @@
 // (extension/HeaderGuard.cpp): stamped page messages up, the top document's
 // identity up, evaluations meant for one top document down.
 
+#include <glib.h>
+#include <jsc/jsc.h>
+
+#include <cstddef>
+
 namespace websdk::webkitgtk::channel {
+
+/// The "message" string of a body the page posted, as UTF-8 (g_malloc'd),
+/// or nothing when the body has none. Read as it stands, never converted
+/// to JSON text first.
+inline char* messageOf(JSCValue* body) {
+  if (body == nullptr || !jsc_value_is_object(body)) return nullptr;
+  JSCValue* value = jsc_value_object_get_property(body, "message");
+  GBytes* bytes = nullptr;
+  if (value != nullptr && jsc_value_is_string(value)) {
+    // JavaScriptCore's UTF-8 stops at a lone surrogate half: each becomes
+    // U+FFFD first, as a JSON parse of the text would make it.
+    JSCValue* whole = jsc_value_object_invoke_method(value, "toWellFormed", G_TYPE_NONE);
+    bytes = jsc_value_to_string_as_bytes(whole != nullptr && jsc_value_is_string(whole) ? whole : value);
+    if (whole) g_object_unref(whole);
+  }
+  if (value) g_object_unref(value);
+  jsc_context_clear_exception(jsc_value_get_context(body));
+  if (bytes == nullptr) return nullptr;
+  gsize size = 0;
+  const auto* data = static_cast<const unsigned char*>(g_bytes_get_data(bytes, &size));
+  auto* text = static_cast<unsigned char*>(g_malloc(size + 1));
+  for (gsize i = 0; i < size; ++i) {
+    // A NUL cannot travel in the text; U+0001 is as invalid in JSON text
+    // wherever it stands, so the message reads the same.
+    text[i] = data[i] == 0 ? 0x01 : data[i];
+  }
+  text[size] = 0;
+  g_bytes_unref(bytes);
+  char* utf8 = reinterpret_cast<char*>(text);
+  if (g_utf8_validate(utf8, -1, nullptr)) return utf8;
+  char* valid = g_utf8_make_valid(utf8, -1);
+  g_free(utf8);
+  return valid;
+}
 
 /// The one handler whose messages carry the module's stamp: the bridge's.
 inline constexpr char kName[] = "nativeRequest";
 /// A handler only the engine's views register: the module stamps pages that
 /// have it and leaves every other web view of the process as it is.
 inline constexpr char kMarker[] = "websdkStamped";
-/// Page -> view: (body JSON text, handler name, frame URL, top URL, is main frame, top document).
+/// Page -> view: (the body's "message" text, handler name, frame URL, top
+/// URL, is main frame, top document, the message's full size in bytes).
 inline constexpr char kPost[] = "websdk:post";
+/// How much of a message the view would refuse unread (from a page its view
+/// does not trust, or over its size limit) is sent: enough for its request
+/// id, so that no size of message costs the UI process more than this.
+inline constexpr std::size_t kRefusedStart = std::size_t{64} << 10;
 /// Page -> view: a new top document, (id). The UI process keeps the URL it
 /// saw committed; the stamp carries each document's own.
 inline constexpr char kDocument[] = "websdk:document";

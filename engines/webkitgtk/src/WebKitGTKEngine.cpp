@@ -5,6 +5,7 @@
 #include "websdk/webkitgtk/Native.hpp"
 
 #include "Compat.hpp"
+#include "GuardLocation.hpp"
 #include "HeaderGuard.hpp"
 #include "PageChannel.hpp"
 
@@ -113,32 +114,9 @@ std::string authenticationMethod(WebKitAuthenticationScheme scheme) {
 }
 
 // The directory holding the header guard module, or nothing when there is
-// none: WEBSDK_WEB_EXTENSIONS_DIR, else the installed module, else the one in
-// the build tree. WebKit loads every module in the directory into its web
-// processes, so one that anyone may write to, or that another user owns, is
-// not used.
-const std::optional<std::string>& guardDirectory() {
-  static const std::optional<std::string> directory = []() -> std::optional<std::string> {
-    const auto holdsModule = [](const char* dir) {
-      GStatBuf info;
-      if (g_stat(dir, &info) != 0 || !S_ISDIR(info.st_mode) || (info.st_mode & S_IWOTH) != 0 ||
-          (info.st_uid != 0 && info.st_uid != getuid()))
-        return false;
-      GText path(g_build_filename(dir, guard::kModule, nullptr));
-      return g_file_test(path.get(), G_FILE_TEST_IS_REGULAR) != FALSE;
-    };
-    const char* chosen = g_getenv("WEBSDK_WEB_EXTENSIONS_DIR");
-    if (chosen == nullptr || *chosen == '\0')
-      for (const char* dir : {WEBSDK_WEB_EXTENSIONS_INSTALL_DIR, WEBSDK_WEB_EXTENSIONS_BUILD_DIR})
-        if (holdsModule(dir)) {
-          chosen = dir;
-          break;
-        }
-    if (chosen != nullptr && holdsModule(chosen)) return std::string(chosen);
-    g_warning("websdk: no usable header guard module (%s); the app's headers are not sent", guard::kModule);
-    return std::nullopt;
-  }();
-  return directory;
+// none (GuardLocation.hpp says where it looks and what it refuses).
+std::optional<std::string> guardDirectory(const std::string& configured) {
+  return guard::moduleDirectory(configured);
 }
 
 // WebKit's own URL parser: the form WebKit loads and shows. WebKit hands back
@@ -171,6 +149,57 @@ std::optional<std::string> webKitCanonicalURL(std::string_view url) {
 
 }  // namespace
 
+// The header guard's rules of every engine on one web context. Each web
+// process of the context gets them when it starts and after every change.
+class GuardRules {
+ public:
+  static GuardRules& of(WebKitWebContext* context) {
+    constexpr char kKey[] = "websdk-guard-rules";
+    auto* rules = static_cast<GuardRules*>(g_object_get_data(G_OBJECT(context), kKey));
+    if (rules == nullptr) {
+      rules = new GuardRules;
+      g_object_set_data_full(G_OBJECT(context), kKey, rules, [](gpointer p) { delete static_cast<GuardRules*>(p); });
+      g_signal_connect(context, "initialize-web-extensions", G_CALLBACK(+[](WebKitWebContext* c, gpointer data) {
+                         webkit_web_context_set_web_extensions_initialization_user_data(
+                             c, guard::encode(static_cast<GuardRules*>(data)->all()));
+                       }),
+                       rules);
+    }
+    return *rules;
+  }
+
+  /// `owner`'s view (of `page`) loads with `fields` under `trust`: every
+  /// process hears of it before the load is made. A view's earlier fields stay (a redirect of
+  /// an earlier load may still be under way), the last few of them.
+  void add(WebKitWebContext* context, const void* owner, guint64 page, const HeaderFields& fields,
+           const WebSDKConfig& trust) {
+    guard::Rule& rule = byOwner_[owner];
+    const auto before = rule;
+    rule.page = page;
+    rule.trust = trust;
+    rule.trust.canonicalizer = &canonicalURL;  // what the module judges with
+    for (const auto& field : fields) {
+      std::erase(rule.fields, field);
+      rule.fields.push_back(field);
+    }
+    constexpr std::size_t kKept = 32;
+    if (rule.fields.size() > kKept)
+      rule.fields.erase(rule.fields.begin(), rule.fields.end() - static_cast<std::ptrdiff_t>(kKept));
+    if (rule == before) return;
+    webkit_web_context_send_message_to_all_extensions(context, webkit_user_message_new(guard::kRules, guard::encode(all())));
+  }
+  /// A view that is gone: its fields no longer need guarding in new processes.
+  void remove(const void* owner) { byOwner_.erase(owner); }
+
+ private:
+  std::vector<guard::Rule> all() const {
+    std::vector<guard::Rule> rules;
+    for (const auto& [owner, rule] : byOwner_) rules.push_back(rule);
+    return rules;
+  }
+  std::map<const void*, guard::Rule> byOwner_;
+};
+
 struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   using Weak = std::weak_ptr<State>;
 
@@ -200,6 +229,11 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // without it, each commit the UI process sees is a new document.
   bool stamped = false;
   bool warnedUnstamped = false;
+  // The guard module answers the view's hello from the page's process; the
+  // app's headers wait for that answer and go only if it came.
+  enum class Guard { absent, asking, present } guard = Guard::absent;
+  std::optional<URLRequest> waitingLoad;
+  std::string guardPlace;  // where the module was looked for
   DocumentID document = 0;
   DocumentID lastUnstampedDocument = 0;
   std::optional<std::string> committedURL;
@@ -281,6 +315,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // ---- Teardown ----
   void shutdown() {
     disarmTimeout();
+    waitingLoad.reset();
+    if (!guardPlace.empty()) GuardRules::of(webkit_web_view_get_context(view)).remove(this);
     for (const auto& c : connections) g_signal_handler_disconnect(c.instance, c.id);
     connections.clear();
     for (const auto& [name, channel] : channels) {
@@ -564,17 +600,25 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     }
     // Other handlers, or no module: the document is the one last committed,
     // and the frame cannot be told.
-    dispatch(name, toJSON(value).value_or(JSON(nullptr)),
-             MessageOrigin{"", committedURL.value_or(""), true, document});
+    MessageOrigin origin{"", committedURL.value_or(""), true, document};
+    if (name == channel::kName) {
+      // The bridge's channel: its "message" string only, read as it stands.
+      const GText message(channel::messageOf(value));
+      if (message) dispatch(name, nullptr, std::move(origin), std::string_view(message.get()));
+      return;
+    }
+    dispatch(name, toJSON(value).value_or(JSON(nullptr)), std::move(origin));
   }
 
-  void dispatch(const std::string& name, JSON body, MessageOrigin origin) {
+  void dispatch(const std::string& name, JSON body, MessageOrigin origin,
+                std::optional<std::string_view> message = std::nullopt, std::size_t messageBytes = 0) {
     const auto it = channels.find(name);
     if (it == channels.end()) return;
     const auto handler = it->second.handler.lock();
     if (!handler) return;
     // The body reaches the handler as posted: any JSON value, checked there.
-    handler->userContentController(ScriptMessage{name, std::move(body), std::move(origin)});
+    handler->userContentController(
+        ScriptMessage{name, std::move(body), std::move(origin), message, message ? std::max(messageBytes, message->size()) : 0});
   }
 
   gboolean userMessage(WebKitUserMessage* message) {
@@ -586,15 +630,76 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       g_variant_get(params, "(t)", &document);
       return TRUE;
     }
-    if (g_str_equal(name, channel::kPost) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ssssbt)"))) {
+    if (g_str_equal(name, channel::kPost) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ssssbtt)"))) {
       const char *body = nullptr, *handler = nullptr, *frameURL = nullptr, *topURL = nullptr;
       gboolean isMainFrame = FALSE;
-      guint64 topDocument = 0;
-      g_variant_get(params, "(&s&s&s&sbt)", &body, &handler, &frameURL, &topURL, &isMainFrame, &topDocument);
-      dispatch(handler, parseJSON(body), MessageOrigin{frameURL, topURL, isMainFrame != FALSE, topDocument});
+      guint64 topDocument = 0, bytes = 0;
+      g_variant_get(params, "(&s&s&s&sbtt)", &body, &handler, &frameURL, &topURL, &isMainFrame, &topDocument, &bytes);
+      dispatch(handler, nullptr, MessageOrigin{frameURL, topURL, isMainFrame != FALSE, topDocument}, body,
+               static_cast<std::size_t>(bytes));
       return TRUE;
     }
     return FALSE;
+  }
+
+  // ---- The header guard ----
+  // Asked once the view exists: the question starts the page's web process,
+  // and the module there answers if it was loaded.
+  void askGuard() {
+    guard = Guard::asking;
+    webkit_web_view_send_message_to_page(
+        view, webkit_user_message_new(guard::kHello, nullptr), cancellable,
+        [](GObject* source, GAsyncResult* result, gpointer data) {
+          std::unique_ptr<Weak> weak(static_cast<Weak*>(data));
+          GError* error = nullptr;
+          WebKitUserMessage* reply =
+              webkit_web_view_send_message_to_page_finish(WEBKIT_WEB_VIEW(source), result, &error);
+          const bool present = reply != nullptr && g_str_equal(webkit_user_message_get_name(reply), guard::kReady);
+          const std::string why = error ? text(error->message) : "no answer";
+          if (reply) g_object_unref(reply);
+          if (error) g_error_free(error);
+          if (auto s = weak->lock(); s && s->view) s->guardAnswered(present, why);
+        },
+        new Weak(weak_from_this()));
+  }
+
+  void guardAnswered(bool present, const std::string& why) {
+    guard = present ? Guard::present : Guard::absent;
+    if (!present) {
+      // Without the module nothing stamps the page's messages either: they
+      // are judged as the UI process sees the page, as with no module at all.
+      stamped = false;
+      g_warning("websdk: the header guard module did not answer from this view's web process (%s), so the app's "
+                "headers are not sent. It was found in %s; a web-extensions directory set on the web context "
+                "since then must hold %s too.",
+                why.c_str(), guardPlace.c_str(), guard::kModule);
+    }
+    if (auto request = std::exchange(waitingLoad, std::nullopt)) send(*request);
+  }
+
+  // Header fields are set one by one in the order given; a later field of the
+  // same name replaces the earlier one. WebKit has no per-request cache
+  // policy: every load uses the protocol's own. The app's fields go only
+  // where the guard is known to be, and every web process hears of them
+  // before the load is made.
+  void send(const URLRequest& request) {
+    const bool guarded = !request.confinedHeaders.empty() && guard == Guard::present;
+    const HeaderFields fields = request.confinedHeaders.empty() || guarded ? request.headers : request.headersFor("");
+    if (guard == Guard::present) {
+      HeaderFields confined;
+      for (const auto& field : request.headers)
+        if (std::ranges::find(request.confinedHeaders, field.first) != request.confinedHeaders.end())
+          confined.push_back(field);
+      WebKitWebContext* context = webkit_web_view_get_context(view);
+      GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), confined, request.trust);
+    }
+    WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
+    if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
+      for (const auto& [name, value] : fields) soup_message_headers_replace(headers, name.c_str(), value.c_str());
+    disarmTimeout();
+    pendingTimeout = request.timeoutInterval;
+    webkit_web_view_load_request(view, uriRequest);
+    g_object_unref(uriRequest);
   }
 
   // ---- Settings ----
@@ -616,8 +721,10 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
   // Before the view exists, so that its first web process loads the guard.
   s.contentManager = webkit_user_content_manager_new();
-  if (const auto& directory = guardDirectory()) {
+  if (const auto& directory = guardDirectory(configuration.webExtensionsDirectory)) {
     compat::setExtensionsDirectory(context, directory->c_str());
+    GuardRules::of(context);  // every web process from now on starts with the rules
+    s.guardPlace = *directory;
     s.stamped = true;
     // Marks this view's pages for the module; its messages are never read.
     webkit_user_content_manager_register_script_message_handler(s.contentManager, channel::kMarker);
@@ -628,6 +735,7 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   g_object_unref(context);
   webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), TRUE);
   s.wire();
+  if (s.stamped) s.askGuard();
 }
 
 WebKitGTKEngine::~WebKitGTKEngine() { state_->shutdown(); }
@@ -637,23 +745,13 @@ void WebKitGTKEngine::setClient(WebEngineClient* client) { state_->client = clie
 void WebKitGTKEngine::load(const URLRequest& request) {
   State& s = *state_;
   if (!s.view) return;
-  WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
-  // Header fields are set one by one in the order given; a later field of the
-  // same name replaces the earlier one. WebKit has no per-request cache
-  // policy: every load uses the protocol's own. Confined fields go only with
-  // their guard; without the guard module they do not go at all.
-  const bool guarded = !request.confinedHeaders.empty() && guardDirectory();
-  const HeaderFields fields = request.confinedHeaders.empty() || guarded ? request.headers : request.headersFor("");
-  if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest)) {
-    for (const auto& [name, value] : fields) soup_message_headers_replace(headers, name.c_str(), value.c_str());
-    if (guarded)
-      soup_message_headers_replace(headers, guard::kField,
-                                   guard::encode({request.confinedHeaders, request.trust}).c_str());
+  // A load with the app's fields waits for the guard's answer (only the
+  // first loads of a view can); the latest load is the one that goes.
+  if (s.guard == State::Guard::asking) {
+    s.waitingLoad = request;
+    return;
   }
-  s.disarmTimeout();
-  s.pendingTimeout = request.timeoutInterval;
-  webkit_web_view_load_request(s.view, uriRequest);
-  g_object_unref(uriRequest);
+  s.send(request);
 }
 
 void WebKitGTKEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {

@@ -15,6 +15,11 @@ namespace websdk {
 
 class WebSDKWebView;
 
+/// The request id of a request's JSON text (its top-level "requestId", read
+/// leniently), looked for in the first `budget` bytes only; "" when not
+/// there. Bounded, so refusing a message of any size costs no more.
+std::string requestIdNearTheStart(std::string_view text, std::size_t budget = std::size_t{64} << 10);
+
 class WebSDKScriptHandler final : public ScriptMessageHandler {
  public:
   // Everything the handler points at belongs to someone else: all weak.
@@ -44,6 +49,8 @@ class WebSDKScriptHandler final : public ScriptMessageHandler {
  private:
   bool isTrusted(const WebSDKConfig& config, std::string_view url);
   void answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message,
+                     DocumentID document);
+  void answerFailure(std::string requestId, WebSDKStatusCode code, std::optional<std::string> message,
                      DocumentID document);
 
   // The last page URL found trusted and the whitelist it was checked against:

@@ -70,8 +70,16 @@ struct MessageOrigin {
 /// A message a page posted to a named script-message handler.
 struct ScriptMessage {
   std::string name;
+  /// The body as posted, any JSON value; null when `message` carries it.
   JSON body;
   MessageOrigin origin;
+  /// The body's "message" string, when the engine read just that (valid for
+  /// the call): the bridge judges the sender before it reads any of it.
+  std::optional<std::string_view> message = std::nullopt;
+  /// The message's full size in bytes. More than `message` holds when the
+  /// engine passed only its start, because the message is to be refused
+  /// unread (from a page not trusted, or too large).
+  std::size_t messageBytes = 0;
 };
 
 /// Receives the script messages of one name (WebSDKScriptHandler).

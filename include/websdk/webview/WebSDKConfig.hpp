@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +33,10 @@ struct WebSDKConfig {
   bool judgesFramesByTheirOwnHost = false;
   /// The engine's own URL canonicalization; the view sets it from its engine.
   URLCanonicalizer canonicalizer = &canonicalURL;
+  /// The longest request text, in bytes, the bridge reads. A longer one from
+  /// a trusted page is answered with a failure and never parsed; 16 MiB holds
+  /// any real checkout many times over.
+  std::size_t maximumMessageBytes = std::size_t{16} << 20;
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry occurs anywhere

@@ -14,10 +14,10 @@ TEST(HeaderGuardRules, CarryAnyFieldsAndHostsAndNothingElseReadsAsRules) {
   byFrame.judgesFramesByTheirOwnHost = true;
   byFrame.maximumMessageBytes = 1;
   const std::vector<Rule> rules = {
-      {1, {{"token", "a"}}, {{"example.com"}, false}},
-      {~guint64{0}, {{"token", "x, y;z"}, {"X-App", "münchen"}}, {{"shop.example", "a,b;c", ""}, false}},
-      {2, {}, {{}, true}},
-      {3, {}, byFrame},
+      {1, {{"token", "a"}}, {{"example.com"}, false}, 7, "https://example.com/#x", {{"token", "a"}}},
+      {~guint64{0}, {{"token", "x, y;z"}, {"X-App", "münchen"}}, {{"shop.example", "a,b;c", ""}, false}, 0, "", {}},
+      {2, {}, {{}, true}, 0, "", {}},
+      {3, {}, byFrame, ~guint64{0}, "", {}},
   };
   GVariant* encoded = g_variant_ref_sink(webkitgtk::guard::encode(rules));
   EXPECT_EQ(webkitgtk::guard::decode(encoded), rules);

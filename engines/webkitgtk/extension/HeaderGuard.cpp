@@ -18,7 +18,9 @@
 #include <webkit2/webkit-web-extension.h>
 
 #include <cstring>
+#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -32,12 +34,40 @@ std::vector<guard::Rule>& rules() {
   return all;
 }
 
-// A field the app loaded with leaves only for a host its view trusts: any
-// view that owns the field and does not trust the host takes it off.
-gboolean sendRequest(WebKitWebPage*, WebKitURIRequest* request, WebKitURIResponse*, gpointer) {
+// The URL without its fragment, which no request carries.
+std::string_view withoutFragment(std::string_view url) { return url.substr(0, url.find('#')); }
+
+// The load each page last had the app's fields added to, in this process.
+std::map<guint64, guint64>& sentLoads() {
+  static std::map<guint64, guint64> sent;
+  return sent;
+}
+
+// The rule of the view showing `page`, if it has one.
+const guard::Rule* ruleOf(WebKitWebPage* page) {
+  const guint64 id = webkit_web_page_get_id(page);
+  for (const auto& rule : rules())
+    if (rule.page == id) return &rule;
+  return nullptr;
+}
+
+// The app's fields go on the first request of the view's load, if its host
+// is trusted; WebKit copies them onto the load's redirects. A field the app
+// loaded with leaves only for a host its view trusts: any view that owns the
+// field and does not trust the host takes it off.
+gboolean sendRequest(WebKitWebPage* page, WebKitURIRequest* request, WebKitURIResponse* redirected, gpointer) {
   SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(request);
   const char* uri = webkit_uri_request_get_uri(request);
   if (headers == nullptr || uri == nullptr) return FALSE;
+  if (const guard::Rule* rule = ruleOf(page); rule != nullptr && redirected == nullptr && rule->load != 0) {
+    guint64& sent = sentLoads()[rule->page];
+    if (sent != rule->load && withoutFragment(uri) == withoutFragment(rule->loadURL)) {
+      sent = rule->load;
+      if (rule->trust.isWhitelistedURL(uri))
+        for (const auto& [name, value] : rule->loadFields)
+          soup_message_headers_replace(headers, name.c_str(), value.c_str());
+    }
+  }
   for (const auto& rule : rules()) {
     bool judged = false, trusted = false;
     for (const auto& [name, value] : rule.fields) {
@@ -51,13 +81,6 @@ gboolean sendRequest(WebKitWebPage*, WebKitURIRequest* request, WebKitURIRespons
     }
   }
   return FALSE;  // the request goes on
-}
-
-const guard::Rule* ruleOf(WebKitWebPage* page) {
-  const guint64 id = webkit_web_page_get_id(page);
-  for (const auto& rule : rules())
-    if (rule.page == id) return &rule;
-  return nullptr;
 }
 
 gboolean extensionMessage(WebKitWebExtension*, WebKitUserMessage* message, gpointer) {

@@ -1,10 +1,10 @@
 #pragma once
-// The header guard: how the UI process tells the module in WebKit's web
-// processes (extension/HeaderGuard.cpp) which header fields are the app's and
-// which hosts may see them. Redirects are followed inside WebKit, beyond the
-// UI process's reach, and WebKit copies a load's fields onto each redirect;
-// the module sees every request a page is about to send and removes the app's
-// fields where the host is not trusted.
+// The header guard: how the UI process hands the app's header fields to the
+// module in WebKit's web processes (extension/HeaderGuard.cpp), which alone
+// puts them on a request. The UI process loads without them; the module adds
+// them to the load's first request, and WebKit copies them onto each
+// redirect, where the module takes them off again for a host the view does
+// not trust. A web process without the module therefore never sends them.
 //
 // Nothing of this travels on a request: the rules go to every web process of
 // the context as a user message, and to each new one as its initialization
@@ -32,29 +32,47 @@ inline constexpr char kReady[] = "websdk:guard-ready";
 /// One view's rule: its page, the app's fields it has loaded with, and its
 /// trust. With the trust the module also spares the UI process the text of
 /// a message it would refuse unread (see PageChannel.hpp).
+using Fields = std::vector<std::pair<std::string, std::string>>;
+
 struct Rule {
   guint64 page = 0;
-  std::vector<std::pair<std::string, std::string>> fields;
+  /// Every app field the view has loaded with lately: each is taken off a
+  /// request to a host the view does not trust.
+  Fields fields;
   WebSDKConfig trust;
+  /// The view's latest load with the app's fields: its number, its URL and
+  /// the fields its first request gets.
+  guint64 load = 0;
+  std::string loadURL;
+  Fields loadFields;
   bool operator==(const Rule&) const = default;
 };
 
-inline constexpr char kRulesType[] = "a(ta(ss)asbbt)";
+inline constexpr char kRulesType[] = "a(ta(ss)asbbttsa(ss))";
 
 /// The rules as a floating GVariant of kRulesType.
 inline GVariant* encode(const std::vector<Rule>& rules) {
   GVariantBuilder all;
   g_variant_builder_init(&all, G_VARIANT_TYPE(kRulesType));
+  const auto add = [](GVariantBuilder* builder, const Fields& fields) {
+    g_variant_builder_open(builder, G_VARIANT_TYPE("a(ss)"));
+    for (const auto& [name, value] : fields) g_variant_builder_add(builder, "(ss)", name.c_str(), value.c_str());
+    g_variant_builder_close(builder);
+  };
   for (const auto& rule : rules) {
-    GVariantBuilder fields, hosts;
-    g_variant_builder_init(&fields, G_VARIANT_TYPE("a(ss)"));
-    for (const auto& [name, value] : rule.fields) g_variant_builder_add(&fields, "(ss)", name.c_str(), value.c_str());
-    g_variant_builder_init(&hosts, G_VARIANT_TYPE_STRING_ARRAY);
-    for (const auto& h : rule.trust.whitelistedHosts) g_variant_builder_add(&hosts, "s", h.c_str());
-    g_variant_builder_add(&all, "(ta(ss)asbbt)", rule.page, &fields, &hosts,
-                          static_cast<gboolean>(rule.trust.shouldWhitelistAllUrls),
-                          static_cast<gboolean>(rule.trust.judgesFramesByTheirOwnHost),
-                          static_cast<guint64>(rule.trust.maximumMessageBytes));
+    g_variant_builder_open(&all, G_VARIANT_TYPE("(ta(ss)asbbttsa(ss))"));
+    g_variant_builder_add(&all, "t", rule.page);
+    add(&all, rule.fields);
+    g_variant_builder_open(&all, G_VARIANT_TYPE_STRING_ARRAY);
+    for (const auto& h : rule.trust.whitelistedHosts) g_variant_builder_add(&all, "s", h.c_str());
+    g_variant_builder_close(&all);
+    g_variant_builder_add(&all, "b", static_cast<gboolean>(rule.trust.shouldWhitelistAllUrls));
+    g_variant_builder_add(&all, "b", static_cast<gboolean>(rule.trust.judgesFramesByTheirOwnHost));
+    g_variant_builder_add(&all, "t", static_cast<guint64>(rule.trust.maximumMessageBytes));
+    g_variant_builder_add(&all, "t", rule.load);
+    g_variant_builder_add(&all, "s", rule.loadURL.c_str());
+    add(&all, rule.loadFields);
+    g_variant_builder_close(&all);
   }
   return g_variant_builder_end(&all);
 }
@@ -63,22 +81,38 @@ inline GVariant* encode(const std::vector<Rule>& rules) {
 inline std::vector<Rule> decode(GVariant* value) {
   std::vector<Rule> rules;
   if (value == nullptr || !g_variant_is_of_type(value, G_VARIANT_TYPE(kRulesType))) return rules;
+  const auto read = [](GVariant* array) {
+    Fields fields;
+    GVariantIter it;
+    g_variant_iter_init(&it, array);
+    const gchar *name = nullptr, *text = nullptr;
+    while (g_variant_iter_next(&it, "(&s&s)", &name, &text)) fields.emplace_back(name, text);
+    return fields;
+  };
   GVariantIter all;
   g_variant_iter_init(&all, value);
-  GVariantIter *fields = nullptr, *hosts = nullptr;
-  gboolean everyHost = FALSE, byFrame = FALSE;
-  guint64 page = 0, limit = 0;
-  while (g_variant_iter_next(&all, "(ta(ss)asbbt)", &page, &fields, &hosts, &everyHost, &byFrame, &limit)) {
+  while (GVariant* entry = g_variant_iter_next_value(&all)) {
     Rule rule;
-    rule.page = page;
+    GVariant *fields = nullptr, *hosts = nullptr, *loadFields = nullptr;
+    gboolean everyHost = FALSE, byFrame = FALSE;
+    guint64 limit = 0;
+    const gchar* url = nullptr;
+    g_variant_get(entry, "(t@a(ss)@asbbtt&s@a(ss))", &rule.page, &fields, &hosts, &everyHost, &byFrame, &limit,
+                  &rule.load, &url, &loadFields);
+    rule.fields = read(fields);
+    rule.loadFields = read(loadFields);
+    rule.loadURL = url;
+    GVariantIter it;
+    g_variant_iter_init(&it, hosts);
+    const gchar* host = nullptr;
+    while (g_variant_iter_next(&it, "&s", &host)) rule.trust.whitelistedHosts.emplace_back(host);
+    rule.trust.shouldWhitelistAllUrls = everyHost != FALSE;
     rule.trust.judgesFramesByTheirOwnHost = byFrame != FALSE;
     rule.trust.maximumMessageBytes = static_cast<std::size_t>(limit);
-    const gchar *name = nullptr, *text = nullptr;
-    while (g_variant_iter_next(fields, "(&s&s)", &name, &text)) rule.fields.emplace_back(name, text);
-    while (g_variant_iter_next(hosts, "&s", &text)) rule.trust.whitelistedHosts.emplace_back(text);
-    rule.trust.shouldWhitelistAllUrls = everyHost != FALSE;
-    g_variant_iter_free(fields);
-    g_variant_iter_free(hosts);
+    g_variant_unref(fields);
+    g_variant_unref(hosts);
+    g_variant_unref(loadFields);
+    g_variant_unref(entry);
     rules.push_back(std::move(rule));
   }
   return rules;

@@ -168,11 +168,12 @@ class GuardRules {
     return *rules;
   }
 
-  /// `owner`'s view (of `page`) loads with `fields` under `trust`: every
-  /// process hears of it before the load is made. A view's earlier fields stay (a redirect of
-  /// an earlier load may still be under way), the last few of them.
-  void add(WebKitWebContext* context, const void* owner, guint64 page, const HeaderFields& fields,
-           const WebSDKConfig& trust) {
+  /// `owner`'s view (of `page`) loads `url` under `trust`, with the app's
+  /// `fields` (maybe none): every process hears of it before the load is
+  /// made. A view's earlier fields stay guarded (a redirect of an earlier
+  /// load may still be under way), the last few of them.
+  void add(WebKitWebContext* context, const void* owner, guint64 page, const std::string& url,
+           const HeaderFields& fields, const WebSDKConfig& trust) {
     guard::Rule& rule = byOwner_[owner];
     const auto before = rule;
     rule.page = page;
@@ -185,6 +186,11 @@ class GuardRules {
     constexpr std::size_t kKept = 32;
     if (rule.fields.size() > kKept)
       rule.fields.erase(rule.fields.begin(), rule.fields.end() - static_cast<std::ptrdiff_t>(kKept));
+    if (!fields.empty()) {
+      rule.load = ++loads_;
+      rule.loadURL = url;
+      rule.loadFields = fields;
+    }
     if (rule == before) return;
     webkit_web_context_send_message_to_all_extensions(context, webkit_user_message_new(guard::kRules, guard::encode(all())));
   }
@@ -198,6 +204,7 @@ class GuardRules {
     return rules;
   }
   std::map<const void*, guard::Rule> byOwner_;
+  guint64 loads_ = 0;
 };
 
 struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
@@ -229,11 +236,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // without it, each commit the UI process sees is a new document.
   bool stamped = false;
   bool warnedUnstamped = false;
-  // The guard module answers the view's hello from the page's process; the
-  // app's headers wait for that answer and go only if it came.
+  // The guard module answers the view's hello from the page's process; it
+  // alone sends the app's headers, and without its answer the view says so.
   enum class Guard { absent, asking, present } guard = Guard::absent;
-  std::optional<URLRequest> waitingLoad;
-  std::string guardPlace;  // where the module was looked for
+  std::string guardPlace;  // where the module was found
   DocumentID document = 0;
   DocumentID lastUnstampedDocument = 0;
   std::optional<std::string> committedURL;
@@ -315,7 +321,6 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // ---- Teardown ----
   void shutdown() {
     disarmTimeout();
-    waitingLoad.reset();
     if (!guardPlace.empty()) GuardRules::of(webkit_web_view_get_context(view)).remove(this);
     for (const auto& c : connections) g_signal_handler_disconnect(c.instance, c.id);
     connections.clear();
@@ -669,29 +674,28 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       // Without the module nothing stamps the page's messages either: they
       // are judged as the UI process sees the page, as with no module at all.
       stamped = false;
-      g_warning("websdk: the header guard module did not answer from this view's web process (%s), so the app's "
-                "headers are not sent. It was found in %s; a web-extensions directory set on the web context "
-                "since then must hold %s too.",
+      g_warning("websdk: the header guard module did not answer from this view's web process (%s): the app's "
+                "headers are not sent, and page messages are judged by the committed URL alone. It was found in "
+                "%s; a web-extensions directory set on the web context since then must hold %s too.",
                 why.c_str(), guardPlace.c_str(), guard::kModule);
     }
-    if (auto request = std::exchange(waitingLoad, std::nullopt)) send(*request);
   }
 
   // Header fields are set one by one in the order given; a later field of the
   // same name replaces the earlier one. WebKit has no per-request cache
-  // policy: every load uses the protocol's own. The app's fields go only
-  // where the guard is known to be, and every web process hears of them
-  // before the load is made.
+  // policy: every load uses the protocol's own. The app's fields are never
+  // on the request the UI process makes: the guard module adds them in the
+  // web process that sends it, so without the module they do not go at all.
   void send(const URLRequest& request) {
-    const bool guarded = !request.confinedHeaders.empty() && guard == Guard::present;
-    const HeaderFields fields = request.confinedHeaders.empty() || guarded ? request.headers : request.headersFor("");
-    if (guard == Guard::present) {
+    const HeaderFields fields = request.headersFor("");
+    if (!guardPlace.empty()) {
       HeaderFields confined;
       for (const auto& field : request.headers)
         if (std::ranges::find(request.confinedHeaders, field.first) != request.confinedHeaders.end())
           confined.push_back(field);
       WebKitWebContext* context = webkit_web_view_get_context(view);
-      GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), confined, request.trust);
+      GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), request.url, confined,
+                                  request.trust);
     }
     WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
     if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
@@ -745,12 +749,6 @@ void WebKitGTKEngine::setClient(WebEngineClient* client) { state_->client = clie
 void WebKitGTKEngine::load(const URLRequest& request) {
   State& s = *state_;
   if (!s.view) return;
-  // A load with the app's fields waits for the guard's answer (only the
-  // first loads of a view can); the latest load is the one that goes.
-  if (s.guard == State::Guard::asking) {
-    s.waitingLoad = request;
-    return;
-  }
   s.send(request);
 }
 

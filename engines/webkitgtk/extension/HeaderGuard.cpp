@@ -216,6 +216,13 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
     installed = done != nullptr && jsc_value_is_boolean(done) && jsc_value_to_boolean(done);
     if (done) g_object_unref(done);
   }
+  // Service workers are kept from the engine's views unless their view allows
+  // them: one sees the app's headers and can send them anywhere.
+  if (installed) {
+    const guard::Rule* rule = ruleOf(page);
+    if (rule == nullptr || !rule->trust.allowsServiceWorkers)
+      if (JSCValue* r = jsc_context_evaluate(context, "delete Navigator.prototype.serviceWorker", -1)) g_object_unref(r);
+  }
   // Only the engine's own views hear of their documents.
   if (isMain && installed)
     webkit_web_page_send_message_to_view(

@@ -48,7 +48,7 @@ struct Rule {
   bool operator==(const Rule&) const = default;
 };
 
-inline constexpr char kRulesType[] = "a(ta(ss)asbbttsa(ss))";
+inline constexpr char kRulesType[] = "a(ta(ss)asbbttsa(ss)b)";
 
 /// The rules as a floating GVariant of kRulesType.
 inline GVariant* encode(const std::vector<Rule>& rules) {
@@ -60,7 +60,7 @@ inline GVariant* encode(const std::vector<Rule>& rules) {
     g_variant_builder_close(builder);
   };
   for (const auto& rule : rules) {
-    g_variant_builder_open(&all, G_VARIANT_TYPE("(ta(ss)asbbttsa(ss))"));
+    g_variant_builder_open(&all, G_VARIANT_TYPE("(ta(ss)asbbttsa(ss)b)"));
     g_variant_builder_add(&all, "t", rule.page);
     add(&all, rule.fields);
     g_variant_builder_open(&all, G_VARIANT_TYPE_STRING_ARRAY);
@@ -72,6 +72,7 @@ inline GVariant* encode(const std::vector<Rule>& rules) {
     g_variant_builder_add(&all, "t", rule.load);
     g_variant_builder_add(&all, "s", rule.loadURL.c_str());
     add(&all, rule.loadFields);
+    g_variant_builder_add(&all, "b", static_cast<gboolean>(rule.trust.allowsServiceWorkers));
     g_variant_builder_close(&all);
   }
   return g_variant_builder_end(&all);
@@ -94,11 +95,12 @@ inline std::vector<Rule> decode(GVariant* value) {
   while (GVariant* entry = g_variant_iter_next_value(&all)) {
     Rule rule;
     GVariant *fields = nullptr, *hosts = nullptr, *loadFields = nullptr;
-    gboolean everyHost = FALSE, byFrame = FALSE;
+    gboolean everyHost = FALSE, byFrame = FALSE, serviceWorkers = FALSE;
     guint64 limit = 0;
     const gchar* url = nullptr;
-    g_variant_get(entry, "(t@a(ss)@asbbtt&s@a(ss))", &rule.page, &fields, &hosts, &everyHost, &byFrame, &limit,
-                  &rule.load, &url, &loadFields);
+    g_variant_get(entry, "(t@a(ss)@asbbtt&s@a(ss)b)", &rule.page, &fields, &hosts, &everyHost, &byFrame, &limit,
+                  &rule.load, &url, &loadFields, &serviceWorkers);
+    rule.trust.allowsServiceWorkers = serviceWorkers != FALSE;
     rule.fields = read(fields);
     rule.loadFields = read(loadFields);
     rule.loadURL = url;

@@ -37,6 +37,10 @@ struct WebSDKConfig {
   /// a trusted page is answered with a failure and never parsed; 16 MiB holds
   /// any real checkout many times over.
   std::size_t maximumMessageBytes = std::size_t{16} << 20;
+  /// Off (the default): the view's pages have no `navigator.serviceWorker`.
+  /// A service worker sees the app's headers on the requests it serves and
+  /// can send them on anywhere, beyond the header guard's reach.
+  bool allowsServiceWorkers = false;
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry occurs anywhere

@@ -230,10 +230,15 @@ bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view
 }
 
 std::string requestIdNearTheStart(std::string_view text, std::size_t budget) {
-  boost::json::basic_parser<RequestIdScan> parser(boost::json::parse_options{});
-  boost::json::error_code ec;
+  // Read as parseJSON reads: as deep, and with lone surrogates' escapes as U+FFFD.
   const std::string_view start = text.substr(0, budget);
-  parser.write_some(start.size() < text.size(), start.data(), start.size(), ec);
+  const auto repaired = replaceLoneSurrogates(start);
+  const std::string_view scanned = repaired ? std::string_view(*repaired) : start;
+  boost::json::parse_options options;
+  options.max_depth = kMaxJSONDepth;
+  boost::json::basic_parser<RequestIdScan> parser(options);
+  boost::json::error_code ec;
+  parser.write_some(start.size() < text.size(), scanned.data(), scanned.size(), ec);
   return parser.handler().found.value_or("");
 }
 

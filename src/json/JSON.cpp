@@ -30,6 +30,15 @@ int escapedUnit(std::string_view text, std::size_t i) {
   return unit;
 }
 
+
+JSON parse(std::string_view text, boost::json::error_code& ec) {
+  boost::json::parse_options options;
+  options.max_depth = kMaxJSONDepth;
+  return boost::json::parse(text, ec, boost::json::storage_ptr(), options);
+}
+
+}  // namespace
+
 // JavaScript strings may hold lone surrogates, and JSON.stringify writes them
 // as escapes that the parser refuses. They become U+FFFD, as a page's own
 // UTF-8 encoding makes them. Nothing when there is none.
@@ -56,14 +65,6 @@ std::optional<std::string> replaceLoneSurrogates(std::string_view text) {
   if (copied == 0) return std::nullopt;
   return out.append(text, copied);
 }
-
-JSON parse(std::string_view text, boost::json::error_code& ec) {
-  boost::json::parse_options options;
-  options.max_depth = kMaxJSONDepth;
-  return boost::json::parse(text, ec, boost::json::storage_ptr(), options);
-}
-
-}  // namespace
 
 JSON parseJSON(std::string_view text) {
   boost::json::error_code ec;

@@ -27,6 +27,10 @@ inline constexpr std::size_t kMaxJSONDepth = 512;
 /// JavaScript writes but the JSON parser refuses, read as U+FFFD.
 JSON parseJSON(std::string_view text);
 
+/// `text` with each escape of a lone UTF-16 surrogate written as U+FFFD's
+/// escape, as parseJSON reads it; nothing when there is none.
+std::optional<std::string> replaceLoneSurrogates(std::string_view text);
+
 /// Compact JSON text. Doubles are written as formatDouble writes them; NaN
 /// and infinities, which JSON has no text for, as null.
 std::string serialize(const JSON& value);

@@ -157,7 +157,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool refused = envelope.at("statusCode") == JSON(rawValue(WebSDKStatusCode::notWhitelistedUrl));
   const std::string id = refused ? requestIdNearTheStart(requestText) : fields.lenientString("requestId");
   if (envelope.at("requestId") != JSON(id)) fail("answer lost its request id", requestText);
-  if (request.is_object() && requestText.size() < (std::size_t{64} << 10) &&
+  if (request.is_object() && requestText.size() < kRefusedMessageStart &&
       requestIdNearTheStart(requestText) != fields.lenientString("requestId"))
     fail("the bounded scan and the parse disagree on the request id", requestText);
   if (delivered == 1) {

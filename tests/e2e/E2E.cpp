@@ -69,6 +69,15 @@ bool E2ETest::loadAndWait(const std::string& url, const WebSDKHeaders& requestHe
   return delegate->finished.size() > finished;
 }
 
+void E2ETest::expectLoadWithoutTheAppsHeaders(const std::string& path) {
+  server.page(path, testPage());
+  ASSERT_TRUE(loadAndWait(server.url(path), {{"token", "a"}}, WebSDKHeaders{{"x-extra", "1"}}));
+  const auto seen = server.requestsTo(path);
+  ASSERT_EQ(seen.size(), 1u);
+  EXPECT_EQ(seen[0].header("token"), std::nullopt);
+  EXPECT_EQ(seen[0].header("x-extra"), "1");
+}
+
 void E2ETest::postFromPage(const std::string& requestText) {
   JSONObject body;
   body.emplace("message", requestText);

@@ -239,6 +239,9 @@ class E2ETest : public ::testing::Test {
   void makeView(std::vector<std::string> whitelist, std::shared_ptr<RecordingDelegate> navigationDelegate);
   void makeView(const WebSDKConfig& config, std::shared_ptr<RecordingDelegate> navigationDelegate);
   /// Loads `url` and waits for its finish; false when it did not finish.
+  /// Loads `path` with the app's token and an external field, and expects
+  /// only the external one to arrive.
+  void expectLoadWithoutTheAppsHeaders(const std::string& path);
   bool loadAndWait(const std::string& url, const WebSDKHeaders& requestHeaders = {},
                    const std::optional<WebSDKHeaders>& externalHeaders = std::nullopt);
   /// Has the page post `requestText` to "nativeRequest".

@@ -82,12 +82,7 @@ TEST_F(E2ETest, AWebProcessWithoutTheGuardNeverSendsTheAppsHeaders) {
   auto* webView = WEBKIT_WEB_VIEW(webkitgtk::widget(view->engine()));
   webkit_web_context_set_web_extensions_directory(webkit_web_view_get_context(webView), dir);
   webkit_web_view_terminate_web_process(webView);
-  server.page("/replaced", testPage());
-  ASSERT_TRUE(loadAndWait(server.url("/replaced"), {{"token", "a"}}, WebSDKHeaders{{"x-extra", "1"}}));
-  const auto seen = server.requestsTo("/replaced");
-  ASSERT_EQ(seen.size(), 1u);
-  EXPECT_EQ(seen[0].header("token"), std::nullopt);
-  EXPECT_EQ(seen[0].header("x-extra"), "1");
+  expectLoadWithoutTheAppsHeaders("/replaced");
   g_rmdir(dir);
 }
 
@@ -114,12 +109,7 @@ TEST_F(E2ETest, ServiceWorkersAreKeptFromTheViewsPagesUnlessItAllowsThem) {
 // (see CMakeLists.txt); skipped in the ordinary run.
 TEST_F(E2ETest, WithoutTheGuardModuleTheAppsHeadersAreNotSent) {
   if (g_getenv("WEBSDK_E2E_NO_GUARD") == nullptr) GTEST_SKIP() << "run by ctest with an unusable module directory";
-  server.page("/page", testPage());
-  ASSERT_TRUE(loadAndWait(server.url("/page"), {{"token", "a"}}, WebSDKHeaders{{"x-extra", "1"}}));
-  const auto seen = server.requestsTo("/page");
-  ASSERT_EQ(seen.size(), 1u);
-  EXPECT_EQ(seen[0].header("token"), std::nullopt);
-  EXPECT_EQ(seen[0].header("x-extra"), "1");
+  expectLoadWithoutTheAppsHeaders("/page");
 }
 
 }  // namespace

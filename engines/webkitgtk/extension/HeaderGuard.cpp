@@ -148,13 +148,13 @@ void post(JSCValue* body, gpointer data) {
   // A message its view would refuse unread goes as its start only: the UI
   // process never receives the rest.
   const std::size_t bytes = std::strlen(message);
-  if (bytes > channel::kRefusedStart)
+  if (bytes > websdk::kRefusedMessageStart)
     if (const guard::Rule* rule = ruleOf(page);
         rule != nullptr &&
         (bytes > rule->trust.maximumMessageBytes ||
          !rule->trust.isWhitelistedURL(rule->trust.judgesFramesByTheirOwnHost ? stamp->frameURL : stamp->topURL))) {
       // Cut at a character's start, so the start stays UTF-8.
-      std::size_t cut = channel::kRefusedStart;
+      std::size_t cut = websdk::kRefusedMessageStart;
       while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
       message[cut] = '\0';
     }

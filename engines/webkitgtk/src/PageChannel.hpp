@@ -50,12 +50,10 @@ inline constexpr char kName[] = "nativeRequest";
 /// have it and leaves every other web view of the process as it is.
 inline constexpr char kMarker[] = "websdkStamped";
 /// Page -> view: (the body's "message" text, handler name, frame URL, top
-/// URL, is main frame, top document, the message's full size in bytes).
+/// URL, is main frame, top document, the message's full size in bytes). A
+/// message its view would refuse unread (page not trusted, or over the size
+/// limit) goes as its first kRefusedMessageStart bytes only.
 inline constexpr char kPost[] = "websdk:post";
-/// How much of a message the view would refuse unread (from a page its view
-/// does not trust, or over its size limit) is sent: enough for its request
-/// id, so that no size of message costs the UI process more than this.
-inline constexpr std::size_t kRefusedStart = std::size_t{64} << 10;
 /// Page -> view: a new top document, (id). The UI process keeps the URL it
 /// saw committed; the stamp carries each document's own.
 inline constexpr char kDocument[] = "websdk:document";

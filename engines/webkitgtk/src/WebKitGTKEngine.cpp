@@ -9,9 +9,6 @@
 #include "HeaderGuard.hpp"
 #include "PageChannel.hpp"
 
-#include <glib/gstdio.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <limits>
@@ -111,12 +108,6 @@ std::string authenticationMethod(WebKitAuthenticationScheme scheme) {
     case WEBKIT_AUTHENTICATION_SCHEME_SERVER_TRUST_EVALUATION_REQUESTED: return "serverTrustEvaluationRequested";
     default: return "unknown";
   }
-}
-
-// The directory holding the header guard module, or nothing when there is
-// none (GuardLocation.hpp says where it looks and what it refuses).
-std::optional<std::string> guardDirectory(const std::string& configured) {
-  return guard::moduleDirectory(configured);
 }
 
 // WebKit's own URL parser: the form WebKit loads and shows. WebKit hands back
@@ -236,10 +227,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // without it, each commit the UI process sees is a new document.
   bool stamped = false;
   bool warnedUnstamped = false;
-  // The guard module answers the view's hello from the page's process; it
-  // alone sends the app's headers, and without its answer the view says so.
-  enum class Guard { absent, asking, present } guard = Guard::absent;
-  std::string guardPlace;  // where the module was found
+  // Where the guard module was found. It alone puts the app's headers on a
+  // request; the view asks it to answer from the page's process, and says so
+  // when it does not.
+  std::string guardPlace;
   DocumentID document = 0;
   DocumentID lastUnstampedDocument = 0;
   std::optional<std::string> committedURL;
@@ -623,7 +614,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     if (!handler) return;
     // The body reaches the handler as posted: any JSON value, checked there.
     handler->userContentController(
-        ScriptMessage{name, std::move(body), std::move(origin), message, message ? std::max(messageBytes, message->size()) : 0});
+        ScriptMessage{name, std::move(body), std::move(origin), message, messageBytes});
   }
 
   gboolean userMessage(WebKitUserMessage* message) {
@@ -651,7 +642,6 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // Asked once the view exists: the question starts the page's web process,
   // and the module there answers if it was loaded.
   void askGuard() {
-    guard = Guard::asking;
     webkit_web_view_send_message_to_page(
         view, webkit_user_message_new(guard::kHello, nullptr), cancellable,
         [](GObject* source, GAsyncResult* result, gpointer data) {
@@ -669,7 +659,6 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   }
 
   void guardAnswered(bool present, const std::string& why) {
-    guard = present ? Guard::present : Guard::absent;
     if (!present) {
       // Without the module nothing stamps the page's messages either: they
       // are judged as the UI process sees the page, as with no module at all.
@@ -725,7 +714,7 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
   // Before the view exists, so that its first web process loads the guard.
   s.contentManager = webkit_user_content_manager_new();
-  if (const auto& directory = guardDirectory(configuration.webExtensionsDirectory)) {
+  if (const auto& directory = guard::moduleDirectory(configuration.webExtensionsDirectory)) {
     compat::setExtensionsDirectory(context, directory->c_str());
     GuardRules::of(context);  // every web process from now on starts with the rules
     s.guardPlace = *directory;

@@ -18,7 +18,7 @@ class WebSDKWebView;
 /// The request id of a request's JSON text (its top-level "requestId", read
 /// leniently), looked for in the first `budget` bytes only; "" when not
 /// there. Bounded, so refusing a message of any size costs no more.
-std::string requestIdNearTheStart(std::string_view text, std::size_t budget = std::size_t{64} << 10);
+std::string requestIdNearTheStart(std::string_view text, std::size_t budget = kRefusedMessageStart);
 
 class WebSDKScriptHandler final : public ScriptMessageHandler {
  public:

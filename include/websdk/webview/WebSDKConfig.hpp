@@ -23,6 +23,10 @@ std::optional<std::string> canonicalURL(std::string_view url);
 /// blob:, file:///...).
 std::optional<std::string_view> hostOf(std::string_view canonical);
 
+/// How much of a message refused unread the bridge reads, for its request id
+/// only; an engine may pass no more of such a message than this.
+inline constexpr std::size_t kRefusedMessageStart = std::size_t{64} << 10;
+
 /// Which hosts the web view trusts with the app's headers and the bridge.
 /// Fixed when the view is made (the view holds it const).
 struct WebSDKConfig {

@@ -1,6 +1,8 @@
 // Compiled by `npm test`, never run: the typings accept what the native
-// readers read and refuse the rest.
-import { createClient, on, request } from "../src/index.js";
+// readers read and refuse the rest. Compiled twice: against src/ (through
+// test/tsconfig.json's paths) and, by scripts/check-package.mjs, against the
+// packed tarball installed in a consumer project.
+import { createClient, on, request } from "@websdk/page";
 
 const client = createClient({});
 void request("APPLY_COUPON", { restaurantId: "12", cart_total_shown_to_coupon: 299 });

@@ -1,5 +1,6 @@
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 
+#include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
@@ -12,9 +13,10 @@
 namespace websdk {
 namespace {
 
-// Reads the request id of a message's text as far as the start goes: events
-// of a streaming parse, stopped at the budget, nothing kept but the last
-// top-level "requestId" (as the full parse keeps the last of duplicate keys).
+// Reads the request id and action of a message's text as far as the start
+// goes: events of a streaming parse, stopped at the budget, nothing kept but
+// the last top-level "requestId" and "type" (as the full parse keeps the last
+// of duplicate keys).
 class RequestIdScan {
  public:
   static constexpr std::size_t max_object_size = std::size_t(-1);
@@ -22,7 +24,7 @@ class RequestIdScan {
   static constexpr std::size_t max_key_size = std::size_t(-1);
   static constexpr std::size_t max_string_size = std::size_t(-1);
 
-  std::optional<std::string> found;
+  std::optional<std::string> found, type;
 
   bool on_document_begin(boost::json::error_code&) { return true; }
   bool on_document_end(boost::json::error_code&) { return true; }
@@ -37,7 +39,7 @@ class RequestIdScan {
   bool on_key(std::string_view s, std::size_t, boost::json::error_code&) {
     if (depth_ == 1) {
       key_ += s;
-      wanted_ = key_ == "requestId";
+      wanted_ = key_ == "requestId" ? &found : key_ == "type" ? &type : nullptr;
       key_.clear();
     }
     return true;
@@ -63,7 +65,7 @@ class RequestIdScan {
   bool on_comment(std::string_view, boost::json::error_code&) { return true; }
 
  private:
-  bool wantedHere() const { return wanted_ && depth_ == 1; }
+  bool wantedHere() const { return wanted_ != nullptr && depth_ == 1; }
   bool open() {
     if (wantedHere()) take(JSON(nullptr));  // an object or array is no id
     ++depth_;
@@ -78,13 +80,22 @@ class RequestIdScan {
     return true;
   }
   void take(JSON v) {
-    found = lenientString(&v);
-    wanted_ = false;
+    *wanted_ = lenientString(&v);
+    wanted_ = nullptr;
   }
   std::size_t depth_ = 0;
-  bool wanted_ = false;
+  std::optional<std::string>* wanted_ = nullptr;
   std::string key_, text_;
 };
+
+RequestIdScan scanTheStart(std::string_view text, std::size_t budget);
+
+// A page's words in a log line: short, whatever the page sent.
+std::string shown(const std::optional<std::string>& text) {
+  constexpr std::size_t kShown = 80;
+  const std::string& t = text ? *text : std::string();
+  return t.size() <= kShown ? t : t.substr(0, kShown) + "...";
+}
 
 constexpr std::string_view kHandlerName = "nativeRequest";
 constexpr std::string_view kNotAValidRequest = "not a valid request";
@@ -179,7 +190,12 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     // A refused page's text is never parsed: its request id is looked for
     // near the start only, so no size of message stalls the UI thread.
     if (!view || judged.empty() || !isTrusted(view->webSDKConfig, judged)) {
-      answerFailure(requestIdNearTheStart(text), WebSDKStatusCode::notWhitelistedUrl,
+      auto start = scanTheStart(text, kRefusedMessageStart);
+      if (view)
+        log(LogLevel::warning, "trust",
+            "a request from " + (judged.empty() ? std::string("a page with no URL") : judged) + " (action \"" +
+                shown(start.type) + "\", request id \"" + shown(start.found) + "\") was refused: its host is not whitelisted");
+      answerFailure(start.found.value_or(""), WebSDKStatusCode::notWhitelistedUrl,
                     judged.empty() ? std::nullopt : std::optional<std::string>(judged), origin.topDocument);
       return;
     }
@@ -229,7 +245,8 @@ bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view
   return true;
 }
 
-std::string requestIdNearTheStart(std::string_view text, std::size_t budget) {
+namespace {
+RequestIdScan scanTheStart(std::string_view text, std::size_t budget) {
   // Read as parseJSON reads: as deep, and with lone surrogates' escapes as U+FFFD.
   const std::string_view start = text.substr(0, budget);
   const auto repaired = replaceLoneSurrogates(start);
@@ -239,7 +256,12 @@ std::string requestIdNearTheStart(std::string_view text, std::size_t budget) {
   boost::json::basic_parser<RequestIdScan> parser(options);
   boost::json::error_code ec;
   parser.write_some(start.size() < text.size(), scanned.data(), scanned.size(), ec);
-  return parser.handler().found.value_or("");
+  return std::move(parser.handler());
+}
+}  // namespace
+
+std::string requestIdNearTheStart(std::string_view text, std::size_t budget) {
+  return scanTheStart(text, budget).found.value_or("");
 }
 
 void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message,

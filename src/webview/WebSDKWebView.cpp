@@ -1,5 +1,7 @@
 #include "websdk/webview/WebSDKWebView.hpp"
 
+#include "websdk/Log.hpp"
+
 #include <algorithm>
 #include <iostream>
 
@@ -15,12 +17,35 @@ std::optional<std::string> rendered(const JSON& value) {
   if (!text || !isValidUTF8(*text)) return std::nullopt;
   return text;
 }
+
+// What in the header text ends the header script's single-quoted string early,
+// and where.
+std::optional<std::string> headerTextBreaks(std::string_view text) {
+  const auto at = text.find_first_of("'\\\r\n");
+  if (at == std::string_view::npos) return std::nullopt;
+  const char c = text[at];
+  const char* what = c == '\'' ? "a single quote" : c == '\\' ? "a backslash" : "a line break";
+  return std::string(what) + " at byte " + std::to_string(at);
+}
 }  // namespace
 
 WebSDKResponseProtocol::WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary) {
   JSONObject o;
   for (const auto& [k, v] : dictionary) o.emplace(k, v);
   value_ = std::move(o);
+}
+
+WebSDKAppFunctions WebSDKAppFunctions::nativeHeaders(const WebSDKHeaders& fields) {
+  JSONObject object;
+  for (const auto& [name, value] : fields) object.emplace(name, value);
+  // JSON text has no raw line breaks; its backslashes and any single quote
+  // would be read by the script's string literal, so they are escaped for it.
+  std::string text;
+  for (const char c : serialize(object)) {
+    if (c == '\\' || c == '\'') text += '\\';
+    text += c;
+  }
+  return WebSDKAppFunctions(std::move(text), true);
 }
 
 std::string WebSDKAppFunctions::script() const {
@@ -134,7 +159,10 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
   // The load is judged and made in the form the engine itself would load:
   // judging the raw text could trust a host the engine then does not reach.
   const auto canonical = webSDKConfig.canonicalizer(with);
-  if (!canonical) return;
+  if (!canonical) {
+    log(LogLevel::warning, "load", "loadWebView: \"" + with + "\" is not a URL; nothing was loaded");
+    return;
+  }
   WebSDKHeaders headers;
   std::vector<std::string> confined;
   // The app's headers go only to trusted hosts, on the first request and on
@@ -161,6 +189,11 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
 
 void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
   if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSScript(type); })) return;
+  if (const auto breaking = type.escaped() ? std::nullopt : headerTextBreaks(type.headers()))
+    log(LogLevel::warning, "headers",
+        "executeJSScript: the header text holds " + *breaking +
+            ", which ends the header script's string early: the script will not run and the page gets no "
+            "window.__native_headers__. The text is inserted as it stands; make it with WebSDKAppFunctions::nativeHeaders(fields).");
   engine_->addUserScript(UserScript{type.script()});
 }
 
@@ -211,6 +244,9 @@ std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& request
     return document;
   }
   // Not asked (or answered already): only a trusted page shown now may see it.
+  log(LogLevel::warning, "answer",
+      "an answer to request id \"" + requestId +
+          "\", which no page asked or which was answered already; it goes to the page shown, if trusted");
   why = WebSDKDropReason::pageNotWhitelisted;
   return trustedDocumentShown();
 }
@@ -249,7 +285,11 @@ void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<Document
   engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script), response = std::move(response),
                              document]() mutable {
     const auto view = weak.lock();
-    if (!view) return;
+    if (!view) {
+      log(LogLevel::warning, "answer",
+          "the answer to request id \"" + response.requestId + "\" came after its web view was torn down; dropped");
+      return;
+    }
     WebSDKDropReason why = WebSDKDropReason::documentGone;
     const auto target = document ? document : view->answerTarget(response.requestId, why);
     if (!target) return view->tellDropped(response, why);
@@ -378,7 +418,13 @@ void WebSDKWebView::didFailProvisionalNavigation(const WebSDKNavigation* navigat
 }
 void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
                                     WebSDKNavigationActionDecision decisionHandler) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->decidePolicyFor(*this, action, std::move(decisionHandler));
+  if (auto d = webSDKNavigationDelegate.lock()) return d->decidePolicyFor(*this, action, std::move(decisionHandler));
+  // Waiting is the rule without a delegate; a blank view with no word of why is not.
+  if (!std::exchange(toldNoDelegate_, true))
+    log(LogLevel::warning, "navigation",
+        "the navigation to " + action.url +
+            " waits for a decision, but no navigation delegate is attached, so no page loads: give the view one "
+            "(WebSDKTrustedHostsNavigationDelegate keeps it on its trusted hosts)");
 }
 void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
                                     WebSDKNavigationResponseDecision decisionHandler) {
@@ -386,7 +432,10 @@ void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
 }
 void WebSDKWebView::didReceive(const WebSDKAuthenticationChallenge& challenge,
                                WebSDKAuthChallengeCompletion completionHandler) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->didReceive(*this, challenge, std::move(completionHandler));
+  if (auto d = webSDKNavigationDelegate.lock()) return d->didReceive(*this, challenge, std::move(completionHandler));
+  log(LogLevel::warning, "navigation",
+      "an authentication challenge from " + challenge.host +
+          " is never answered: no navigation delegate is attached");
 }
 
 }  // namespace websdk

@@ -89,13 +89,6 @@ WebSDKHeaders appHeaders() {
           {std::string(H::cityId), "1"},            {std::string(H::deviceId), "demo-device"}};
 }
 
-/// The header text the page reads through window.__native_headers__.
-std::string headerScriptText(const WebSDKHeaders& headers) {
-  JSONObject object;
-  for (const auto& [name, value] : headers) object.emplace(name, value);
-  return serialize(object);
-}
-
 bool writeScreenshot(WebSDKWebView& view, const std::string& file) {
   struct Shot {
     bool done = false;
@@ -220,7 +213,7 @@ int run(int argc, char** argv) {
   view->setCartPlugin(cart);
 
   const WebSDKHeaders headers = appHeaders();
-  view->executeJSScript(WebSDKAppFunctions::nativeHeaders(headerScriptText(headers)));
+  view->executeJSScript(WebSDKAppFunctions::nativeHeaders(headers));
 
   gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
   gtk_widget_show_all(window);

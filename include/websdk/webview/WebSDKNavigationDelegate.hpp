@@ -43,4 +43,25 @@ class WebSDKNavigationDelegate {
                           WebSDKAuthChallengeCompletion completionHandler) = 0;
 };
 
+/// A ready-made delegate that keeps the view on the hosts it trusts: a
+/// main-frame navigation to a host off the whitelist is cancelled and handed
+/// to `refused` (which logs it); frames, about: pages and trusted hosts go
+/// ahead. Responses are allowed, a challenge gets the engine's default
+/// handling, and a failed load is logged. Derive from it to add to it.
+class WebSDKTrustedHostsNavigationDelegate : public WebSDKNavigationDelegate {
+ public:
+  using WebSDKNavigationDelegate::decidePolicyFor;
+  void didStartProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation) override;
+  void didFinish(WebSDKWebView& webView, const WebSDKNavigation* navigation) override;
+  void didFailProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation,
+                                    const WebSDKError& error) override;
+  void decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
+                       WebSDKNavigationActionDecision decisionHandler) override;
+  void didReceive(WebSDKWebView& webView, const WebSDKAuthenticationChallenge& challenge,
+                  WebSDKAuthChallengeCompletion completionHandler) override;
+  /// A navigation this delegate cancelled; open it elsewhere (the system
+  /// browser, say) by overriding this.
+  virtual void refused(WebSDKWebView& webView, const WebSDKNavigationAction& action);
+};
+
 }  // namespace websdk

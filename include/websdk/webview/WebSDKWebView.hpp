@@ -36,22 +36,29 @@ class WebSDKResponseProtocol {
   JSON value_;
 };
 
+using WebSDKHeaders = std::map<std::string, std::string>;
+
 /// The script the web view installs rather than evaluates.
 class WebSDKAppFunctions {
  public:
   /// window.__native_headers__.getDovaraHeaders() returns `headers`, inserted
   /// verbatim: the host passes text without single quotes, backslashes or
-  /// line breaks.
+  /// line breaks (executeJSScript warns of text that has them).
   static WebSDKAppFunctions nativeHeaders(std::string headers) { return WebSDKAppFunctions(std::move(headers)); }
+  /// The fields as one JSON object, which getDovaraHeaders() returns exactly:
+  /// what would end the script's string early is escaped on the way in.
+  static WebSDKAppFunctions nativeHeaders(const WebSDKHeaders& fields);
   const std::string& headers() const { return headers_; }
+  /// Whether the text was escaped for the script (made from fields).
+  bool escaped() const { return escaped_; }
   std::string script() const;
 
  private:
-  explicit WebSDKAppFunctions(std::string headers) : headers_(std::move(headers)) {}
+  explicit WebSDKAppFunctions(std::string headers, bool escaped = false)
+      : headers_(std::move(headers)), escaped_(escaped) {}
   std::string headers_;
+  bool escaped_;
 };
-
-using WebSDKHeaders = std::map<std::string, std::string>;
 
 /// The web view's send operations, for code that holds it only as this.
 class WebSDKJSInteractionProtocol {
@@ -253,6 +260,8 @@ class WebSDKWebView final : public WebSDKJSInteractionProtocol,
   std::size_t awaitingCount_ = 0;
   // The last document found on a whitelisted host. UI thread only.
   DocumentID trustedDocument_ = 0;
+  // Whether a navigation was seen waiting for want of a delegate. UI thread only.
+  bool toldNoDelegate_ = false;
 };
 
 }  // namespace websdk

@@ -1,0 +1,39 @@
+#pragma once
+// The WebSDK's one logging path. Every misuse and every refusal the host
+// should hear of is told here once, in words that say what happened and what
+// to do. With the WebKitGTK engine the messages go to GLib's structured log
+// under the "websdk" domain; a host may take them instead with setLogSink.
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace websdk {
+
+enum class LogLevel { debug, info, warning };
+
+/// One message. `topic` is a stable word a host may filter on: "navigation",
+/// "load", "headers", "answer", "trust", "engine".
+struct LogRecord {
+  LogLevel level;
+  std::string_view topic;
+  std::string_view message;
+};
+
+using LogSink = std::function<void(const LogRecord&)>;
+
+/// Sends every later message of this process to `sink` (called on the thread
+/// that logs, any thread); an empty sink restores the default. Returns the
+/// sink it replaces.
+LogSink setLogSink(LogSink sink);
+
+/// Tells `message` through the sink in place.
+void log(LogLevel level, std::string_view topic, std::string_view message);
+
+namespace detail {
+/// Where messages go when the host has set no sink: an engine sets its
+/// platform's log here (standard error until one does).
+void setPlatformLogSink(LogSink sink);
+}  // namespace detail
+
+}  // namespace websdk

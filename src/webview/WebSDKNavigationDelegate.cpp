@@ -1,0 +1,39 @@
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
+
+#include "websdk/Log.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"
+
+namespace websdk {
+
+void WebSDKTrustedHostsNavigationDelegate::didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) {}
+
+void WebSDKTrustedHostsNavigationDelegate::didFinish(WebSDKWebView&, const WebSDKNavigation*) {}
+
+void WebSDKTrustedHostsNavigationDelegate::didFailProvisionalNavigation(WebSDKWebView&,
+                                                                        const WebSDKNavigation* navigation,
+                                                                        const WebSDKError& error) {
+  log(LogLevel::warning, "navigation",
+      "the load of " + (navigation ? navigation->url : std::string("a page")) + " failed: " + error.description);
+}
+
+void WebSDKTrustedHostsNavigationDelegate::decidePolicyFor(WebSDKWebView& webView,
+                                                           const WebSDKNavigationAction& action,
+                                                           WebSDKNavigationActionDecision decisionHandler) {
+  // Frames (a bank's 3-D Secure page, say) are the page's business: they get
+  // neither the app's headers nor the bridge unless their host is trusted.
+  const bool stays = !action.isMainFrame || action.url.starts_with("about:") ||
+                     webView.webSDKConfig.isWhitelistedURL(action.url);
+  if (!stays) refused(webView, action);
+  decisionHandler(stays ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
+}
+
+void WebSDKTrustedHostsNavigationDelegate::didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&,
+                                                      WebSDKAuthChallengeCompletion completionHandler) {
+  completionHandler(WebSDKAuthChallengeDisposition::performDefaultHandling, std::nullopt);
+}
+
+void WebSDKTrustedHostsNavigationDelegate::refused(WebSDKWebView&, const WebSDKNavigationAction& action) {
+  log(LogLevel::info, "navigation", "the navigation to " + action.url + " was cancelled: its host is not trusted");
+}
+
+}  // namespace websdk

@@ -1,0 +1,143 @@
+// Each misuse of the web view is told once, through the one log path, in
+// words that name what happened.
+#include "support/Harness.hpp"
+
+#include "websdk/Log.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace websdk {
+namespace {
+
+using test::Harness;
+
+struct Captured {
+  std::vector<std::pair<std::string, std::string>> lines;  // topic, message
+  LogSink previous;
+  Captured() {
+    previous = setLogSink([this](const LogRecord& r) {
+      if (r.level != LogLevel::debug) lines.emplace_back(r.topic, r.message);
+    });
+  }
+  ~Captured() { setLogSink(std::move(previous)); }
+};
+
+TEST(Misuse, EachIsToldOnceWithWhatHappened) {
+  struct Row {
+    const char* what;
+    std::function<void(Harness&)> misuse;
+    const char* topic;
+    std::vector<std::string> words;  // each must appear in the one message
+  };
+  const auto ask = [](Harness& h, const char* id) {
+    h.post(R"({"type":"GET_LOCAL_CART","requestId":")" + std::string(id) + R"(","payload":{}})");
+  };
+  const Row rows[] = {
+      {"a load that is not a URL", [](Harness& h) { h.view->loadWebView("not a url", {}, std::nullopt, 5); }, "load",
+       {"\"not a url\"", "not a URL"}},
+      {"header text with a single quote",
+       [](Harness& h) { h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders(R"({"name":"O'Brien"})")); },
+       "headers", {"single quote at byte 10", "window.__native_headers__"}},
+      {"header text with a line break",
+       [](Harness& h) { h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders("{\n}")); }, "headers",
+       {"line break at byte 1"}},
+      {"an answer to an id never asked",
+       [](Harness& h) {
+         h.view->sendSuccess("nobody");
+         h.engine->queue().drain();
+       },
+       "answer", {"\"nobody\"", "no page asked"}},
+      {"the same id answered twice",
+       [&ask](Harness& h) {
+         ask(h, "twice");
+         h.view->sendSuccess("twice");
+         h.view->sendSuccess("twice");
+         h.engine->queue().drain();
+       },
+       "answer", {"\"twice\"", "answered already"}},
+      {"a request from a host off the whitelist",
+       [&ask](Harness& h) {
+         h.engine->navigate("https://evil.test/pay");
+         ask(h, "r9");
+       },
+       "trust", {"https://evil.test/pay", "\"GET_LOCAL_CART\"", "\"r9\"", "not whitelisted"}},
+      {"a navigation with no delegate",
+       [](Harness& h) {
+         int answered = 0;
+         for (int i = 0; i < 3; ++i)  // told once per view, not per navigation
+           h.engine->client()->decidePolicyFor(WebSDKNavigationAction{"https://localhost/next"},
+                                               [&](WebSDKNavigationActionPolicy) { ++answered; });
+         EXPECT_EQ(answered, 0) << "waiting stays the rule";
+       },
+       "navigation", {"https://localhost/next", "no navigation delegate"}},
+      {"a challenge with no delegate",
+       [](Harness& h) {
+         h.engine->client()->didReceive(WebSDKAuthenticationChallenge{"localhost", 443, "", "", 0},
+                                        [](WebSDKAuthChallengeDisposition, std::optional<WebSDKURLCredential>) {});
+       },
+       "navigation", {"challenge from localhost", "no navigation delegate"}},
+  };
+  for (const auto& row : rows) {
+    Harness h;
+    h.view->setCartPlugin(std::make_shared<test::RecordingCart>());
+    Captured log;
+    row.misuse(h);
+    ASSERT_EQ(log.lines.size(), 1u) << row.what << (log.lines.empty() ? "" : ": " + log.lines[0].second);
+    EXPECT_EQ(log.lines[0].first, row.topic) << row.what;
+    for (const auto& word : row.words) EXPECT_NE(log.lines[0].second.find(word), std::string::npos)
+        << row.what << ": \"" << word << "\" not in: " << log.lines[0].second;
+  }
+}
+
+TEST(Misuse, RightUseIsSilent) {
+  Harness h;
+  auto cart = std::make_shared<test::RecordingCart>();
+  h.view->setCartPlugin(cart);
+  Captured log;
+  h.view->loadWebView("https://localhost/checkout", {{"token", "a"}}, std::nullopt, 5);
+  h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders(WebSDKHeaders{{"name", "O'Brien \"\\ the 2nd\""}}));
+  h.post(R"({"type":"GET_LOCAL_CART","requestId":"1","payload":{}})");
+  ASSERT_EQ(cart->received.size(), 1u);
+  h.view->sendSuccess("1");
+  h.engine->queue().drain();
+  EXPECT_TRUE(log.lines.empty()) << log.lines[0].second;
+}
+
+TEST(Misuse, AnAnswerAfterTearDownIsTold) {
+  Harness h;
+  Captured log;
+  h.view->sendSuccess("late");  // queued, then the view goes
+  auto queue = h.engine->sharedQueue();
+  h.view.reset();
+  queue->drain();
+  ASSERT_EQ(log.lines.size(), 1u);
+  EXPECT_NE(log.lines[0].second.find("\"late\" came after its web view was torn down"), std::string::npos);
+}
+
+TEST(HeaderText, FieldsReachThePageExactlyWhateverTheyHold) {
+  // The header script as a page would run it: the single-quoted literal's
+  // escapes undone, which must give back the fields' JSON text.
+  const auto literalValue = [](const std::string& script) {
+    const auto start = script.find("return '") + 8;
+    std::string value;
+    for (std::size_t i = start; script[i] != '\''; ++i) value += script[i] == '\\' ? script[++i] : script[i];
+    return value;
+  };
+  const WebSDKHeaders rows[] = {
+      {{"token", "plain"}},
+      {{"name", "O'Brien"}, {"quote", "say \"hi\""}},
+      {{"path", "C:\\dir\\"}, {"lines", "a\nb\r"}},
+      {{"ünï", "\u2028 and \u2029"}},
+  };
+  for (const auto& fields : rows) {
+    const auto functions = WebSDKAppFunctions::nativeHeaders(fields);
+    JSONObject expected;
+    for (const auto& [name, value] : fields) expected.emplace(name, value);
+    EXPECT_EQ(parseJSON(literalValue(functions.script())), JSON(expected)) << functions.headers();
+  }
+}
+
+}  // namespace
+}  // namespace websdk

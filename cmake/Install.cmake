@@ -8,28 +8,17 @@ include(CMakePackageConfigHelpers)
 
 set(WEBSDK_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/WebSDK)
 
-# A library under the name host apps use, with its headers found in the source
-# tree while building and under include/ once installed.
-function(websdk_install_library target name headers)
-  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
-  set_property(TARGET ${target} PROPERTY INTERFACE_INCLUDE_DIRECTORIES
-               "$<BUILD_INTERFACE:${headers}>" "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
-  if(NOT TARGET WebSDK::${name})
-    add_library(WebSDK::${name} ALIAS ${target})
-  endif()
-  install(DIRECTORY ${headers}/websdk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.hpp")
-  install(TARGETS ${target} EXPORT WebSDKTargets
-          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-          LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-          RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endfunction()
+# Every library websdk_library (cmake/Library.cmake) made, with its headers.
+get_property(WEBSDK_LIBRARIES GLOBAL PROPERTY WEBSDK_LIBRARIES)
+install(TARGETS ${WEBSDK_LIBRARIES} EXPORT WebSDKTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-websdk_install_library(websdk websdk ${PROJECT_SOURCE_DIR}/include)
-websdk_install_library(websdk_testing testing ${PROJECT_SOURCE_DIR}/engines/testing/include)
 set(WEBSDK_HAS_WEBKITGTK OFF)
 if(TARGET websdk_webkitgtk)
   set(WEBSDK_HAS_WEBKITGTK ON)
-  websdk_install_library(websdk_webkitgtk webkitgtk ${PROJECT_SOURCE_DIR}/engines/webkitgtk/include)
   # A host built against the installed package is told where the engine's
   # web-process module lies from the package's headers (engines/webkitgtk
   # installs it there). WebKitGTKConfiguration's default starts from the
@@ -40,7 +29,12 @@ if(TARGET websdk_webkitgtk)
   target_compile_definitions(websdk_webkitgtk INTERFACE
     "$<INSTALL_INTERFACE:WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR=${WEBSDK_INCLUDE_TO_WEB_EXTENSIONS}>")
 endif()
-install(TARGETS websdk-inspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(TARGET websdk-inspect)
+  # With shared libraries, the tool finds them beside its own bin/.
+  file(RELATIVE_PATH WEBSDK_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(websdk-inspect PROPERTIES INSTALL_RPATH "$ORIGIN/${WEBSDK_BIN_TO_LIB}")
+  install(TARGETS websdk-inspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 
 install(EXPORT WebSDKTargets NAMESPACE WebSDK:: DESTINATION ${WEBSDK_INSTALL_CMAKEDIR})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/WebSDKConfig.cmake.in

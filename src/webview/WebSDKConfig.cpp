@@ -204,7 +204,12 @@ std::optional<std::string> canonicalURL(std::string_view url) {
   out += "//";
   out += userinfo;
   out += host;
-  out += port;
+  // A special scheme's default port is left out, as the engine leaves it.
+  const std::string_view defaultPort = scheme == "http" || scheme == "ws" ? ":80"
+                                       : scheme == "https" || scheme == "wss" ? ":443"
+                                       : scheme == "ftp"                      ? ":21"
+                                                                              : "";
+  if (port != defaultPort || defaultPort.empty()) out += port;
   std::string path(tail);
   if (special) std::ranges::replace(path, '\\', '/');
   if (special && (path.empty() || path.front() != '/')) path.insert(0, "/");
@@ -228,9 +233,26 @@ bool WebSDKConfig::isWhitelistedURL(std::string_view url) const {
   const auto host = hostOf(*canonical);
   if (!host) return false;
   if (shouldWhitelistAllUrls) return true;
-  // An empty entry would trust every host; it trusts none.
-  for (const auto& entry : whitelistedHosts)
-    if (!entry.empty() && host->find(entry) != std::string_view::npos) return true;
+  const std::string_view text = *canonical;
+  const std::string_view scheme = text.substr(0, text.find(':'));
+  std::string_view authority = text.substr(scheme.size() + 3);
+  authority = authority.substr(0, authority.find_first_of("/?#"));
+  // A host under a scheme of the app's own is a name only the app gives a
+  // meaning to: a plain entry, which names network hosts, never trusts it.
+  const bool network = isSpecial(scheme);
+  for (const auto& entry : whitelistedHosts) {
+    // An empty entry would trust every host; it trusts none.
+    if (entry.empty()) continue;
+    if (const auto separator = entry.find("://"); separator != std::string::npos) {
+      std::string_view named = std::string_view(entry).substr(separator + 3);
+      if (named.ends_with('/')) named.remove_suffix(1);
+      const bool sameScheme = std::ranges::equal(std::string_view(entry).substr(0, separator), scheme,
+                                                 [](char a, char b) { return lower(a) == b; });
+      if (sameScheme && named == authority) return true;
+    } else if (network && host->find(entry) != std::string_view::npos) {
+      return true;
+    }
+  }
   return false;
 }
 
@@ -238,6 +260,18 @@ WebSDKConfig WebSDKConfig::normalized() const {
   WebSDKConfig out = *this;
   const auto canonicalize = canonicalizer ? canonicalizer : &canonicalURL;
   for (auto& entry : out.whitelistedHosts) {
+    // A scheme and its host: the URL's canonical origin when it reads as one
+    // ("HTTPS://Shop.Example:443/" is "https://shop.example"), lowercased
+    // otherwise; a path or a query makes an entry that matches nothing.
+    if (entry.find("://") != std::string::npos) {
+      std::ranges::transform(entry, entry.begin(), lower);
+      if (entry.ends_with('/')) entry.pop_back();
+      const auto canonical = canonicalize(entry + "/");
+      if (canonical && hostOf(*canonical) && canonical->ends_with('/') &&
+          canonical->find_first_of("/?#", canonical->find("://") + 3) == canonical->size() - 1)
+        entry = canonical->substr(0, canonical->size() - 1);
+      continue;
+    }
     // An entry that reads as a host takes the host's canonical form; any
     // other (a fragment such as ".shop") is only lowercased, as hosts are.
     const bool hostLike = !entry.empty() && entry.find_first_of(":/?#@[]\\ ") == std::string::npos;

@@ -47,14 +47,21 @@ struct WebSDKConfig {
   bool allowsServiceWorkers = false;
 
   /// False for a URL without a host (also when every URL is trusted); true
-  /// when every URL is trusted; otherwise true when some entry occurs anywhere
-  /// inside the canonical host. The containment test is loose on purpose:
-  /// "example.com" also trusts "example.com.other.test". Scheme, port and
-  /// path play no part.
+  /// when every URL is trusted; otherwise true when some entry matches:
+  /// - a host ("example.com") matches a URL of a network scheme (http, https,
+  ///   ws, wss, ftp, file) when it occurs anywhere inside its canonical host.
+  ///   The containment test is loose on purpose: "example.com" also trusts
+  ///   "example.com.other.test". Scheme, port and path play no part.
+  /// - a scheme and host ("app://checkout") matches a URL of exactly that
+  ///   scheme and authority (no user, no other port), path aside. This is the
+  ///   only entry that trusts a host under any other scheme, such as the
+  ///   app's local pages: a plain "checkout" trusts neither app://checkout
+  ///   nor, through it, https://checkout.evil.test.
   bool isWhitelistedURL(std::string_view url) const;
 
-  /// This configuration with its entries in the canonical host form
-  /// ("EXAMPLE.com" -> "example.com", "bücher.de" -> "xn--bcher-kva.de").
+  /// This configuration with its entries in canonical form ("EXAMPLE.com" ->
+  /// "example.com", "bücher.de" -> "xn--bcher-kva.de", "APP://Checkout/" ->
+  /// "app://checkout").
   WebSDKConfig normalized() const;
 
   bool operator==(const WebSDKConfig&) const = default;

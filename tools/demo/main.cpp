@@ -7,6 +7,7 @@
 //                                    every step got its answer)
 //   --screenshot FILE                writes the page as a PNG once it is done
 
+#include "DemoOptions.hpp"
 #include "DemoPlugins.hpp"
 
 #include "websdk/webkitgtk/Native.hpp"
@@ -174,19 +175,18 @@ bool runCheckout(WebSDKWebView& view, const TrafficPrinter& traffic, const std::
 }
 
 int run(int argc, char** argv) {
-  bool headless = false;
-  std::string screenshot;
-  for (int i = 1; i < argc; ++i) {
-    const std::string_view arg = argv[i];
-    if (arg == "--headless") {
-      headless = true;
-    } else if (arg == "--screenshot" && i + 1 < argc) {
-      screenshot = argv[++i];
-    } else {
-      std::cerr << "usage: websdk-demo [--headless] [--screenshot FILE]" << std::endl;
-      return 2;
-    }
+  std::string error;
+  const auto options = parseDemoArguments(std::vector<std::string>(argv + 1, argv + argc), error);
+  if (!options) {
+    std::cerr << "websdk-demo: " << error << "\n" << kDemoUsage;
+    return 2;
   }
+  if (options->help) {
+    std::cout << kDemoUsage;
+    return 0;
+  }
+  const bool headless = options->headless;
+  const std::string screenshot = options->screenshot;
   if (!webkitgtk::initialize(&argc, &argv)) {
     std::cerr << "websdk-demo: no display (headless runs go under xvfb-run -a)" << std::endl;
     return 2;

@@ -1,5 +1,6 @@
 #include "Inspector.hpp"
 
+#include "../CommandLine.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/testing/EveryFamilyHost.hpp"
 #include "websdk/testing/TestingEngine.hpp"
@@ -35,46 +36,34 @@ std::vector<std::string> familyNames() {
 }
 
 std::optional<Options> parseArguments(const std::vector<std::string>& args, std::string& file, std::string& error) {
+  static constexpr tools::OptionSpec known[] = {
+      {"--url", true}, {"--whitelist", true}, {"--whitelist-all", false}, {"--plugins", true}};
+  const auto line = tools::readCommandLine(args, known, error);
+  if (!line) return std::nullopt;
   Options options;
   options.plugins = {};
+  options.help = line->help;
+  if (options.help) return options;
   bool whitelistGiven = false;
   std::string plugins = "all";
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    auto value = [&]() -> std::optional<std::string> {
-      if (i + 1 >= args.size()) {
-        error = a + " needs a value";
-        return std::nullopt;
-      }
-      return args[++i];
-    };
-    if (a == "--url") {
-      auto v = value();
-      if (!v) return std::nullopt;
-      options.url = *v == "none" ? std::nullopt : std::optional<std::string>(*v);
-    } else if (a == "--whitelist") {
-      auto v = value();
-      if (!v) return std::nullopt;
+  for (const auto& [name, value] : line->options) {
+    if (name == "--url") {
+      options.url = value == "none" ? std::nullopt : std::optional<std::string>(value);
+    } else if (name == "--whitelist") {
       if (!whitelistGiven) options.whitelist.clear();
       whitelistGiven = true;
-      options.whitelist.push_back(*v);
-    } else if (a == "--whitelist-all") {
+      options.whitelist.push_back(value);
+    } else if (name == "--whitelist-all") {
       options.whitelistAll = true;
-    } else if (a == "--plugins") {
-      auto v = value();
-      if (!v) return std::nullopt;
-      plugins = *v;
-    } else if (a == "-" || (!a.empty() && a[0] != '-')) {
-      if (!file.empty()) {
-        error = "more than one input file";
-        return std::nullopt;
-      }
-      file = a;
-    } else {
-      error = "unknown option " + a;
-      return std::nullopt;
+    } else if (name == "--plugins") {
+      plugins = value;
     }
   }
+  if (line->operands.size() > 1) {
+    error = "more than one input file";
+    return std::nullopt;
+  }
+  if (!line->operands.empty()) file = line->operands.front();
   const auto names = familyNames();
   if (plugins == "all") {
     options.plugins.insert(names.begin(), names.end());

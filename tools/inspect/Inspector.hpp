@@ -18,9 +18,11 @@ struct Options {
   std::vector<std::string> whitelist = {"localhost"};
   bool whitelistAll = false;
   std::set<std::string> plugins;  // family names with a registered host object
+  bool help = false;              // --help: print the usage, inspect nothing
 };
 
-/// Parses the command line; on a bad argument returns nothing and sets `error`.
+/// Parses the command line (`--opt value` or `--opt=value`); on a bad argument
+/// returns nothing and sets `error`.
 std::optional<Options> parseArguments(const std::vector<std::string>& args, std::string& file, std::string& error);
 
 /// The family names, in the bridge's order.

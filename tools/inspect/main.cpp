@@ -3,6 +3,26 @@
 
 #include <fstream>
 #include <iostream>
+#include <string_view>
+
+namespace {
+
+constexpr std::string_view kUsage =
+    "usage: websdk-inspect [--url URL|none] [--whitelist HOST]... [--whitelist-all]\n"
+    "                      [--plugins all|none|FAMILY[,FAMILY...]] [FILE|-]\n"
+    "       websdk-inspect --catalogue\n"
+    "Feeds each script message of FILE (standard input by default), one JSON object a line,\n"
+    "through the web view and bridge over the in-memory engine, and prints what each plugin\n"
+    "would receive and what the page would be sent. Options take `--opt value` or `--opt=value`.\n"
+    "  --url URL|none         the page's URL (https://localhost/)\n"
+    "  --whitelist HOST       a trusted host, repeatable (localhost)\n"
+    "  --whitelist-all        trust every host\n"
+    "  --plugins LIST         the families with a registered plugin (all)\n"
+    "  --catalogue            prints the contract as the code reads it (every action, the keys\n"
+    "                         its model reads, the page functions), as JSON\n"
+    "  --help                 prints this\n";
+
+}  // namespace
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
@@ -13,11 +33,12 @@ int main(int argc, char** argv) {
   std::string file, error;
   const auto options = websdk::inspect::parseArguments(args, file, error);
   if (!options) {
-    std::cerr << "websdk-inspect: " << error << "\n"
-              << "usage: websdk-inspect [--url URL] [--whitelist HOST]... [--whitelist-all]\n"
-              << "                      [--plugins all|none|FAMILY[,FAMILY...]] [FILE]\n"
-              << "       websdk-inspect --catalogue\n";
+    std::cerr << "websdk-inspect: " << error << "\n" << kUsage;
     return 2;
+  }
+  if (options->help) {
+    std::cout << kUsage;
+    return 0;
   }
   std::ios::sync_with_stdio(false);
   if (file.empty() || file == "-") return websdk::inspect::run(*options, std::cin, std::cout, std::cerr);

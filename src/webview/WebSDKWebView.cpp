@@ -423,8 +423,9 @@ void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
   if (!std::exchange(toldNoDelegate_, true))
     log(LogLevel::warning, "navigation",
         "the navigation to " + action.url +
-            " waits for a decision, but no navigation delegate is attached, so no page loads: give the view one "
-            "(WebSDKTrustedHostsNavigationDelegate keeps it on its trusted hosts)");
+            " waits for a decision, but no navigation delegate is attached, so no page loads: give the view one, "
+            "and keep a reference to it, for the view holds it weakly (WebSDKTrustedHostsNavigationDelegate keeps "
+            "the view on its trusted hosts)");
 }
 void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
                                     WebSDKNavigationResponseDecision decisionHandler) {

@@ -1,10 +1,10 @@
 // Where the engine finds its web-process module. G_MESSAGES_DEBUG=websdk
 // shows the directory chosen.
-#define G_LOG_DOMAIN "websdk"
 
 #include "GuardLocation.hpp"
 
 #include "HeaderGuard.hpp"
+#include "websdk/Log.hpp"
 
 #include <glib.h>
 #include <glib/gstdio.h>
@@ -88,8 +88,8 @@ std::optional<std::string> moduleDirectory(const std::string& configured) {
     answers.emplace(std::move(key), found.directory);
   }
   // Told outside the lock: a log handler may make an engine of its own.
-  if (found.directory) g_debug("web-process module from %s", found.directory->c_str());
-  else g_warning("%s", found.warning.c_str());
+  if (found.directory) log(LogLevel::debug, "engine", "web-process module from " + *found.directory);
+  else log(LogLevel::warning, "engine", found.warning);
   return found.directory;
 }
 

@@ -48,6 +48,8 @@ class WebSDKNavigationDelegate {
 /// to `refused` (which logs it); frames, about: pages and trusted hosts go
 /// ahead. Responses are allowed, a challenge gets the engine's default
 /// handling, and a failed load is logged. Derive from it to add to it.
+/// WebKitGTK does not tell a frame's navigation from the main frame's, so
+/// there a frame off the whitelist is refused too.
 class WebSDKTrustedHostsNavigationDelegate : public WebSDKNavigationDelegate {
  public:
   using WebSDKNavigationDelegate::decidePolicyFor;

@@ -1,0 +1,106 @@
+// What a host meets in its first hour with the real engine: the ready-made
+// delegate, header text made from fields, misuses told through the log, and
+// tear-down in either order.
+#include "E2E.hpp"
+
+#include "websdk/Log.hpp"
+
+#include <gtest/gtest.h>
+
+namespace websdk::e2e {
+namespace {
+
+// Every message of the WebSDK's, and every GLib warning or critical of anyone's.
+struct LogCapture {
+  std::vector<std::string> websdk, glib;
+  LogSink previous;
+  GLogFunc previousHandler = nullptr;
+  gpointer previousData = nullptr;
+  LogCapture() {
+    previous = setLogSink([this](const LogRecord& r) {
+      if (r.level != LogLevel::debug) websdk.emplace_back(r.message);
+    });
+    previousHandler = g_log_set_default_handler(
+        [](const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer data) {
+          if (level & (G_LOG_LEVEL_WARNING | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_ERROR))
+            static_cast<LogCapture*>(data)->glib.push_back(std::string(domain ? domain : "") + ": " + message);
+        },
+        this);
+  }
+  ~LogCapture() {
+    g_log_set_default_handler(previousHandler, previousData);
+    setLogSink(std::move(previous));
+  }
+  bool told(std::string_view words) const {
+    return std::ranges::any_of(websdk, [&](const std::string& m) { return m.find(words) != std::string::npos; });
+  }
+};
+
+TEST_F(E2ETest, TheReadyMadeDelegateKeepsTheViewOnItsTrustedHosts) {
+  LogCapture log;
+  auto trusted = std::make_shared<WebSDKTrustedHostsNavigationDelegate>();
+  view->webSDKNavigationDelegate = trusted;
+  server.page("/away", testPage());
+  const std::string away = server.url("/away", "localhost");
+  server.page("/start", testPage(R"(<a id="out" href=")" + away + R"(">out</a>)"));
+  view->loadWebView(server.url("/start"), {{"token", "t"}}, std::nullopt, 30);
+  ASSERT_TRUE(waitFor([&] { return !page->of("ready").empty(); }));
+  ASSERT_EQ(server.requestsTo("/start").size(), 1u);
+  EXPECT_EQ(server.requestsTo("/start")[0].header("token"), "t");
+  const auto before = server.requestsTo("/away").size();
+  evaluate("document.getElementById('out').click()");
+  ASSERT_TRUE(waitFor([&] { return log.told("was cancelled: its host is not trusted"); }));
+  EXPECT_EQ(server.requestsTo("/away").size(), before) << "the main frame stays";
+  EXPECT_EQ(view->url(), server.url("/start"));
+}
+
+TEST_F(E2ETest, HeaderTextMadeFromFieldsReachesThePageExactly) {
+  const WebSDKHeaders fields{{"name", "O'Brien"}, {"quote", "say \"hi\""}, {"path", "C:\\dir\\"}, {"line", "a\nb"}};
+  view->executeJSScript(WebSDKAppFunctions::nativeHeaders(fields));
+  server.page("/page", testPage());
+  ASSERT_TRUE(loadAndWait(server.url("/page")));
+  const auto text = evaluate("window.__native_headers__.getDovaraHeaders()");
+  ASSERT_TRUE(text && text->is_string());
+  JSONObject expected;
+  for (const auto& [name, value] : fields) expected.emplace(name, value);
+  EXPECT_EQ(parseJSON(text->get_string()), JSON(expected));
+}
+
+TEST_F(E2ETest, AViewWithoutADelegateSaysWhyItStaysBlank) {
+  LogCapture log;
+  makeView({"127.0.0.1"}, nullptr);
+  server.page("/page", testPage());
+  view->loadWebView(server.url("/page"), {}, std::nullopt, 30);
+  ASSERT_TRUE(waitFor([&] { return log.told("no navigation delegate is attached"); }));
+  EXPECT_TRUE(server.requests().empty());
+}
+
+TEST(TearDown, WindowFirstOrViewFirstLeavesNoWarnings) {
+  LoopbackServer server;
+  server.page("/page", testPage());
+  for (const bool windowFirst : {true, false}) {
+    LogCapture log;
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    auto trusted = std::make_shared<WebSDKTrustedHostsNavigationDelegate>();
+    auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr,
+                                      nullptr, trusted);
+    gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
+    gtk_widget_show_all(window);
+    view->loadWebView(server.url("/page"), {}, std::nullopt, 30);
+    ASSERT_TRUE(waitFor([&] { return view->url().has_value(); }));
+    view->sendSuccess("late");  // an answer still queued at tear-down
+    if (windowFirst) {
+      gtk_widget_destroy(window);
+      view.reset();
+    } else {
+      view.reset();
+      gtk_widget_destroy(window);
+    }
+    waitFor([] { return false; }, std::chrono::milliseconds(300));
+    EXPECT_TRUE(log.glib.empty()) << (windowFirst ? "window first: " : "view first: ") << log.glib.front();
+    EXPECT_TRUE(log.told("came after its web view was torn down"));
+  }
+}
+
+}  // namespace
+}  // namespace websdk::e2e

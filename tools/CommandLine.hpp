@@ -19,7 +19,8 @@ struct OptionSpec {
 };
 
 struct CommandLine {
-  bool help = false;  // --help was asked for; nothing after it was read
+  /// --help was asked for; nothing after it was read.
+  bool help = false;
   std::vector<std::pair<std::string, std::string>> options;  // name and value ("" for a flag), in order
   std::vector<std::string> operands;
 };

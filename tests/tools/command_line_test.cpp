@@ -32,7 +32,7 @@ TEST(CommandLine, InspectReadsBothOptionFormsHelpAndRefusals) {
       {{"--url=none"}, "", std::nullopt},
       {{"--url=a=b"}, "", "a=b"},  // only the first '=' separates
       {{"--whitelist=one.test", "--whitelist", "two.test"}, "", "https://localhost/", {"one.test", "two.test"}},
-      {{"--plugins=cart,generic", "in.jsonl"}, "", "https://localhost/", {"localhost"}, {"cart", "generic"}, "in.jsonl"},
+      {{"--plugins=cart,generic", "in"}, "", "https://localhost/", {"localhost"}, {"cart", "generic"}, "in"},
       {{"--whitelist-all", "-"}, "", "https://localhost/", {"localhost"}, {}, "-", false, true},
       {{"--", "--odd-name"}, "", "https://localhost/", {"localhost"}, {}, "--odd-name"},
       {{"--help"}, "", "https://localhost/", {"localhost"}, {}, "", true},

@@ -28,7 +28,8 @@ inline constexpr std::string_view kDemoUsage =
 /// Reads the arguments after the program's name; on a bad one returns nothing
 /// and sets `error`.
 inline std::optional<DemoOptions> parseDemoArguments(const std::vector<std::string>& args, std::string& error) {
-  static constexpr tools::OptionSpec known[] = {{"--headless", false}, {"--local-pages", false}, {"--screenshot", true}};
+  static constexpr tools::OptionSpec known[] = {
+      {"--headless", false}, {"--local-pages", false}, {"--screenshot", true}};
   const auto line = tools::readCommandLine(args, known, error);
   if (!line) return std::nullopt;
   DemoOptions options;

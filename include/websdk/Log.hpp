@@ -4,6 +4,8 @@
 // to do. With the WebKitGTK engine the messages go to GLib's structured log
 // under the "websdk" domain; a host may take them instead with setLogSink.
 
+#include "websdk/Export.hpp"
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,7 +16,7 @@ enum class LogLevel { debug, info, warning };
 
 /// One message. `topic` is a stable word a host may filter on: "navigation",
 /// "load", "headers", "answer", "trust", "engine".
-struct LogRecord {
+struct WEBSDK_EXPORT LogRecord {
   LogLevel level;
   std::string_view topic;
   std::string_view message;
@@ -25,15 +27,15 @@ using LogSink = std::function<void(const LogRecord&)>;
 /// Sends every later message of this process to `sink` (called on the thread
 /// that logs, any thread); an empty sink restores the default. Returns the
 /// sink it replaces.
-LogSink setLogSink(LogSink sink);
+WEBSDK_EXPORT LogSink setLogSink(LogSink sink);
 
 /// Tells `message` through the sink in place.
-void log(LogLevel level, std::string_view topic, std::string_view message);
+WEBSDK_EXPORT void log(LogLevel level, std::string_view topic, std::string_view message);
 
 namespace detail {
 /// Where messages go when the host has set no sink: an engine sets its
 /// platform's log here (standard error until one does).
-void setPlatformLogSink(LogSink sink);
+WEBSDK_EXPORT void setPlatformLogSink(LogSink sink);
 }  // namespace detail
 
 }  // namespace websdk

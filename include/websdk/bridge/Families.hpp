@@ -2,6 +2,7 @@
 // The twelve families of the bridge, in the order the bridge tries them, with
 // the name tools use and the answer the page gets when no host object is set.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 
 #include <string_view>
@@ -11,7 +12,7 @@ namespace websdk {
 
 template <class ActionT, class PayloadT, class PluginT, std::weak_ptr<PluginT> WebSDKScriptHandler::*Delegate,
           void (PluginT::*Operation)(const WebSDKBridgeRequest<ActionT>&, const PayloadT&)>
-struct BridgeFamily {
+struct WEBSDK_EXPORT BridgeFamily {
   using Action = ActionT;
   using Request = WebSDKBridgeRequest<ActionT>;
   using Payload = PayloadT;

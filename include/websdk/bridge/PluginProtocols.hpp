@@ -4,6 +4,7 @@
 // and the listener that sees all traffic. The host answers later, by request
 // id, through the web view's send operations.
 
+#include "websdk/Export.hpp"
 #include "websdk/plugins/commerce/Accounts.hpp"
 #include "websdk/plugins/commerce/Carts.hpp"
 #include "websdk/plugins/commerce/ChatConversation.hpp"
@@ -19,73 +20,73 @@
 
 namespace websdk {
 
-class DvWebViewGenericCallsBacks {
+class WEBSDK_EXPORT DvWebViewGenericCallsBacks {
  public:
   virtual ~DvWebViewGenericCallsBacks() = default;
   virtual void handleGenericRequest(const WebSDKGenericRequestModel& request, const WebSDKGenericRequestPayload& payload) = 0;
 };
 
-class DvWebViewPaymentsCallsBacks {
+class WEBSDK_EXPORT DvWebViewPaymentsCallsBacks {
  public:
   virtual ~DvWebViewPaymentsCallsBacks() = default;
   virtual void handlePaymentsRequest(const WebSDKPaymentsRequestModel& request, const WebSDKPaymentsRequestPayload& payload) = 0;
 };
 
-class DvWebViewRestaurantEmpathyCallsBacks {
+class WEBSDK_EXPORT DvWebViewRestaurantEmpathyCallsBacks {
  public:
   virtual ~DvWebViewRestaurantEmpathyCallsBacks() = default;
   virtual void handleRestaurantEmpathyRequest(const WebSDKRestaurantEmpathyRequestModel& request, const WebSDKRestaurantEmpathyRequestPayload& payload) = 0;
 };
 
-class DvWebViewChatConversationCallsBacks {
+class WEBSDK_EXPORT DvWebViewChatConversationCallsBacks {
  public:
   virtual ~DvWebViewChatConversationCallsBacks() = default;
   virtual void handleChatConversationRequest(const WebSDKChatConversationRequestModel& request, const WebSDKChatConversationRequestPayload& payload) = 0;
 };
 
-class DvCartWebViewCallBacks {
+class WEBSDK_EXPORT DvCartWebViewCallBacks {
  public:
   virtual ~DvCartWebViewCallBacks() = default;
   virtual void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload& payload) = 0;
 };
 
-class DvPXCartWebViewCallBacks {
+class WEBSDK_EXPORT DvPXCartWebViewCallBacks {
  public:
   virtual ~DvPXCartWebViewCallBacks() = default;
   virtual void handlePXCartRequest(const WebSDKPXCartRequestModel& request, const WebSDKPXCartRequestPayload& payload) = 0;
 };
 
-class DvVRCartWebViewCallBacks {
+class WEBSDK_EXPORT DvVRCartWebViewCallBacks {
  public:
   virtual ~DvVRCartWebViewCallBacks() = default;
   virtual void handleVRCartRequest(const WebSDKVRCartRequestModel& request, const WebSDKVRCartRequestPayload& payload) = 0;
 };
 
-class DvGiftingCartWebViewCallBacks {
+class WEBSDK_EXPORT DvGiftingCartWebViewCallBacks {
  public:
   virtual ~DvGiftingCartWebViewCallBacks() = default;
   virtual void handleGiftingCartRequest(const WebSDKGiftingCartRequestModel& request, const WebSDKGiftingCartRequestPayload& payload) = 0;
 };
 
-class DvZippaWebViewCallBacks {
+class WEBSDK_EXPORT DvZippaWebViewCallBacks {
  public:
   virtual ~DvZippaWebViewCallBacks() = default;
   virtual void handleZippaRequest(const WebSDKZippaRequestModel& request, const WebSDKZippaRequestPayload& payload) = 0;
 };
 
-class DvWebViewSetRecipientInfoCallsBacks {
+class WEBSDK_EXPORT DvWebViewSetRecipientInfoCallsBacks {
  public:
   virtual ~DvWebViewSetRecipientInfoCallsBacks() = default;
   virtual void handleSetRecipientInfoRequest(const WebSDKSetRecipientInfoRequestModel& request, const WebSDKSetRecipientInfoRequestPayload& payload) = 0;
 };
 
-class DvAccountsWebViewCallBacks {
+class WEBSDK_EXPORT DvAccountsWebViewCallBacks {
  public:
   virtual ~DvAccountsWebViewCallBacks() = default;
   virtual void handleAccountsRequest(const WebSDKAccountsRequestModel& request, const WebSDKAccountsRequestPayload& payload) = 0;
 };
 
-class DvWebViewMenuListCallbacks {
+class WEBSDK_EXPORT DvWebViewMenuListCallbacks {
  public:
   virtual ~DvWebViewMenuListCallbacks() = default;
   virtual void handleMenuListRequest(const WebSDKMenuListRequestModel& request, const WebSDKMenuListPayload& payload) = 0;
@@ -101,7 +102,7 @@ enum class WebSDKDropReason {
 };
 
 /// The host's listener for bridge traffic.
-class WebSDKJSCommunicationProtocol {
+class WEBSDK_EXPORT WebSDKJSCommunicationProtocol {
  public:
   virtual ~WebSDKJSCommunicationProtocol() = default;
   /// Every envelope sent through the main-queue path; called on the sender's thread.

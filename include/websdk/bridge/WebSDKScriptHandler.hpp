@@ -3,6 +3,7 @@
 // the family that knows the action, decodes its typed payload and hands it to
 // the host object registered for the family, or answers the failure itself.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/PluginProtocols.hpp"
 #include "websdk/webview/WebEngine.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
@@ -18,9 +19,9 @@ class WebSDKWebView;
 /// The request id of a request's JSON text (its top-level "requestId", read
 /// leniently), looked for in the first `budget` bytes only; "" when not
 /// there. Bounded, so refusing a message of any size costs no more.
-std::string requestIdNearTheStart(std::string_view text, std::size_t budget = kRefusedMessageStart);
+WEBSDK_EXPORT std::string requestIdNearTheStart(std::string_view text, std::size_t budget = kRefusedMessageStart);
 
-class WebSDKScriptHandler final : public ScriptMessageHandler {
+class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
  public:
   // Everything the handler points at belongs to someone else: all weak.
   std::weak_ptr<WebSDKWebView> webview;

@@ -2,6 +2,7 @@
 // The value readings every request model is decoded with. Each reading takes a
 // possibly absent value (nullptr = key absent) and never throws.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
 
@@ -37,7 +38,7 @@ constexpr auto rawValues(ReadingKind) {
 /// every reading applied to a present value. websdk-inspect installs one to
 /// learn which keys each request model reads; with none installed a lookup
 /// or reading costs one relaxed load more.
-class ReadingObserver {
+class WEBSDK_EXPORT ReadingObserver {
  public:
   virtual ~ReadingObserver() = default;
   virtual void lookedUp(const JSONObject& object, std::string_view key) = 0;
@@ -46,7 +47,7 @@ class ReadingObserver {
 };
 
 namespace detail {
-inline std::atomic<ReadingObserver*> readingObserver{nullptr};
+WEBSDK_EXPORT inline std::atomic<ReadingObserver*> readingObserver{nullptr};  // one for the program and every library
 inline ReadingObserver* observer() { return readingObserver.load(std::memory_order_relaxed); }
 inline void observe(const JSON* v, ReadingKind reading, std::span<const std::string_view> cases = {}) {
   if (ReadingObserver* o = observer(); o != nullptr && v != nullptr) [[unlikely]]
@@ -68,35 +69,35 @@ inline ReadingObserver* setReadingObserver(ReadingObserver* observer) {
 
 /// A string gives itself, a number its decimal text (5 -> "5", 5.5 -> "5.5"),
 /// a bool "true"/"false", anything else "".
-std::string lenientString(const JSON* v);
+WEBSDK_EXPORT std::string lenientString(const JSON* v);
 /// The value only when it is a JSON string.
-std::optional<std::string> strictString(const JSON* v);
+WEBSDK_EXPORT std::optional<std::string> strictString(const JSON* v);
 /// A bool gives itself, a number true when non-zero, a string true when its
 /// lower-case form is "true", "y", "t", "yes" or "1"; anything else false.
-bool lenientBool(const JSON* v);
+WEBSDK_EXPORT bool lenientBool(const JSON* v);
 /// The value only when it is a JSON bool.
-std::optional<bool> strictBool(const JSON* v);
+WEBSDK_EXPORT std::optional<bool> strictBool(const JSON* v);
 /// A number gives its integer part, a numeric string its number's integer
 /// part, a bool 1 or 0, anything else 0. Out-of-range values saturate.
-std::int64_t lenientInt(const JSON* v);
+WEBSDK_EXPORT std::int64_t lenientInt(const JSON* v);
 /// A number gives itself, a numeric string its number, a bool 1 or 0,
 /// anything else 0.
-double lenientDouble(const JSON* v);
+WEBSDK_EXPORT double lenientDouble(const JSON* v);
 /// A number, or a bool as 1 or 0; anything else nothing.
-std::optional<double> number(const JSON* v);
+WEBSDK_EXPORT std::optional<double> number(const JSON* v);
 /// A number's integer part, or a bool as 1 or 0; anything else nothing.
-std::optional<std::int64_t> integer(const JSON* v);
+WEBSDK_EXPORT std::optional<std::int64_t> integer(const JSON* v);
 /// The value only when it is a JSON object / array.
-std::optional<JSONObject> object(const JSON* v);
-std::optional<JSONArray> array(const JSON* v);
+WEBSDK_EXPORT std::optional<JSONObject> object(const JSON* v);
+WEBSDK_EXPORT std::optional<JSONArray> array(const JSON* v);
 /// An object's members as strings (each by the lenient string reading); nothing
 /// unless the value is an object.
-std::optional<std::map<std::string, std::string>> stringMap(const JSON* v);
+WEBSDK_EXPORT std::optional<std::map<std::string, std::string>> stringMap(const JSON* v);
 /// An array's elements as strings (each by the lenient string reading); nothing
 /// unless the value is an array.
-std::optional<std::vector<std::string>> stringList(const JSON* v);
+WEBSDK_EXPORT std::optional<std::vector<std::string>> stringList(const JSON* v);
 /// The value as it stands (JSON null included); nothing only when absent.
-std::optional<JSON> raw(const JSON* v);
+WEBSDK_EXPORT std::optional<JSON> raw(const JSON* v);
 /// A JSON string that is one of E's raw values.
 template <class E>
 std::optional<E> enumeration(const JSON* v) {
@@ -108,7 +109,7 @@ std::optional<E> enumeration(const JSON* v) {
 
 /// A read-only view of a payload dictionary that may be absent, with the
 /// readings by key. Copying it is free; it must not outlive the dictionary.
-class Fields {
+class WEBSDK_EXPORT Fields {
  public:
   Fields() = default;
   Fields(const JSONObject* object) : object_(object) {}

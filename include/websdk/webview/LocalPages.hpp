@@ -6,6 +6,7 @@
 // their host like any other, so the app's headers reach them only when the
 // whitelist names them ("app://checkout").
 
+#include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
 #include <functional>
@@ -18,14 +19,14 @@
 namespace websdk {
 
 /// One resource served from memory.
-struct LocalResource {
+struct WEBSDK_EXPORT LocalResource {
   std::string bytes{};
   /// Its Content-Type ("text/html; charset=utf-8"); empty: from the path's extension.
   std::string mimeType{};
 };
 
 /// A request for a local page or resource, as the engine received it.
-struct LocalRequest {
+struct WEBSDK_EXPORT LocalRequest {
   /// The URL as the engine loads it.
   std::string url;
   std::string method = "GET";
@@ -35,7 +36,7 @@ struct LocalRequest {
 };
 
 /// The engine's answer to a LocalRequest.
-struct LocalAnswer {
+struct WEBSDK_EXPORT LocalAnswer {
   /// 200; 403 for a path that tries to leave the pages; 404 for one that is
   /// not there (or a host not served); 405 for a method other than GET or HEAD.
   int status = 404;
@@ -50,16 +51,16 @@ struct LocalAnswer {
 /// "a/index.html" for "/a/", query and fragment left off, escapes decoded per
 /// segment. Nothing for a path that tries to leave the pages: a ".." segment
 /// (escaped or not), or one holding an escaped slash, backslash or NUL.
-std::optional<std::string> localPath(std::string_view url);
+WEBSDK_EXPORT std::optional<std::string> localPath(std::string_view url);
 
 /// The Content-Type of a common web file by its extension (text types in
 /// UTF-8); "application/octet-stream" for any other.
-std::string mimeTypeFor(std::string_view path);
+WEBSDK_EXPORT std::string mimeTypeFor(std::string_view path);
 
 /// Pages served under `scheme://host`. The scheme is the app's own: none that
 /// the web or the engine already handles. The host is lowercase ASCII (a URL
 /// with another spelling names another host, which nothing serves).
-struct LocalPages {
+struct WEBSDK_EXPORT LocalPages {
   std::string scheme = "app";
   std::string host;
   /// Files under this folder. A file reached through a link that leads out of
@@ -85,6 +86,6 @@ struct LocalPages {
 
 /// The pages of `all` that serve `url`: same scheme and exactly the same
 /// host, with no user or port. Nothing when none does.
-const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url);
+WEBSDK_EXPORT const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url);
 
 }  // namespace websdk

@@ -3,6 +3,7 @@
 // rule of the bridge; an engine only translates these calls to its platform
 // (WebKitGTK in the real app, an in-memory recorder in tests).
 
+#include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
 
@@ -22,7 +23,7 @@ enum class URLRequestCachePolicy { useProtocolCachePolicy, reloadIgnoringLocalCa
 using HeaderFields = std::vector<std::pair<std::string, std::string>>;
 
 /// Whether two header field names are the same field (ASCII case-insensitive).
-bool sameFieldName(std::string_view a, std::string_view b);
+WEBSDK_EXPORT bool sameFieldName(std::string_view a, std::string_view b);
 
 /// A page load: the URL, its header fields in the order they are set, the
 /// timeout in seconds and the cache policy.
@@ -31,7 +32,7 @@ bool sameFieldName(std::string_view a, std::string_view b);
 /// host `trust` trusts. A server can redirect the load anywhere: an engine
 /// removes these fields from every request of the load, the first and each
 /// redirect, whose host is not trusted.
-struct URLRequest {
+struct WEBSDK_EXPORT URLRequest {
   std::string url;
   HeaderFields headers;
   double timeoutInterval = 60;
@@ -46,7 +47,7 @@ struct URLRequest {
 
 /// A script installed into every page the engine loads from now on: at
 /// document start, main frame only.
-struct UserScript {
+struct WEBSDK_EXPORT UserScript {
   std::string source;
   bool operator==(const UserScript&) const = default;
 };
@@ -57,7 +58,7 @@ using DocumentID = std::uint64_t;
 
 /// Who posted a message, as the engine saw it when the sending document was
 /// made: not anything the page can say about itself.
-struct MessageOrigin {
+struct WEBSDK_EXPORT MessageOrigin {
   /// The sending frame's document URL; empty when the engine cannot tell.
   std::string frameURL;
   /// The URL of the top document the frame belonged to.
@@ -68,7 +69,7 @@ struct MessageOrigin {
 };
 
 /// A message a page posted to a named script-message handler.
-struct ScriptMessage {
+struct WEBSDK_EXPORT ScriptMessage {
   std::string name;
   /// The body as posted, any JSON value; null when `message` carries it.
   JSON body;
@@ -83,7 +84,7 @@ struct ScriptMessage {
 };
 
 /// Receives the script messages of one name (WebSDKScriptHandler).
-class ScriptMessageHandler {
+class WEBSDK_EXPORT ScriptMessageHandler {
  public:
   virtual ~ScriptMessageHandler() = default;
   virtual void userContentController(const ScriptMessage& message) = 0;
@@ -91,7 +92,7 @@ class ScriptMessageHandler {
 
 /// The engine's UI-thread queue. post() may be called from any thread; tasks
 /// run on the UI thread in the order posted.
-class MainQueue {
+class WEBSDK_EXPORT MainQueue {
  public:
   virtual ~MainQueue() = default;
   virtual void post(std::function<void()> task) = 0;
@@ -103,19 +104,19 @@ class MainQueue {
 // ---- Navigation ------------------------------------------------------------
 
 /// One navigation of the page, as the engine identifies it.
-struct WebSDKNavigation {
+struct WEBSDK_EXPORT WebSDKNavigation {
   std::uint64_t id = 0;
   std::string url;
 };
 
-struct WebSDKNavigationAction {
+struct WEBSDK_EXPORT WebSDKNavigationAction {
   std::string url;
   std::string method = "GET";
   bool isMainFrame = true;
   bool isUserGesture = false;
 };
 
-struct WebSDKNavigationResponse {
+struct WEBSDK_EXPORT WebSDKNavigationResponse {
   std::string url;
   int statusCode = 0;
   std::string mimeType;
@@ -123,14 +124,14 @@ struct WebSDKNavigationResponse {
 };
 
 /// An engine error: its domain, code and description.
-struct WebSDKError {
+struct WEBSDK_EXPORT WebSDKError {
   std::string domain;
   int code = 0;
   std::string description;
   bool isTimeout = false;
 };
 
-struct WebSDKAuthenticationChallenge {
+struct WEBSDK_EXPORT WebSDKAuthenticationChallenge {
   std::string host;
   int port = 0;
   std::string realm;
@@ -142,7 +143,7 @@ enum class WebSDKNavigationActionPolicy { cancel, allow };
 enum class WebSDKNavigationResponsePolicy { cancel, allow };
 enum class WebSDKAuthChallengeDisposition { useCredential, performDefaultHandling, cancelAuthenticationChallenge, rejectProtectionSpace };
 
-struct WebSDKURLCredential {
+struct WEBSDK_EXPORT WebSDKURLCredential {
   std::string user;
   std::string password;
 };
@@ -154,7 +155,7 @@ using WebSDKAuthChallengeCompletion =
 
 /// What the engine tells its web view: navigation events and questions, and
 /// the start of a pinch-zoom. Called on the UI thread.
-class WebEngineClient {
+class WEBSDK_EXPORT WebEngineClient {
  public:
   virtual ~WebEngineClient() = default;
   virtual void didStartProvisionalNavigation(const WebSDKNavigation* navigation) = 0;
@@ -172,7 +173,7 @@ class WebEngineClient {
 /// The result of an evaluation: the script's value (nothing when it returned
 /// nothing) or the error the page reported; `dropped` when the document it
 /// was meant for was no longer shown, so it never ran.
-struct ScriptResult {
+struct WEBSDK_EXPORT ScriptResult {
   std::optional<JSON> value;
   std::optional<std::string> error;
   bool dropped = false;
@@ -181,12 +182,12 @@ using ScriptCompletion = std::function<void(ScriptResult)>;
 
 /// The engine's preferences object; replaced whole when the JavaScript switch
 /// changes.
-struct WebPreferences {
+struct WEBSDK_EXPORT WebPreferences {
   bool javaScriptEnabled = true;
   bool operator==(const WebPreferences&) const = default;
 };
 
-class WebEngine {
+class WEBSDK_EXPORT WebEngine {
  public:
   virtual ~WebEngine() = default;
 

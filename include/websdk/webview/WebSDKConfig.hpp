@@ -1,5 +1,7 @@
 #pragma once
 
+#include "websdk/Export.hpp"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -16,12 +18,12 @@ using URLCanonicalizer = std::optional<std::string> (*)(std::string_view url);
 /// The canonical form without an engine: the URL standard's host rules for
 /// ASCII hosts. A host with other characters needs the engine's IDN rules, so
 /// it is no URL here: an unsure answer never trusts.
-std::optional<std::string> canonicalURL(std::string_view url);
+WEBSDK_EXPORT std::optional<std::string> canonicalURL(std::string_view url);
 
 /// The host of a canonical URL, as a page's `new URL(url).hostname` reads it
 /// (IPv6 with its brackets); nothing for URLs without one (about:, data:,
 /// blob:, file:///...).
-std::optional<std::string_view> hostOf(std::string_view canonical);
+WEBSDK_EXPORT std::optional<std::string_view> hostOf(std::string_view canonical);
 
 /// How much of a message refused unread the bridge reads, for its request id
 /// only; an engine may pass no more of such a message than this.
@@ -29,7 +31,7 @@ inline constexpr std::size_t kRefusedMessageStart = std::size_t{64} << 10;
 
 /// Which hosts the web view trusts with the app's headers and the bridge.
 /// Fixed when the view is made (the view holds it const).
-struct WebSDKConfig {
+struct WEBSDK_EXPORT WebSDKConfig {
   std::vector<std::string> whitelistedHosts;
   bool shouldWhitelistAllUrls = false;
   /// Off: a message from any frame is judged by the top page's host. On:

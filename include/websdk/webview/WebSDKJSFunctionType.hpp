@@ -4,6 +4,7 @@
 // verbatim (nothing is escaped), so callers pass text without single quotes,
 // backslashes or line breaks.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -15,42 +16,42 @@ namespace websdk {
 
 /// What each case carries, as the page function receives it.
 namespace jsfunction {
-struct KeyboardState {
+struct WEBSDK_EXPORT KeyboardState {
   bool visible = false;
   double height = 0;
   WEBSDK_RECORD(KeyboardState, visible, height)
 };
-struct ScreenVisibility {
+struct WEBSDK_EXPORT ScreenVisibility {
   bool isVisible = false;
   WEBSDK_RECORD(ScreenVisibility, isVisible)
 };
-struct Deeplink {
+struct WEBSDK_EXPORT Deeplink {
   std::string url;
   WEBSDK_RECORD(Deeplink, url)
 };
-struct UserState {
+struct WEBSDK_EXPORT UserState {
   bool loggedin = false;
   WEBSDK_RECORD(UserState, loggedin)
 };
-struct PayloadData {
+struct WEBSDK_EXPORT PayloadData {
   std::string payloadData;
   WEBSDK_RECORD(PayloadData, payloadData)
 };
-struct SearchQuery {
+struct WEBSDK_EXPORT SearchQuery {
   std::string query;
   WEBSDK_RECORD(SearchQuery, query)
 };
-struct MenuListInteraction {
+struct WEBSDK_EXPORT MenuListInteraction {
   bool playVideo = false;
   bool menuClick = false;
   WEBSDK_RECORD(MenuListInteraction, playVideo, menuClick)
 };
-struct PXSearchAction {
+struct WEBSDK_EXPORT PXSearchAction {
   std::string query;
   std::string type;
   WEBSDK_RECORD(PXSearchAction, query, type)
 };
-struct ScratchCardsData {
+struct WEBSDK_EXPORT ScratchCardsData {
   std::string cardData;
   WEBSDK_RECORD(ScratchCardsData, cardData)
 };
@@ -61,7 +62,7 @@ WEBSDK_NAMED_CASES(WebSDKJSFunctionTypeCase, keyboardStateChanged, onScreenVisib
                    updateScratchCardsData, globalJSBridgeHandler, getPXCartCallback, handleSwipeGesture,
                    onHalfCardBackgroundTap, updateLocationHeader, pageResume)
 
-class WebSDKJSFunctionType
+class WEBSDK_EXPORT WebSDKJSFunctionType
     : public TaggedPayload<
           WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
           Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,

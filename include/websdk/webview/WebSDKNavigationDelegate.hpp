@@ -2,13 +2,14 @@
 // The host's view of navigation: every event and policy question of the page's
 // engine, forwarded unchanged. The defaults allow everything.
 
+#include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
 namespace websdk {
 
 class WebSDKWebView;
 
-class WebSDKNavigationDelegate {
+class WEBSDK_EXPORT WebSDKNavigationDelegate {
  public:
   virtual ~WebSDKNavigationDelegate() = default;
 
@@ -50,7 +51,7 @@ class WebSDKNavigationDelegate {
 /// handling, and a failed load is logged. Derive from it to add to it.
 /// WebKitGTK does not tell a frame's navigation from the main frame's, so
 /// there a frame off the whitelist is refused too.
-class WebSDKTrustedHostsNavigationDelegate : public WebSDKNavigationDelegate {
+class WEBSDK_EXPORT WebSDKTrustedHostsNavigationDelegate : public WebSDKNavigationDelegate {
  public:
   using WebSDKNavigationDelegate::decidePolicyFor;
   void didStartProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation) override;

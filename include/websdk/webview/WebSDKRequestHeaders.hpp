@@ -1,5 +1,7 @@
 #pragma once
 
+#include "websdk/Export.hpp"
+
 #include <string_view>
 
 namespace websdk {
@@ -7,7 +9,7 @@ namespace websdk {
 /// The header names (and page header keys) a host uses when it fills the
 /// request headers of a load. The WebSDK fixes only the names; the values are
 /// the host's.
-struct WebSDKRequestHeaders {
+struct WEBSDK_EXPORT WebSDKRequestHeaders {
   static constexpr std::string_view platform = "platform";
   static constexpr std::string_view versionCode = "version-code";
   static constexpr std::string_view lat = "lat";

@@ -1,6 +1,7 @@
 #pragma once
 // The envelope every answer travels in, and the codes it carries.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/Record.hpp"
 
@@ -35,7 +36,7 @@ constexpr std::optional<WebSDKStatusCode> statusCodeFromRawValue(std::int64_t ra
 }
 
 /// The answer to one request, as the page's `nativeResponse` receives it.
-struct WebSDKResponseModel {
+struct WEBSDK_EXPORT WebSDKResponseModel {
   std::string type;  // "SUCCESS" or "FAILED"
   std::int64_t statusCode = 0;
   std::optional<std::string> statusMessage;
@@ -49,13 +50,13 @@ struct WebSDKResponseModel {
 /// optionals left out, strings escaped so that the text is also a valid
 /// JavaScript object literal (U+2028 and U+2029 included). Nothing when a
 /// field is not UTF-8: no page could read it.
-std::optional<std::string> encodeEnvelope(const WebSDKResponseModel& response);
+WEBSDK_EXPORT std::optional<std::string> encodeEnvelope(const WebSDKResponseModel& response);
 
 /// "nativeResponse(" + envelope + ")", built in one allocation; nothing when
 /// the envelope is nothing.
-std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& response);
+WEBSDK_EXPORT std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& response);
 
 /// Whether `bytes` is well-formed UTF-8.
-bool isValidUTF8(std::string_view bytes);
+WEBSDK_EXPORT bool isValidUTF8(std::string_view bytes);
 
 }  // namespace websdk

@@ -3,6 +3,7 @@
 // page with the app's headers (only to trusted hosts), carries the bridge, and
 // sends answers and events to the page.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/PluginProtocols.hpp"
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 #include "websdk/json/Record.hpp"
@@ -25,7 +26,7 @@ namespace websdk {
 
 /// A response payload: any response model (a record) or a dictionary of
 /// strings, rendered to JSON when the answer is sent.
-class WebSDKResponseProtocol {
+class WEBSDK_EXPORT WebSDKResponseProtocol {
  public:
   template <Record T>
   WebSDKResponseProtocol(const T& model) : value_(toJSON(model)) {}
@@ -39,7 +40,7 @@ class WebSDKResponseProtocol {
 using WebSDKHeaders = std::map<std::string, std::string>;
 
 /// The script the web view installs rather than evaluates.
-class WebSDKAppFunctions {
+class WEBSDK_EXPORT WebSDKAppFunctions {
  public:
   /// window.__native_headers__.getDovaraHeaders() returns `headers`, inserted
   /// verbatim: the host passes text without single quotes, backslashes or
@@ -61,7 +62,7 @@ class WebSDKAppFunctions {
 };
 
 /// The web view's send operations, for code that holds it only as this.
-class WebSDKJSInteractionProtocol {
+class WEBSDK_EXPORT WebSDKJSInteractionProtocol {
  public:
   virtual ~WebSDKJSInteractionProtocol() = default;
   /// Evaluates the event's call text at once (UI thread); `completionHandler`
@@ -92,7 +93,7 @@ class WebSDKJSInteractionProtocol {
                                   std::optional<std::string> statusMessage = std::nullopt) = 0;
 };
 
-class WebSDKWebView final : public WebSDKJSInteractionProtocol,
+class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
                             private WebEngineClient,
                             public std::enable_shared_from_this<WebSDKWebView> {
   // Only create() can make one: a view that is not wired (no bridge

@@ -1,6 +1,7 @@
 #pragma once
 // The accounts family: profile refresh, mobile number verification and logout.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -19,7 +20,7 @@ constexpr auto rawValues(WebSDKAccountsAction) {
 using WebSDKAccountsRequestModel = WebSDKBridgeRequest<WebSDKAccountsAction>;
 
 /// Never fails: a missing or non-string "number" gives "".
-struct WebSDKVerifyMobileRequestModel {
+struct WEBSDK_EXPORT WebSDKVerifyMobileRequestModel {
   std::string number;
 
   static std::optional<WebSDKVerifyMobileRequestModel> from(const std::optional<JSONObject>& payload);
@@ -27,7 +28,7 @@ struct WebSDKVerifyMobileRequestModel {
 };
 
 /// Never fails: a missing or non-string "tid" or "sid" gives "".
-struct WebSDKAccountLogoutRequestModel {
+struct WEBSDK_EXPORT WebSDKAccountLogoutRequestModel {
   std::string tid;
   std::string sid;
 
@@ -36,7 +37,7 @@ struct WebSDKAccountLogoutRequestModel {
 };
 
 WEBSDK_NAMED_CASES(WebSDKAccountsRequestPayloadCase, verifyMobileNo, logout, updateProfileInfo)
-class WebSDKAccountsRequestPayload
+class WEBSDK_EXPORT WebSDKAccountsRequestPayload
     : public TaggedPayload<WebSDKAccountsRequestPayload, WebSDKAccountsRequestPayloadCase,
                            Carries<WebSDKAccountsRequestPayloadCase::verifyMobileNo, WebSDKVerifyMobileRequestModel>,
                            Carries<WebSDKAccountsRequestPayloadCase::logout, WebSDKAccountLogoutRequestModel>> {

@@ -1,6 +1,7 @@
 #pragma once
 // The four cart families: main cart, PX cart, VR cart and gifting cart.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -57,7 +58,7 @@ using WebSDKGiftingCartRequestModel = WebSDKBridgeRequest<WebSDKGiftingCartActio
 // ---- Request models --------------------------------------------------------
 
 /// Read from the object under "tenant"; fails without one.
-struct WebSDKGetCartRequestModel {
+struct WEBSDK_EXPORT WebSDKGetCartRequestModel {
   std::string marketplaceId;
   std::string marketplaceCategory;
   std::string marketplaceBusinessLine;
@@ -67,7 +68,7 @@ struct WebSDKGetCartRequestModel {
 };
 
 /// Never fails; with no payload both fields are absent.
-struct WebSDKUpdateCartRequestModel {
+struct WEBSDK_EXPORT WebSDKUpdateCartRequestModel {
   std::optional<JSONObject> tenant;
   std::optional<JSONObject> data;
 
@@ -76,7 +77,7 @@ struct WebSDKUpdateCartRequestModel {
 };
 
 /// Same fields and rules as WebSDKUpdateCartRequestModel.
-struct WebSDKCustomiseCartItemsRequestModel {
+struct WEBSDK_EXPORT WebSDKCustomiseCartItemsRequestModel {
   std::optional<JSONObject> tenant;
   std::optional<JSONObject> data;
 
@@ -86,7 +87,7 @@ struct WebSDKCustomiseCartItemsRequestModel {
 
 /// Fails without a payload or without a string "restaurantId". `cartValue`
 /// comes from "cart_total_shown_to_coupon".
-struct WebSDKApplyCouponRequestModel {
+struct WEBSDK_EXPORT WebSDKApplyCouponRequestModel {
   std::optional<JSONObject> tenant;
   double cartValue = 0;
   std::string restaurantId;
@@ -97,7 +98,7 @@ struct WebSDKApplyCouponRequestModel {
 };
 
 /// `data` from {"payload": {"data": {...}}} inside the payload; never fails.
-struct WebSDKUpdatePXCartRequestModel {
+struct WEBSDK_EXPORT WebSDKUpdatePXCartRequestModel {
   std::optional<JSONObject> data;
 
   static std::optional<WebSDKUpdatePXCartRequestModel> from(const std::optional<JSONObject>& payload);
@@ -105,7 +106,7 @@ struct WebSDKUpdatePXCartRequestModel {
 };
 
 /// The whole payload dictionary as received; never fails.
-struct WebSDKUpdatePXCartV2RequestModel {
+struct WEBSDK_EXPORT WebSDKUpdatePXCartV2RequestModel {
   std::optional<JSONObject> data;
 
   static std::optional<WebSDKUpdatePXCartV2RequestModel> from(const std::optional<JSONObject>& payload);
@@ -113,7 +114,7 @@ struct WebSDKUpdatePXCartV2RequestModel {
 };
 
 /// The payload's "data" value as it stands; never fails.
-struct WebSDKPXSharedPreferenceRequestModel {
+struct WEBSDK_EXPORT WebSDKPXSharedPreferenceRequestModel {
   std::optional<JSON> sharedDict;
 
   static std::optional<WebSDKPXSharedPreferenceRequestModel> from(const std::optional<JSONObject>& payload);
@@ -121,7 +122,7 @@ struct WebSDKPXSharedPreferenceRequestModel {
 };
 
 /// Fails only without a payload dictionary.
-struct WebSDKGetVRCartRequestModel {
+struct WEBSDK_EXPORT WebSDKGetVRCartRequestModel {
   std::optional<std::string> flowType;
 
   static std::optional<WebSDKGetVRCartRequestModel> from(const std::optional<JSONObject>& payload);
@@ -129,7 +130,7 @@ struct WebSDKGetVRCartRequestModel {
 };
 
 /// Fails only without a payload dictionary.
-struct WebSDKClearVRCartRequestModel {
+struct WEBSDK_EXPORT WebSDKClearVRCartRequestModel {
   std::optional<std::string> flowType;
 
   static std::optional<WebSDKClearVRCartRequestModel> from(const std::optional<JSONObject>& payload);
@@ -137,7 +138,7 @@ struct WebSDKClearVRCartRequestModel {
 };
 
 /// Fails only without a payload dictionary.
-struct WebSDKUpdateVRCartRequestModel {
+struct WEBSDK_EXPORT WebSDKUpdateVRCartRequestModel {
   std::optional<JSONArray> items;
   std::optional<JSON> cartMetaData;
   std::optional<JSON> location;
@@ -153,7 +154,7 @@ struct WebSDKUpdateVRCartRequestModel {
 
 WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, updateCart, customiseCartItem, applyCoupon, clearCart,
                    switchToNativeCart)
-class WebSDKCartRequestPayload
+class WEBSDK_EXPORT WebSDKCartRequestPayload
     : public TaggedPayload<WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
                            Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>,
                            Carries<WebSDKCartRequestPayloadCase::updateCart, WebSDKUpdateCartRequestModel>,
@@ -165,7 +166,7 @@ class WebSDKCartRequestPayload
 
 WEBSDK_NAMED_CASES(WebSDKPXCartRequestPayloadCase, updatePXCart, updatePXCartV2, sharedPreference, getPXCart,
                    clearPXCart)
-class WebSDKPXCartRequestPayload
+class WEBSDK_EXPORT WebSDKPXCartRequestPayload
     : public TaggedPayload<WebSDKPXCartRequestPayload, WebSDKPXCartRequestPayloadCase,
                            Carries<WebSDKPXCartRequestPayloadCase::updatePXCart, WebSDKUpdatePXCartRequestModel>,
                            Carries<WebSDKPXCartRequestPayloadCase::updatePXCartV2, WebSDKUpdatePXCartV2RequestModel>,
@@ -175,7 +176,7 @@ class WebSDKPXCartRequestPayload
 };
 
 WEBSDK_NAMED_CASES(WebSDKVRCartRequestPayloadCase, getVRCart, updateVRCart, clearVRCart)
-class WebSDKVRCartRequestPayload
+class WEBSDK_EXPORT WebSDKVRCartRequestPayload
     : public TaggedPayload<WebSDKVRCartRequestPayload, WebSDKVRCartRequestPayloadCase,
                            Carries<WebSDKVRCartRequestPayloadCase::getVRCart, WebSDKGetVRCartRequestModel>,
                            Carries<WebSDKVRCartRequestPayloadCase::updateVRCart, WebSDKUpdateVRCartRequestModel>,
@@ -185,7 +186,7 @@ class WebSDKVRCartRequestPayload
 };
 
 WEBSDK_NAMED_CASES(WebSDKGiftingCartRequestPayloadCase, getGiftingCart, updateGiftingCart, clearGiftingCart)
-class WebSDKGiftingCartRequestPayload
+class WEBSDK_EXPORT WebSDKGiftingCartRequestPayload
     : public TaggedPayload<WebSDKGiftingCartRequestPayload, WebSDKGiftingCartRequestPayloadCase,
                            Carries<WebSDKGiftingCartRequestPayloadCase::getGiftingCart, WebSDKGetCartRequestModel>,
                            Carries<WebSDKGiftingCartRequestPayloadCase::updateGiftingCart, WebSDKUpdateCartRequestModel>> {

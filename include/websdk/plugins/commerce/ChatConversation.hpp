@@ -4,6 +4,7 @@
 // the page sent (the conversation id, say) reaches the plugin untouched in the
 // request model's `payload`.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -23,7 +24,7 @@ using WebSDKChatConversationRequestModel = WebSDKBridgeRequest<WebSDKChatConvers
 
 // One case per action, carrying nothing.
 WEBSDK_NAMED_CASES(WebSDKChatConversationRequestPayloadCase, getSupportUnreadConversationData, updateConversationId)
-class WebSDKChatConversationRequestPayload
+class WEBSDK_EXPORT WebSDKChatConversationRequestPayload
     : public TaggedPayload<WebSDKChatConversationRequestPayload, WebSDKChatConversationRequestPayloadCase> {
  public:
   /// The case of the request's action; never yields nothing.

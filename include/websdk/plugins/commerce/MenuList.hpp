@@ -2,6 +2,7 @@
 // The menu list family: a restaurant menu page shares a collection, refreshes
 // the menu list for a story, or shows the menulet.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -21,7 +22,7 @@ constexpr auto rawValues(WebSDKMenuListAction) {
 using WebSDKMenuListRequestModel = WebSDKBridgeRequest<WebSDKMenuListAction>;
 
 /// The payload's "data" value as it stands; never fails.
-struct WebSDKShareCollectionRequestModel {
+struct WEBSDK_EXPORT WebSDKShareCollectionRequestModel {
   std::optional<JSON> data;
 
   static std::optional<WebSDKShareCollectionRequestModel> from(const std::optional<JSONObject>& payload);
@@ -30,7 +31,7 @@ struct WebSDKShareCollectionRequestModel {
 
 /// Never fails; each field is "" unless its key holds a string. `restaurantId`
 /// comes from "id".
-struct WebSDKUpdateMenuListRequestModel {
+struct WEBSDK_EXPORT WebSDKUpdateMenuListRequestModel {
   std::optional<std::string> restaurantId;
   std::optional<std::string> storyId;
 
@@ -40,7 +41,7 @@ struct WebSDKUpdateMenuListRequestModel {
 
 /// Never fails; `showMenulet` comes from "showMenuletFlag" and is absent
 /// unless that is a JSON bool.
-struct WebSDKShowMenuletRequestModel {
+struct WEBSDK_EXPORT WebSDKShowMenuletRequestModel {
   std::optional<bool> showMenulet;
 
   static std::optional<WebSDKShowMenuletRequestModel> from(const std::optional<JSONObject>& payload);
@@ -48,7 +49,7 @@ struct WebSDKShowMenuletRequestModel {
 };
 
 WEBSDK_NAMED_CASES(WebSDKMenuListPayloadCase, shareCollectionDetails, updateMenuList, showMenulet)
-class WebSDKMenuListPayload
+class WEBSDK_EXPORT WebSDKMenuListPayload
     : public TaggedPayload<WebSDKMenuListPayload, WebSDKMenuListPayloadCase,
                            Carries<WebSDKMenuListPayloadCase::shareCollectionDetails, WebSDKShareCollectionRequestModel>,
                            Carries<WebSDKMenuListPayloadCase::updateMenuList, WebSDKUpdateMenuListRequestModel>,

@@ -2,6 +2,7 @@
 // The restaurant empathy family: the data of a restaurant's personal message
 // after an order, and sharing a message on a social platform.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -22,7 +23,7 @@ using WebSDKRestaurantEmpathyRequestModel = WebSDKBridgeRequest<WebSDKRestaurant
 /// What the page asks to share; read from the request despite its name. Never
 /// fails. A missing `message` or `title` stays absent, while a missing
 /// `platform`, `url` or `image` reads as "", so a host can tell the two apart.
-struct WebSDKShareSocialMediaResponseModel {
+struct WEBSDK_EXPORT WebSDKShareSocialMediaResponseModel {
   std::optional<std::string> message;
   std::optional<std::string> title;
   std::optional<std::string> platform;
@@ -35,7 +36,7 @@ struct WebSDKShareSocialMediaResponseModel {
 
 /// The data of a restaurant's message, for hosts to build and send (the
 /// WebSDK never builds one itself). Encoded with its field names.
-struct WebSDKRestaurantEmpathyDataRequestModel {
+struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
   struct ShareMessage {
     std::string buttonText;
     std::string header;
@@ -65,7 +66,7 @@ struct WebSDKRestaurantEmpathyDataRequestModel {
 };
 
 WEBSDK_NAMED_CASES(WebSDKRestaurantEmpathyRequestPayloadCase, shareSocialMediaMessage, getRestaurantEmpathyData)
-class WebSDKRestaurantEmpathyRequestPayload
+class WEBSDK_EXPORT WebSDKRestaurantEmpathyRequestPayload
     : public TaggedPayload<WebSDKRestaurantEmpathyRequestPayload, WebSDKRestaurantEmpathyRequestPayloadCase,
                            Carries<WebSDKRestaurantEmpathyRequestPayloadCase::shareSocialMediaMessage,
                                    WebSDKShareSocialMediaResponseModel>> {

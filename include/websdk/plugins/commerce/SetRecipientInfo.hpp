@@ -2,6 +2,7 @@
 // The set recipient info family: a gifting page hands the host the
 // recipient's details and the gift flow.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -19,7 +20,7 @@ constexpr auto rawValues(WebSDKSetRecipientInfoAction) {
 using WebSDKSetRecipientInfoRequestModel = WebSDKBridgeRequest<WebSDKSetRecipientInfoAction>;
 
 /// The recipient's details; each field absent unless its key holds a string.
-struct WebSDKRecipientInfoUserDataResponseModel {
+struct WEBSDK_EXPORT WebSDKRecipientInfoUserDataResponseModel {
   std::optional<std::string> messageId;
   std::optional<std::string> recipientName;
   std::optional<std::string> createdTs;
@@ -31,7 +32,7 @@ struct WebSDKRecipientInfoUserDataResponseModel {
 
 /// Read from the request despite its name. Never fails; `flowData` is always
 /// there, with all its fields absent when "flowData" is not an object.
-struct WebSDKRecipientInfoUserFlowResponseModel {
+struct WEBSDK_EXPORT WebSDKRecipientInfoUserFlowResponseModel {
   std::optional<std::string> flowType;
   std::optional<WebSDKRecipientInfoUserDataResponseModel> flowData;
 
@@ -40,7 +41,7 @@ struct WebSDKRecipientInfoUserFlowResponseModel {
 };
 
 WEBSDK_NAMED_CASES(WebSDKSetRecipientInfoRequestPayloadCase, SetRecipientInfo)
-class WebSDKSetRecipientInfoRequestPayload
+class WEBSDK_EXPORT WebSDKSetRecipientInfoRequestPayload
     : public TaggedPayload<WebSDKSetRecipientInfoRequestPayload, WebSDKSetRecipientInfoRequestPayloadCase,
                            Carries<WebSDKSetRecipientInfoRequestPayloadCase::SetRecipientInfo,
                                    WebSDKRecipientInfoUserFlowResponseModel>> {

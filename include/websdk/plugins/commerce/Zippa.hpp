@@ -2,6 +2,7 @@
 // The Zippa family: image uploads, order proceeding, identity-document checks
 // and payment.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 
@@ -23,7 +24,7 @@ constexpr auto rawValues(WebSDKZippaAction) {
 using WebSDKZippaRequestModel = WebSDKBridgeRequest<WebSDKZippaAction>;
 
 /// Never fails. `funcName` comes from "func_name".
-struct WebSDKImageUploadRequestModel {
+struct WEBSDK_EXPORT WebSDKImageUploadRequestModel {
   std::string name;
   std::string funcName;
 
@@ -32,7 +33,7 @@ struct WebSDKImageUploadRequestModel {
 };
 
 /// Same fields and rules as WebSDKImageUploadRequestModel.
-struct WebSDKGoogleImageUploadRequestModel {
+struct WEBSDK_EXPORT WebSDKGoogleImageUploadRequestModel {
   std::string name;
   std::string funcName;
 
@@ -41,7 +42,7 @@ struct WebSDKGoogleImageUploadRequestModel {
 };
 
 /// Fails without a string "orderId".
-struct WebSDKProceedOrderRequestModel {
+struct WEBSDK_EXPORT WebSDKProceedOrderRequestModel {
   std::string orderId;
 
   static std::optional<WebSDKProceedOrderRequestModel> from(const std::optional<JSONObject>& payload);
@@ -49,7 +50,7 @@ struct WebSDKProceedOrderRequestModel {
 };
 
 /// Never fails, also without a payload.
-struct WebSDKKycInitRequestModel {
+struct WEBSDK_EXPORT WebSDKKycInitRequestModel {
   std::string docType;
 
   static std::optional<WebSDKKycInitRequestModel> from(const std::optional<JSONObject>& payload);
@@ -58,7 +59,7 @@ struct WebSDKKycInitRequestModel {
 
 /// Never fails. `zippaCallouts` keeps each entry as the page sent it, and is
 /// absent unless "zippaCallouts" is an object.
-struct WebSDKMakeZippaPaymentRequestModel {
+struct WEBSDK_EXPORT WebSDKMakeZippaPaymentRequestModel {
   std::string link;
   std::string serviceLine;
   bool isOrderAnything = false;
@@ -70,7 +71,7 @@ struct WebSDKMakeZippaPaymentRequestModel {
 
 WEBSDK_NAMED_CASES(WebSDKZippaRequestPayloadCase, imageUpload, googleImageUpload, proccedOrder, kycInit,
                    makeZippaPayment)
-class WebSDKZippaRequestPayload
+class WEBSDK_EXPORT WebSDKZippaRequestPayload
     : public TaggedPayload<WebSDKZippaRequestPayload, WebSDKZippaRequestPayloadCase,
                            Carries<WebSDKZippaRequestPayloadCase::imageUpload, WebSDKImageUploadRequestModel>,
                            Carries<WebSDKZippaRequestPayloadCase::googleImageUpload, WebSDKGoogleImageUploadRequestModel>,

@@ -2,6 +2,7 @@
 // Analytics events, files, quiz progress, the live order activity, remote
 // configuration, installed apps, group orders and feedback.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Record.hpp"
 
@@ -15,7 +16,7 @@ namespace websdk {
 
 /// An event for the app's own tracker. Fails without an "eventName"; a
 /// non-string name is taken as its text. Parameters come from "eventParams".
-struct WebSDKTrackEventRequestModel {
+struct WEBSDK_EXPORT WebSDKTrackEventRequestModel {
   std::string eventName;
   std::optional<JSONObject> eventParams;
 
@@ -25,7 +26,7 @@ struct WebSDKTrackEventRequestModel {
 
 /// A CleverTap event. Stricter than the tracker: fails unless "eventName" is a
 /// JSON string. Parameters come from "params".
-struct WebSDKSendClevertapEventRequestModel {
+struct WEBSDK_EXPORT WebSDKSendClevertapEventRequestModel {
   std::string eventName;
   std::optional<JSONObject> eventParams;
 
@@ -33,7 +34,7 @@ struct WebSDKSendClevertapEventRequestModel {
   WEBSDK_RECORD(WebSDKSendClevertapEventRequestModel, eventName, eventParams)
 };
 
-struct FrequencyCapping {
+struct WEBSDK_EXPORT FrequencyCapping {
   std::optional<bool> cappingEnabled;
   std::optional<std::string> cappingMode;
 
@@ -41,7 +42,7 @@ struct FrequencyCapping {
 };
 
 /// Read from the object under "frequencyCappingInfo"; fails without one.
-struct WebSDKSendFrequencyCappingEventRequestModel {
+struct WEBSDK_EXPORT WebSDKSendFrequencyCappingEventRequestModel {
   std::optional<FrequencyCapping> frequencyCapping;
   std::optional<std::string> entityId;
   std::optional<std::string> entityType;
@@ -53,7 +54,7 @@ struct WebSDKSendFrequencyCappingEventRequestModel {
 
 /// Where media may be picked from and which kinds. Fails only without a
 /// payload dictionary.
-struct WebSDKMediaUploadRequestModel {
+struct WEBSDK_EXPORT WebSDKMediaUploadRequestModel {
   std::optional<std::vector<std::string>> sources;
   std::optional<std::vector<std::string>> galleryMediaTypes;
   std::optional<std::vector<std::string>> fileTypes;
@@ -63,7 +64,7 @@ struct WebSDKMediaUploadRequestModel {
 };
 
 /// A file to download. Fails only without a payload dictionary.
-struct WebSDKMediaDownloadRequestModel {
+struct WEBSDK_EXPORT WebSDKMediaDownloadRequestModel {
   std::optional<std::string> url;
   std::optional<std::string> fileNameWithExtension;
   std::optional<bool> isSignedURL;
@@ -74,7 +75,7 @@ struct WebSDKMediaDownloadRequestModel {
 
 /// Uploaded files to submit: `submitUrls` from "s3Links", `input` from the
 /// object under "input". Fails only without a payload dictionary.
-struct WebSDKSubmitUploadedFilesRequestModel {
+struct WEBSDK_EXPORT WebSDKSubmitUploadedFilesRequestModel {
   std::optional<std::vector<std::string>> submitUrls;
   std::map<std::string, std::string> input;
 
@@ -85,7 +86,7 @@ struct WebSDKSubmitUploadedFilesRequestModel {
 /// Quiz progress, read from the object under "params". Fails without that
 /// object, or when either question count is not a whole decimal number
 /// (5 and "5" both are).
-struct WebSDKQuizProgressUpdateModel {
+struct WEBSDK_EXPORT WebSDKQuizProgressUpdateModel {
   std::string quizName;
   std::int64_t totalQuestions = 0;
   std::int64_t attemptedQuestions = 0;
@@ -100,7 +101,7 @@ struct WebSDKQuizProgressUpdateModel {
 
 /// The order shown in the live activity. Fails only without a payload
 /// dictionary; missing keys read as "".
-struct WebSDKUpdateLiveActivityRequestModel {
+struct WEBSDK_EXPORT WebSDKUpdateLiveActivityRequestModel {
   std::string orderId;
   std::string orderStatus;
   std::string eta;
@@ -111,7 +112,7 @@ struct WebSDKUpdateLiveActivityRequestModel {
 };
 
 /// Remote configuration keys to look up. Fails only without a payload dictionary.
-struct WebSDKGetConfigValueRequestModel {
+struct WEBSDK_EXPORT WebSDKGetConfigValueRequestModel {
   std::optional<std::vector<std::string>> xpKeyList;
   std::optional<std::vector<std::string>> wpKeyList;
 
@@ -120,7 +121,7 @@ struct WebSDKGetConfigValueRequestModel {
 };
 
 /// Apps whose presence a page asks about. Fails only without a payload dictionary.
-struct WebSDKInstalledAppsRequestModel {
+struct WEBSDK_EXPORT WebSDKInstalledAppsRequestModel {
   std::optional<std::vector<std::string>> apps;
 
   static std::optional<WebSDKInstalledAppsRequestModel> from(const std::optional<JSONObject>& payload);
@@ -128,7 +129,7 @@ struct WebSDKInstalledAppsRequestModel {
 };
 
 /// The group cart an invite, delete or leave is about. Never fails.
-struct WebSDKGroupOrderRequestModel {
+struct WEBSDK_EXPORT WebSDKGroupOrderRequestModel {
   std::optional<std::string> groupCartId;
   std::optional<std::string> userId;
 
@@ -137,7 +138,7 @@ struct WebSDKGroupOrderRequestModel {
 };
 
 /// Never fails; missing or non-string keys read as "".
-struct WebSDKSubmitFeedbackRequestModel {
+struct WEBSDK_EXPORT WebSDKSubmitFeedbackRequestModel {
   std::string originScreen;
   std::string link;
 

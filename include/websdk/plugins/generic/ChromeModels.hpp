@@ -4,6 +4,7 @@
 // bar, vibration, sharing, the clipboard, key-value storage and screen-capture
 // protection.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Readings.hpp"
@@ -26,7 +27,7 @@ constexpr auto rawValues(ButtonType) {
 
 /// One button of a dialog; `id` is what the page gets back when it is tapped.
 /// Fails without a string "text" or without a known "type"; `id` defaults to "".
-struct ButtonMeta {
+struct WEBSDK_EXPORT ButtonMeta {
   std::string id;
   std::string text;
   ButtonType type{};
@@ -36,7 +37,7 @@ struct ButtonMeta {
 };
 
 /// Fails without a string "message"; the button is labelled "ok" unless named.
-struct WebSDKDialogAlertRequestModel {
+struct WEBSDK_EXPORT WebSDKDialogAlertRequestModel {
   std::string message;
   std::string title;
   std::string buttonName;
@@ -47,7 +48,7 @@ struct WebSDKDialogAlertRequestModel {
 
 /// Fails without a string "message". `buttons` come from the "buttonLabels"
 /// array; elements that are not valid buttons are left out.
-struct WebSDKDialogConfirmRequestModel {
+struct WEBSDK_EXPORT WebSDKDialogConfirmRequestModel {
   std::string title;
   std::string message;
   std::optional<std::vector<ButtonMeta>> buttons;
@@ -65,7 +66,7 @@ constexpr auto rawValues(Alignment) {
 }
 
 /// The header's trailing icon and the alert it opens. Never fails.
-struct WebSDKShowHeaderTrailingDataModel {
+struct WEBSDK_EXPORT WebSDKShowHeaderTrailingDataModel {
   std::optional<std::string> iconToken;
   std::optional<std::string> iconImgId;
   std::optional<std::string> title;
@@ -79,7 +80,7 @@ struct WebSDKShowHeaderTrailingDataModel {
 
 /// Never fails: `show` defaults to false, and a back alert, alignment or
 /// trailing alert that does not read is left out.
-struct WebSDKShowHeaderModel {
+struct WEBSDK_EXPORT WebSDKShowHeaderModel {
   bool show = false;
   std::optional<std::string> title;
   std::optional<std::string> backURL;
@@ -100,7 +101,7 @@ constexpr auto rawValues(StorageMethodType) {
 }
 
 /// Fails unless "type" names a storage method and "data" is an object.
-struct WebSDKWebStorageRequestModel {
+struct WEBSDK_EXPORT WebSDKWebStorageRequestModel {
   StorageMethodType type{};
   JSONObject data;
 
@@ -112,7 +113,7 @@ struct WebSDKWebStorageRequestModel {
 // Each never fails unless said otherwise; a missing key gives "", false or 0.
 
 /// `style`: the string under "style" only.
-struct WebSDKStatusBarChangeRequestModel {
+struct WEBSDK_EXPORT WebSDKStatusBarChangeRequestModel {
   std::string style;
 
   static std::optional<WebSDKStatusBarChangeRequestModel> from(const std::optional<JSONObject>& payload);
@@ -120,7 +121,7 @@ struct WebSDKStatusBarChangeRequestModel {
 };
 
 /// `show`: "show" read leniently ("true", "yes", 1 ... count).
-struct WebSDKToggleBottomBarRequestModel {
+struct WEBSDK_EXPORT WebSDKToggleBottomBarRequestModel {
   bool show = false;
 
   static std::optional<WebSDKToggleBottomBarRequestModel> from(const std::optional<JSONObject>& payload);
@@ -128,7 +129,7 @@ struct WebSDKToggleBottomBarRequestModel {
 };
 
 /// `isVisible`: "visible" read leniently.
-struct WebSDKIsWebBottomBarVisibleRequestModel {
+struct WEBSDK_EXPORT WebSDKIsWebBottomBarVisibleRequestModel {
   bool isVisible = false;
 
   static std::optional<WebSDKIsWebBottomBarVisibleRequestModel> from(const std::optional<JSONObject>& payload);
@@ -136,7 +137,7 @@ struct WebSDKIsWebBottomBarVisibleRequestModel {
 };
 
 /// `isEnabled`: "isEnabled" read leniently.
-struct WebSDKToggleBackSwipeRequestModel {
+struct WEBSDK_EXPORT WebSDKToggleBackSwipeRequestModel {
   bool isEnabled = false;
 
   static std::optional<WebSDKToggleBackSwipeRequestModel> from(const std::optional<JSONObject>& payload);
@@ -144,7 +145,7 @@ struct WebSDKToggleBackSwipeRequestModel {
 };
 
 /// `disable`: "disable" read leniently.
-struct WebSDKDisableNativeScrollRequestModel {
+struct WEBSDK_EXPORT WebSDKDisableNativeScrollRequestModel {
   bool disable = false;
 
   static std::optional<WebSDKDisableNativeScrollRequestModel> from(const std::optional<JSONObject>& payload);
@@ -152,7 +153,7 @@ struct WebSDKDisableNativeScrollRequestModel {
 };
 
 /// `canShow`: "canShow" read leniently.
-struct WebSDKToggleNativeSearchBarRequestModel {
+struct WEBSDK_EXPORT WebSDKToggleNativeSearchBarRequestModel {
   bool canShow = false;
 
   static std::optional<WebSDKToggleNativeSearchBarRequestModel> from(const std::optional<JSONObject>& payload);
@@ -160,7 +161,7 @@ struct WebSDKToggleNativeSearchBarRequestModel {
 };
 
 /// `query` and `action` read leniently (a number gives its text).
-struct WebSDKUpdateNativeSearchBarRequestModel {
+struct WEBSDK_EXPORT WebSDKUpdateNativeSearchBarRequestModel {
   std::string query;
   std::string action;
 
@@ -169,7 +170,7 @@ struct WebSDKUpdateNativeSearchBarRequestModel {
 };
 
 /// `show`: "show" read leniently.
-struct WebSDKToggleQuicksHeaderTabRequestModel {
+struct WEBSDK_EXPORT WebSDKToggleQuicksHeaderTabRequestModel {
   bool show = false;
 
   static std::optional<WebSDKToggleQuicksHeaderTabRequestModel> from(const std::optional<JSONObject>& payload);
@@ -177,7 +178,7 @@ struct WebSDKToggleQuicksHeaderTabRequestModel {
 };
 
 /// `screenName`: the string under "screenName" only.
-struct WebSDKVoiceSearchRequestModel {
+struct WEBSDK_EXPORT WebSDKVoiceSearchRequestModel {
   std::string screenName;
 
   static std::optional<WebSDKVoiceSearchRequestModel> from(const std::optional<JSONObject>& payload);
@@ -186,7 +187,7 @@ struct WebSDKVoiceSearchRequestModel {
 
 /// Fails unless "screenCapturingDisabled" is a JSON bool: turning capture
 /// protection on or off is never guessed from other values.
-struct WebSDKScreenCapturingRequestModel {
+struct WEBSDK_EXPORT WebSDKScreenCapturingRequestModel {
   bool isScreenCapturingDisabled = false;
 
   static std::optional<WebSDKScreenCapturingRequestModel> from(const std::optional<JSONObject>& payload);
@@ -194,7 +195,7 @@ struct WebSDKScreenCapturingRequestModel {
 };
 
 /// `active`: true only for a JSON true under "active".
-struct WebSDKAppExtensionInBackgroundRequestModel {
+struct WEBSDK_EXPORT WebSDKAppExtensionInBackgroundRequestModel {
   bool active = false;
 
   static std::optional<WebSDKAppExtensionInBackgroundRequestModel> from(const std::optional<JSONObject>& payload);
@@ -203,7 +204,7 @@ struct WebSDKAppExtensionInBackgroundRequestModel {
 
 /// `duration` from the number under "duration" (0 otherwise); `amplitude`
 /// the string under "amplitude".
-struct WebSDKVibrateRequestModel {
+struct WEBSDK_EXPORT WebSDKVibrateRequestModel {
   std::int64_t duration = 0;
   std::string amplitude;
 
@@ -212,7 +213,7 @@ struct WebSDKVibrateRequestModel {
 };
 
 /// `text` and `fallback`: the strings under their keys only.
-struct WebSDKWhatsappShareRequestModel {
+struct WEBSDK_EXPORT WebSDKWhatsappShareRequestModel {
   std::string text;
   std::string fallback;
 
@@ -221,7 +222,7 @@ struct WebSDKWhatsappShareRequestModel {
 };
 
 /// `text`: the string under "text" only.
-struct WebSDKOpenShareSheetRequestModel {
+struct WEBSDK_EXPORT WebSDKOpenShareSheetRequestModel {
   std::string text;
 
   static std::optional<WebSDKOpenShareSheetRequestModel> from(const std::optional<JSONObject>& payload);
@@ -229,7 +230,7 @@ struct WebSDKOpenShareSheetRequestModel {
 };
 
 /// `text`: the string under "text" only.
-struct WebSDKCopyTextToClipboardRequestModel {
+struct WEBSDK_EXPORT WebSDKCopyTextToClipboardRequestModel {
   std::string text;
 
   static std::optional<WebSDKCopyTextToClipboardRequestModel> from(const std::optional<JSONObject>& payload);

@@ -2,6 +2,7 @@
 // The generic family: its 74 actions, the small requests read inline, and the
 // typed payload a page's request decodes to.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 #include "websdk/plugins/generic/AnalyticsModels.hpp"
@@ -179,7 +180,7 @@ using WebSDKGenericRequestModel = WebSDKBridgeRequest<WebSDKGenericAction>;
 // Each never fails; a missing key gives 0, "" or no value.
 
 /// `accuracyLevel`: "accuracyLevel" read as a lenient integer ("3" gives 3).
-struct WebSDKGetLocationRequestModel {
+struct WEBSDK_EXPORT WebSDKGetLocationRequestModel {
   std::int64_t accuracyLevel = 0;
 
   static std::optional<WebSDKGetLocationRequestModel> from(const std::optional<JSONObject>& payload);
@@ -187,7 +188,7 @@ struct WebSDKGetLocationRequestModel {
 };
 
 /// `sourceLocation`: the point under "source_location" (0, 0 without one).
-struct WebSDKGetSortedAddressesRequestModel {
+struct WEBSDK_EXPORT WebSDKGetSortedAddressesRequestModel {
   std::optional<Location> sourceLocation;
 
   static std::optional<WebSDKGetSortedAddressesRequestModel> from(const std::optional<JSONObject>& payload);
@@ -195,7 +196,7 @@ struct WebSDKGetSortedAddressesRequestModel {
 };
 
 /// `currentStep`: the string under "currentStep" only.
-struct WebSDKGetNextStepRequestModel {
+struct WEBSDK_EXPORT WebSDKGetNextStepRequestModel {
   std::string currentStep;
 
   static std::optional<WebSDKGetNextStepRequestModel> from(const std::optional<JSONObject>& payload);
@@ -203,7 +204,7 @@ struct WebSDKGetNextStepRequestModel {
 };
 
 /// `funcName`: "func_name" read leniently.
-struct WebSDKPhoneContactRequestModel {
+struct WEBSDK_EXPORT WebSDKPhoneContactRequestModel {
   std::string funcName;
 
   static std::optional<WebSDKPhoneContactRequestModel> from(const std::optional<JSONObject>& payload);
@@ -211,7 +212,7 @@ struct WebSDKPhoneContactRequestModel {
 };
 
 /// `reloadUrl`: "reloadUrl" read leniently, and no value (not "") without it.
-struct WebSDKLoginRequestModel {
+struct WEBSDK_EXPORT WebSDKLoginRequestModel {
   std::optional<std::string> reloadUrl;
 
   static std::optional<WebSDKLoginRequestModel> from(const std::optional<JSONObject>& payload);
@@ -243,7 +244,7 @@ namespace detail {
 using GenericCase = WebSDKGenericRequestPayloadCase;
 }  // namespace detail
 
-class WebSDKGenericRequestPayload
+class WEBSDK_EXPORT WebSDKGenericRequestPayload
     : public TaggedPayload<
           WebSDKGenericRequestPayload, WebSDKGenericRequestPayloadCase,
           Carries<detail::GenericCase::getLocation, WebSDKGetLocationRequestModel>,

@@ -2,6 +2,7 @@
 // Locations, addresses and device data: what a page sends about a place, and
 // how the host answers questions about location, address, user and device.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Record.hpp"
@@ -18,7 +19,7 @@ namespace websdk {
 /// The address a page picked. Fails only without a payload dictionary; every
 /// string is taken only when it is a JSON string, and `defaultAddress` comes
 /// from "default".
-struct WebSDKSetLocationRequestModel {
+struct WEBSDK_EXPORT WebSDKSetLocationRequestModel {
   std::optional<std::string> id;
   std::optional<std::int64_t> defaultAddress;
   std::optional<std::string> name;
@@ -43,7 +44,7 @@ struct WebSDKSetLocationRequestModel {
 
 /// A point read from "latitude" and "longitude". Never fails: with no
 /// dictionary it is 0, 0.
-struct Location {
+struct WEBSDK_EXPORT Location {
   double lat = 0;
   double lng = 0;
 
@@ -53,7 +54,7 @@ struct Location {
 
 /// The address form a page opens. Fails only without a payload dictionary;
 /// `type` and `storeId` are empty unless given as JSON strings.
-struct WebSDKAddAddressRequestModel {
+struct WEBSDK_EXPORT WebSDKAddAddressRequestModel {
   std::string type;
   std::string storeId;
   std::optional<std::string> userContext;
@@ -82,7 +83,7 @@ constexpr auto rawValues(ActionType) {
 
 /// An address to edit, kept unparsed under `data` (from "address"). Fails
 /// only without a payload dictionary.
-struct WebSDKEditAddressRequestModel {
+struct WEBSDK_EXPORT WebSDKEditAddressRequestModel {
   std::optional<JSON> data;
   std::optional<std::vector<std::string>> enabled;
   std::optional<std::string> focused;
@@ -94,7 +95,7 @@ struct WebSDKEditAddressRequestModel {
 
 /// Directions to reach an address. `xpVal` comes from "enable_voice_directions"
 /// and is absent without that key. Fails only without a payload dictionary.
-struct WebSDKEditDirectionsRequestModel {
+struct WEBSDK_EXPORT WebSDKEditDirectionsRequestModel {
   std::optional<JSON> data;
   std::optional<bool> xpVal;
 
@@ -104,7 +105,7 @@ struct WebSDKEditDirectionsRequestModel {
 
 /// How a GPS fix is wanted; missing keys read as false or 0. Fails only
 /// without a payload dictionary.
-struct WebSDKGetGPSLocationRequestModel {
+struct WEBSDK_EXPORT WebSDKGetGPSLocationRequestModel {
   bool permissionRequired = false;
   bool accurateLocationRequired = false;
   bool shouldShowSettings = false;
@@ -117,7 +118,7 @@ struct WebSDKGetGPSLocationRequestModel {
 
 // ---- Response models -------------------------------------------------------
 
-struct WebSDKDeviceDetailsResponseModel {
+struct WEBSDK_EXPORT WebSDKDeviceDetailsResponseModel {
   std::string memory;
   std::string osversion;
   std::string battery;
@@ -132,40 +133,40 @@ struct WebSDKDeviceDetailsResponseModel {
                 deviceModel)
 };
 
-struct WebSDKGetLocationResponseModel {
+struct WEBSDK_EXPORT WebSDKGetLocationResponseModel {
   double latitude = 0;
   double longitude = 0;
 
   WEBSDK_RECORD(WebSDKGetLocationResponseModel, latitude, longitude)
 };
 
-struct WebSDKGetCurrentAddressResponseModel {
+struct WEBSDK_EXPORT WebSDKGetCurrentAddressResponseModel {
   std::string currentAddress;
 
   WEBSDK_RECORD(WebSDKGetCurrentAddressResponseModel, currentAddress)
 };
 
-struct AddressMetadataResponse {
+struct WEBSDK_EXPORT AddressMetadataResponse {
   std::string addressId;
 
   WEBSDK_RECORD(AddressMetadataResponse, addressId)
 };
 
-struct WebSDKGetSortedAddressesResponseModel {
+struct WEBSDK_EXPORT WebSDKGetSortedAddressesResponseModel {
   std::vector<AddressMetadataResponse> addresses;
   bool enableCxAppAddressSorting = false;
 
   WEBSDK_RECORD(WebSDKGetSortedAddressesResponseModel, addresses, enableCxAppAddressSorting)
 };
 
-struct WebSDKEditDirectionsResponseModel {
+struct WEBSDK_EXPORT WebSDKEditDirectionsResponseModel {
   bool isDirectionsToReachChanged = false;
 
   WEBSDK_RECORD(WebSDKEditDirectionsResponseModel, isDirectionsToReachChanged)
 };
 
 /// The answer to a confirm dialog: the id of the button the user chose.
-struct WebSDKDialogConfirmResponseModel {
+struct WEBSDK_EXPORT WebSDKDialogConfirmResponseModel {
   std::string id;
 
   WEBSDK_RECORD(WebSDKDialogConfirmResponseModel, id)
@@ -173,14 +174,14 @@ struct WebSDKDialogConfirmResponseModel {
 
 /// A pinned point. The longitude is sent as "long", which C++ reserves, so
 /// the member is `long_`.
-struct PinLocation {
+struct WEBSDK_EXPORT PinLocation {
   double lat = 0;
   double long_ = 0;
 
   WEBSDK_KEYED_RECORD(PinLocation, (lat, "lat"), (long_, "long"))
 };
 
-struct WebSDKGetTnsSignalResponseModel {
+struct WEBSDK_EXPORT WebSDKGetTnsSignalResponseModel {
   std::optional<std::string> location;
   std::string currentAppVersion;
   std::optional<std::string> ipAddress;
@@ -193,7 +194,7 @@ struct WebSDKGetTnsSignalResponseModel {
                 deviceMake, isOTPAutoRead)
 };
 
-struct InternationalUser {
+struct WEBSDK_EXPORT InternationalUser {
   std::string countryCode;
   std::string unmaskedNumber;
   std::string maskedNumber;
@@ -202,14 +203,14 @@ struct InternationalUser {
 };
 
 /// Pages read these two keys in snake case.
-struct OrbisData {
+struct WEBSDK_EXPORT OrbisData {
   std::optional<std::string> orbisState;
   std::optional<std::string> orbisType;
 
   WEBSDK_KEYED_RECORD(OrbisData, (orbisState, "orbis_state"), (orbisType, "orbis_type"))
 };
 
-struct WebSDKGetUserInfoResponseModel {
+struct WEBSDK_EXPORT WebSDKGetUserInfoResponseModel {
   std::string customerId;
   std::string name;
   std::string mobile;
@@ -224,7 +225,7 @@ struct WebSDKGetUserInfoResponseModel {
 
 /// The train journey of an IRCTC order. Pages write it in snake case under
 /// "irctc_data" and read it back with these field names.
-struct WebSDKIRCTCResponseModel {
+struct WEBSDK_EXPORT WebSDKIRCTCResponseModel {
   std::string encodedIrctcData;
   std::string phoneNo;
   std::string platformNo;

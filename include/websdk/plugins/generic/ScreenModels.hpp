@@ -4,6 +4,7 @@
 // to a refreshed menu, to a further web view that shares data, to another
 // bottom-bar tab, or to a new delivery location followed by a deep link.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Readings.hpp"
@@ -43,7 +44,7 @@ constexpr auto rawValues(ScreenType) {
 /// What the native screen needs to open. Never fails: strings are taken only
 /// when they are JSON strings ("" or absent otherwise), booleans leniently
 /// (false, or absent when the key is absent), `tenant` only when known.
-struct NavigationScreenParam {
+struct WEBSDK_EXPORT NavigationScreenParam {
   std::string id;
   bool refresh = false;
   std::optional<Tenant> tenant;
@@ -70,7 +71,7 @@ struct NavigationScreenParam {
 
 /// A native screen or a deep link. Fails unless "type" names a navigation
 /// type and "link" is a string; a screen link must name a `ScreenType`.
-struct DeeplinkModel {
+struct WEBSDK_EXPORT DeeplinkModel {
   NavigationType type{};
   std::string link;
 
@@ -79,7 +80,7 @@ struct DeeplinkModel {
 };
 
 /// Fails on an empty payload and wherever `DeeplinkModel` fails.
-struct WebSDKNavigationToScreenRequestModel {
+struct WEBSDK_EXPORT WebSDKNavigationToScreenRequestModel {
   NavigationType type{};
   std::string link;
   std::optional<std::map<std::string, std::string>> httpHeaders;
@@ -92,7 +93,7 @@ struct WebSDKNavigationToScreenRequestModel {
 
 /// Sets the delivery location, then follows a deep link. Never fails: an
 /// address or deep link that does not read is left out.
-struct WebSDKSetLocationWithDeeplinkRequestModel {
+struct WEBSDK_EXPORT WebSDKSetLocationWithDeeplinkRequestModel {
   std::optional<WebSDKSetLocationRequestModel> addressObject;  // "address"
   std::optional<DeeplinkModel> deeplinkDetailModel;            // "deepLink"
 
@@ -104,7 +105,7 @@ struct WebSDKSetLocationWithDeeplinkRequestModel {
 
 /// Opens another web page. Fails unless "url" is a string; the other strings
 /// default to "", the booleans count only as JSON bools.
-struct WebSDKWebNavigateRequestModel {
+struct WEBSDK_EXPORT WebSDKWebNavigateRequestModel {
   std::string url;
   bool openAsExternal = false;
   bool showLoader = false;
@@ -120,7 +121,7 @@ struct WebSDKWebNavigateRequestModel {
 };
 
 /// `url` read leniently ("" when missing). Never fails.
-struct WebSDKLaunchBrowserRequestModel {
+struct WEBSDK_EXPORT WebSDKLaunchBrowserRequestModel {
   std::string url;
 
   static std::optional<WebSDKLaunchBrowserRequestModel> from(const std::optional<JSONObject>& payload);
@@ -128,7 +129,7 @@ struct WebSDKLaunchBrowserRequestModel {
 };
 
 /// Fails on an empty payload or without "link" (read leniently).
-struct WebSDKOpenOrbisV2RequestModel {
+struct WEBSDK_EXPORT WebSDKOpenOrbisV2RequestModel {
   std::string link;
   std::optional<double> lastMile;
 
@@ -137,7 +138,7 @@ struct WebSDKOpenOrbisV2RequestModel {
 };
 
 /// Fails unless "link" reads (leniently) as non-empty text.
-struct WebSDKOpenOrbisV3RequestModel {
+struct WEBSDK_EXPORT WebSDKOpenOrbisV3RequestModel {
   std::string link;
 
   static std::optional<WebSDKOpenOrbisV3RequestModel> from(const std::optional<JSONObject>& payload);
@@ -149,7 +150,7 @@ struct WebSDKOpenOrbisV3RequestModel {
 /// Instructions for the screen under a closing web view. Never fails. A
 /// boolean is true only when its value reads as "True", "true", "yes" or "1";
 /// an optional boolean is absent when its key is.
-struct CloseWebViewParams {
+struct WEBSDK_EXPORT CloseWebViewParams {
   bool shouldRefresh = false;
   std::int64_t rating = 0;
   std::optional<std::string> orbisV2SelectedPlanId;
@@ -170,7 +171,7 @@ struct CloseWebViewParams {
 };
 
 /// Never fails; `params` is absent when "params" is missing or JSON null.
-struct WebSDKCloseWebviewWithParamsModel {
+struct WEBSDK_EXPORT WebSDKCloseWebviewWithParamsModel {
   std::optional<CloseWebViewParams> params;
 
   static std::optional<WebSDKCloseWebviewWithParamsModel> from(const std::optional<JSONObject>& payload);
@@ -188,7 +189,7 @@ constexpr auto rawValues(RefreshScreenType) {
 }
 
 /// Never fails; `restaurantId` only when it is a string.
-struct RefreshScreenParam {
+struct WEBSDK_EXPORT RefreshScreenParam {
   std::optional<std::string> restaurantId;
 
   static std::optional<RefreshScreenParam> from(const std::optional<JSONObject>& payload);
@@ -197,7 +198,7 @@ struct RefreshScreenParam {
 
 /// Only the menu screen can be refreshed: fails unless "type" is "screen" and
 /// "link" is "menu".
-struct WebSDKRefreshScreenRequestModel {
+struct WEBSDK_EXPORT WebSDKRefreshScreenRequestModel {
   RefreshType type{};
   RefreshScreenType link{};
   std::optional<RefreshScreenParam> params;
@@ -209,7 +210,7 @@ struct WebSDKRefreshScreenRequestModel {
 // ---- Web views that share data ---------------------------------------------------
 
 /// Never fails; both strings "" unless given as strings.
-struct WebSDKOpenWebViewAndSyncDataRequestModel {
+struct WEBSDK_EXPORT WebSDKOpenWebViewAndSyncDataRequestModel {
   std::string source;
   std::string link;
 
@@ -218,7 +219,7 @@ struct WebSDKOpenWebViewAndSyncDataRequestModel {
 };
 
 /// Never fails. `closeOnly` only as a JSON bool, `data` only as an object.
-struct WebSDKCloseWebViewAndSyncDataRequestModel {
+struct WEBSDK_EXPORT WebSDKCloseWebViewAndSyncDataRequestModel {
   std::string source;
   std::optional<bool> closeOnly;
   std::optional<JSONObject> data;
@@ -231,7 +232,7 @@ struct WebSDKCloseWebViewAndSyncDataRequestModel {
 
 /// Fails unless "tabIdentifier" is a string. Pages cannot pass tab
 /// parameters: `params` is always an empty map.
-struct WebSDKSwitchBottomBarModel {
+struct WEBSDK_EXPORT WebSDKSwitchBottomBarModel {
   std::optional<std::string> tabIdentifier;
   std::optional<JSONObject> params;
 
@@ -241,7 +242,7 @@ struct WebSDKSwitchBottomBarModel {
 
 /// `height` read leniently ("" when missing). Never fails. The host holds it
 /// by shared reference.
-struct WebSDKGetHalfCardHeightRequestModel {
+struct WEBSDK_EXPORT WebSDKGetHalfCardHeightRequestModel {
   std::string height;
 
   static std::optional<WebSDKGetHalfCardHeightRequestModel> from(const std::optional<JSONObject>& payload);

@@ -5,6 +5,7 @@
 // type (a number sent as text is refused), optional members may be missing or
 // null, and members the record does not know are ignored.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Readings.hpp"
 #include "websdk/json/Record.hpp"
 
@@ -18,7 +19,7 @@ namespace websdk {
 
 /// "GET_ONE_CLICK_CARD_ELIGIBILITY". Fails unless "cardDetails" is a list of
 /// cards that decodes strictly; a missing "action" or "amount" is only "".
-struct WebSDKGetOneClickCardEligibilityRequestModel {
+struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityRequestModel {
   struct Card {
     std::string cardFingerPrint;
     std::string cardBin;
@@ -44,7 +45,7 @@ constexpr auto rawValues(ManageCardAction) {
   return rawValueTable<ManageCardAction>({{viesDeleteCard, "VIES_DELETE_CARD"}, {viesDeEnrol, "VIES_DISENROLL"}});
 }
 
-struct CardDetail {
+struct WEBSDK_EXPORT CardDetail {
   std::string cardBin;
   std::string cardFingerPrint;
   std::string maskedCardNumber;
@@ -57,7 +58,7 @@ struct CardDetail {
 /// "ONE_CLICK_DE_ENROLL" and "DELETE_CARD". Fails unless "action" is exactly a
 /// `ManageCardAction` string and "cardDetail" decodes strictly; a missing
 /// "juspayClientAuthToken" is "".
-struct WebSDKOneClickManageCardRequestModel {
+struct WEBSDK_EXPORT WebSDKOneClickManageCardRequestModel {
   ManageCardAction action{};
   CardDetail cardDetail;
   std::string juspayClientAuthToken;
@@ -71,7 +72,7 @@ struct WebSDKOneClickManageCardRequestModel {
 /// The user's cards with their one-click standing. Encodes and decodes with
 /// its field names; the page gets the provider's vocabulary back through
 /// getCardEligiblityDetailsDict().
-struct WebSDKGetOneClickCardEligibilityResponseModel {
+struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityResponseModel {
   struct Vies {
     bool eligibility = false;
     bool enrolled = false;
@@ -115,14 +116,14 @@ struct WebSDKGetOneClickCardEligibilityResponseModel {
   WEBSDK_RECORD(WebSDKGetOneClickCardEligibilityResponseModel, cardEligiblityDetails)
 };
 
-struct WebSDKOneClickDeEnrollResponseModel {
+struct WEBSDK_EXPORT WebSDKOneClickDeEnrollResponseModel {
   bool isDeEnrolled = false;
 
   static std::optional<WebSDKOneClickDeEnrollResponseModel> decode(const JSON& value);
   WEBSDK_RECORD(WebSDKOneClickDeEnrollResponseModel, isDeEnrolled)
 };
 
-struct WebSDKOneClickDeleteResponseModel {
+struct WEBSDK_EXPORT WebSDKOneClickDeleteResponseModel {
   bool isDeleted = false;
   std::string errorMessage{};
   std::string errorCode{};

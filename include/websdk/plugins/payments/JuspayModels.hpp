@@ -3,6 +3,7 @@
 // banking, new and saved cards, the CRED wallet, UPI intent apps and the in-app
 // UPI flows. Amounts and card data stay the strings the page sent.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Readings.hpp"
 #include "websdk/json/Record.hpp"
 #include "websdk/plugins/generic/Tenant.hpp"
@@ -23,7 +24,7 @@ constexpr auto rawValues(JuspayInitEnviromentType) {
 /// "JUSPAY_INIT". Fails without a string "merchantId". Only "prod" exactly
 /// selects production; anything else is the sandbox. `authToken` comes from
 /// "clientAuthToken" but encodes as "authToken".
-struct WebSDKJuspayInitRequestModel {
+struct WEBSDK_EXPORT WebSDKJuspayInitRequestModel {
   JuspayInitEnviromentType environment = JuspayInitEnviromentType::sandbox;
   std::string merchantId;
   std::string authToken;
@@ -35,7 +36,7 @@ struct WebSDKJuspayInitRequestModel {
 
 /// "PAY_USING_JUSPAY_NB", read from "juspayParams". Fails without that object
 /// or without a string "orderId"; the other strings default to "".
-struct WebSDKJuspayNBRequestModel {
+struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
   std::string orderId;
   std::string returnUrl;
   std::string bankCode;
@@ -49,7 +50,7 @@ struct WebSDKJuspayNBRequestModel {
 /// object or without a string "orderId". `saveToLocker` takes only a JSON bool
 /// (a new card is saved only on an explicit yes); `tokenize` is lenient.
 /// `supportedGatewayIds` is always set, empty when not sent.
-struct WebSDKJuspayNewCardRequestModel {
+struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
   std::string cardToken;
   std::string returnUrl;
   std::string orderId;
@@ -82,7 +83,7 @@ struct WebSDKJuspayNewCardRequestModel {
 
 /// A saved card's network-token metadata. Never fails: every field is set,
 /// "" for a key that is missing or not a string.
-struct JuspayMetaDataModel {
+struct WEBSDK_EXPORT JuspayMetaDataModel {
   std::optional<std::string> tokenType;
   std::optional<std::string> temporaryToken;
   std::optional<std::string> requesterId;
@@ -98,7 +99,7 @@ struct JuspayMetaDataModel {
 /// "PAY_USING_SAVED_CARD", read from "juspayParams"; the new-card rules, except
 /// that `tokenize` and `saveToLocker` are both lenient here (the card is
 /// already stored). `juspayMetaData` is always set.
-struct WebSDKJuspaySavedCardRequestModel {
+struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
   std::string cardToken;
   std::string returnUrl;
   std::string orderId;
@@ -127,7 +128,7 @@ struct WebSDKJuspaySavedCardRequestModel {
 
 /// The CRED wallet's payment parameters; `authToken` from "clientAuthToken".
 /// Never fails: every string is lenient, "" when missing.
-struct JuspayParams {
+struct WEBSDK_EXPORT JuspayParams {
   std::string orderId;
   std::string paymentMethodType;
   std::string returnUrl;
@@ -139,7 +140,7 @@ struct JuspayParams {
 };
 
 /// "PAY_USING_JUSPAY_WALLET_CRED". Fails unless "juspayParams" is an object.
-struct WebSDKPayUsingJuspayWalletCredRequestModel {
+struct WEBSDK_EXPORT WebSDKPayUsingJuspayWalletCredRequestModel {
   std::optional<std::string> callbackUrl;
   JuspayParams juspayParams;
 
@@ -149,7 +150,7 @@ struct WebSDKPayUsingJuspayWalletCredRequestModel {
 
 /// A UPI intent payment's parameters. Never fails: lenient strings, "" when
 /// missing.
-struct JuspayUPIParams {
+struct WEBSDK_EXPORT JuspayUPIParams {
   std::string orderId;
   std::string orderAmount;
   std::string url;
@@ -160,7 +161,7 @@ struct JuspayUPIParams {
 };
 
 /// "PAY_USING_UPI_INTENT". Fails unless "upiParams" is an object.
-struct WebSDKPayUsingUPIIntentRequestModel {
+struct WEBSDK_EXPORT WebSDKPayUsingUPIIntentRequestModel {
   std::optional<std::string> callbackUrl;
   JuspayUPIParams juspayUPIParams;
 
@@ -170,7 +171,7 @@ struct WebSDKPayUsingUPIIntentRequestModel {
 
 /// "IS_UPI_INTENT_METHOD_AVAILABLE". Fails on an absent or empty payload;
 /// `methods` is absent unless "methods" is an array.
-struct WebSDKIsUPIIntentMethodAvailableRequestModel {
+struct WEBSDK_EXPORT WebSDKIsUPIIntentMethodAvailableRequestModel {
   std::optional<std::vector<std::string>> methods;
 
   static std::optional<WebSDKIsUPIIntentMethodAvailableRequestModel> from(const std::optional<JSONObject>& payload);
@@ -178,7 +179,7 @@ struct WebSDKIsUPIIntentMethodAvailableRequestModel {
 };
 
 /// "IS_JUSPAY_AVAILABLE"; built by the payments decoding itself, never fails.
-struct WebSDKIsJuspayAvailableRequestModel {
+struct WEBSDK_EXPORT WebSDKIsJuspayAvailableRequestModel {
   std::optional<bool> forceEnableSDK;
 
   WEBSDK_RECORD(WebSDKIsJuspayAvailableRequestModel, forceEnableSDK)
@@ -187,7 +188,7 @@ struct WebSDKIsJuspayAvailableRequestModel {
 /// The in-app UPI onboarding, cached-data and add-account requests. Fails
 /// unless "merchantId", "clientAuthToken" and "extendedCustomerId" are all
 /// strings; an unknown or missing "tenant" is `Tenant::meals`.
-struct WebSDKJuspayInAppUpiRequestModel {
+struct WEBSDK_EXPORT WebSDKJuspayInAppUpiRequestModel {
   std::string merchantId;
   std::string token;
   std::string extendedCustomerId;
@@ -201,7 +202,7 @@ struct WebSDKJuspayInAppUpiRequestModel {
 /// "extendedCustomerId", "orderId", "accountRefId" and "orderAmount" are all
 /// strings. Encodes with its field names, not the keys it was read from; the
 /// host may replace `credData` before paying.
-struct WebSDKJuspayInAppUpiPayRequestModel {
+struct WEBSDK_EXPORT WebSDKJuspayInAppUpiPayRequestModel {
   std::string merchantId;
   std::string token;
   std::string extendedCustomerId;

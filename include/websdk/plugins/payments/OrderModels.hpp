@@ -2,6 +2,7 @@
 // Order and transaction events the checkout page reports, and the host's
 // answers about the checkout and about Juspay and UPI.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Readings.hpp"
 #include "websdk/json/Record.hpp"
 
@@ -16,7 +17,7 @@ namespace websdk {
 // ---- Requests ----------------------------------------------------------------
 
 /// "POST_ORDER_EVENT". Fails unless "orderData" is an object.
-struct WebSDKPostOrderRequestModel {
+struct WEBSDK_EXPORT WebSDKPostOrderRequestModel {
   JSONObject orderData;
   std::optional<std::string> businessLine;
   std::optional<bool> showTrack;
@@ -26,7 +27,7 @@ struct WebSDKPostOrderRequestModel {
 };
 
 /// "STORE_ORDER_INFO_EVENT": the order event plus where the order can be read.
-struct WebSDKStoreOrderInfoRequestModel {
+struct WEBSDK_EXPORT WebSDKStoreOrderInfoRequestModel {
   JSONObject orderData;
   std::optional<std::string> businessLine;
   std::optional<bool> showTrack;
@@ -37,7 +38,7 @@ struct WebSDKStoreOrderInfoRequestModel {
 };
 
 /// The payment method that failed, as the checkout page lists it.
-struct PaymentMethodData {
+struct WEBSDK_EXPORT PaymentMethodData {
   std::string name;
   std::string displayName;
   std::string paymentCode;
@@ -55,7 +56,7 @@ struct PaymentMethodData {
 };
 
 /// "ORDER_FAILED_EVENT". Fails unless "paymentMethodData" is an object.
-struct WebSDKOrderFailedRequestModel {
+struct WEBSDK_EXPORT WebSDKOrderFailedRequestModel {
   PaymentMethodData paymentMethodData;
   std::optional<std::string> orderId;
   std::string errorCode;
@@ -68,7 +69,7 @@ struct WebSDKOrderFailedRequestModel {
 
 /// "PAYMENT_IN_PENDING_STATE". Shared with the host by reference. Never
 /// fails: missing strings are "", `data` is the "requestObj" object or empty.
-struct WebSDKPaymentPendingStateRequestModel {
+struct WEBSDK_EXPORT WebSDKPaymentPendingStateRequestModel {
   std::string paymentMethodName;
   std::string marketplaceBusinessLine;
   std::string marketplaceCategory;
@@ -81,14 +82,14 @@ struct WebSDKPaymentPendingStateRequestModel {
 
 // ---- Responses -----------------------------------------------------------------
 
-struct WebSDKCheckoutRestaurantDetails {
+struct WEBSDK_EXPORT WebSDKCheckoutRestaurantDetails {
   std::string name{};
   std::string id{};
 
   WEBSDK_RECORD(WebSDKCheckoutRestaurantDetails, name, id)
 };
 
-struct WebSDKCheckoutDeliveryAddress {
+struct WEBSDK_EXPORT WebSDKCheckoutDeliveryAddress {
   std::string address{};
   std::string annotation{};
   std::string name{};
@@ -98,7 +99,7 @@ struct WebSDKCheckoutDeliveryAddress {
 
 /// Answers "GET_CHECKOUT_META_INFO". Absent values are left out; the train
 /// journey travels under "irctc_data" as flat string pairs.
-struct WebSDKCheckoutMetaResponseModel {
+struct WEBSDK_EXPORT WebSDKCheckoutMetaResponseModel {
   std::optional<WebSDKCheckoutRestaurantDetails> restaurantDetails{};
   std::optional<std::int64_t> cartItemsCount{};
   std::optional<std::int64_t> slaTime{};
@@ -114,7 +115,7 @@ struct WebSDKCheckoutMetaResponseModel {
 };
 
 /// Answers "IS_JUSPAY_AVAILABLE", with each SDK feature's availability.
-struct WebSDKJuspayAvailableResponseModel {
+struct WEBSDK_EXPORT WebSDKJuspayAvailableResponseModel {
   bool isAvailable = false;
   std::map<std::string, bool> featuresAvailability{};
 
@@ -122,7 +123,7 @@ struct WebSDKJuspayAvailableResponseModel {
 };
 
 /// Answers the Juspay payment actions.
-struct WebSDKJuspayGenericResponseModel {
+struct WEBSDK_EXPORT WebSDKJuspayGenericResponseModel {
   std::string status{};
   std::string orderId{};
 
@@ -130,7 +131,7 @@ struct WebSDKJuspayGenericResponseModel {
 };
 
 /// Answers "PAY_USING_UPI_INTENT".
-struct WebSDKPayUsingUPIIntentResponseModel {
+struct WEBSDK_EXPORT WebSDKPayUsingUPIIntentResponseModel {
   std::string status{};
   std::string orderId{};
 
@@ -138,14 +139,14 @@ struct WebSDKPayUsingUPIIntentResponseModel {
 };
 
 /// Answers "IS_UPI_INTENT_METHOD_AVAILABLE" with the UPI apps found.
-struct WebSDKIsUPIIntentMethodAvailableResponseModel {
+struct WEBSDK_EXPORT WebSDKIsUPIIntentMethodAvailableResponseModel {
   std::vector<std::string> methods{};
 
   WEBSDK_RECORD(WebSDKIsUPIIntentMethodAvailableResponseModel, methods)
 };
 
 /// Answers "IS_INAPP_UPI_ENABLED".
-struct WebSDKUpiEnabledResponseModel {
+struct WEBSDK_EXPORT WebSDKUpiEnabledResponseModel {
   bool isEnabled = false;
 
   WEBSDK_RECORD(WebSDKUpiEnabledResponseModel, isEnabled)
@@ -153,7 +154,7 @@ struct WebSDKUpiEnabledResponseModel {
 
 /// Answers "GET_INAPP_UPI_DATA_FROM_CACHE" with the hash of the user's in-app
 /// UPI accounts.
-struct WebSDKUpiGstResponseModel {
+struct WEBSDK_EXPORT WebSDKUpiGstResponseModel {
   std::string inAppUPIAccountsHash{};
 
   WEBSDK_RECORD(WebSDKUpiGstResponseModel, inAppUPIAccountsHash)

@@ -2,6 +2,7 @@
 // The payments family: the checkout and payment actions a page may send, and
 // their decoding into typed payloads for the host's payments plugin.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Payload.hpp"
 #include "websdk/plugins/payments/CardModels.hpp"
@@ -103,7 +104,7 @@ WEBSDK_NAMED_CASES(WebSDKPaymentsRequestPayloadCase, isJuspayAvailable, payUsing
                    getCredEligibilityFromAppCache, confirmOrderEvent, transactionConfirmed, transactionFailed,
                    isInappUpiEnabled)
 
-class WebSDKPaymentsRequestPayload
+class WEBSDK_EXPORT WebSDKPaymentsRequestPayload
     : public TaggedPayload<
           WebSDKPaymentsRequestPayload, WebSDKPaymentsRequestPayloadCase,
           Carries<WebSDKPaymentsRequestPayloadCase::isJuspayAvailable, WebSDKIsJuspayAvailableRequestModel>,

@@ -2,6 +2,7 @@
 // Amazon Pay, linked wallets and CRED eligibility: what the page asks and what
 // the host answers.
 
+#include "websdk/Export.hpp"
 #include "websdk/json/Readings.hpp"
 #include "websdk/json/Record.hpp"
 
@@ -28,7 +29,7 @@ constexpr auto rawValues(WebSDKAmazonPayRequestState) {
 
 /// "PAY_USING_AMAZON_PAY": one action for every Amazon Pay step, with the
 /// step's parameters passed on untouched. Never fails.
-struct WebSDKPayUsingAmazonPayRequestModel {
+struct WEBSDK_EXPORT WebSDKPayUsingAmazonPayRequestModel {
   WebSDKAmazonPayRequestState state = WebSDKAmazonPayRequestState::unknown;
   JSONObject data;
 
@@ -44,7 +45,7 @@ constexpr auto rawValues(WebSDKLinkRequestSource) {
 
 /// "SEND_LINK_ACCOUNT_STATUS". Fails without "paymentCode"; an unknown
 /// "source" only leaves `linkRequestSource` absent.
-struct WebSDKSendLinkStatusRequestModel {
+struct WEBSDK_EXPORT WebSDKSendLinkStatusRequestModel {
   std::string paymentCode;
   std::optional<std::string> status;
   std::optional<std::string> token;
@@ -59,14 +60,14 @@ struct WebSDKSendLinkStatusRequestModel {
 
 /// The wallet a wallet-data, linked-wallet or add-money request is about;
 /// filled from the page's "walletCode" by the payments decoding itself.
-struct WebSDKGetLinkWalletDataRequestModel {
+struct WEBSDK_EXPORT WebSDKGetLinkWalletDataRequestModel {
   std::string paymentCode;
 
   WEBSDK_RECORD(WebSDKGetLinkWalletDataRequestModel, paymentCode)
 };
 
 /// "WALLET_DELINKED". Fails without "walletCode".
-struct WebSDKWalletDelinkedRequestModel {
+struct WEBSDK_EXPORT WebSDKWalletDelinkedRequestModel {
   std::string walletCode;
   std::optional<std::vector<std::string>> walletCodes;
   std::optional<std::string> mobileNumber;
@@ -77,7 +78,7 @@ struct WebSDKWalletDelinkedRequestModel {
 
 /// "GET_CRED_ELIGIBILTY". Never fails: missing values are "". `authToken`
 /// comes from "clientAuthToken".
-struct WebSDKGetCredEligibilityRequestModel {
+struct WEBSDK_EXPORT WebSDKGetCredEligibilityRequestModel {
   std::string authToken;
   std::string merchantId;
   std::string amount;
@@ -90,14 +91,14 @@ struct WebSDKGetCredEligibilityRequestModel {
 // ---- Responses -----------------------------------------------------------------
 
 /// Answers the Amazon Pay SDK availability step.
-struct WebSDKAmazonAvailableResponseModel {
+struct WEBSDK_EXPORT WebSDKAmazonAvailableResponseModel {
   bool isAmazonSdkAvailable = false;
 
   WEBSDK_RECORD(WebSDKAmazonAvailableResponseModel, isAmazonSdkAvailable)
 };
 
 /// Answers the balance step; no balance leaves "balance" out.
-struct WebSDKAmazonPayGetbalanceResponseModel {
+struct WEBSDK_EXPORT WebSDKAmazonPayGetbalanceResponseModel {
   bool linked = false;
   std::optional<double> balance{};
 
@@ -105,7 +106,7 @@ struct WebSDKAmazonPayGetbalanceResponseModel {
 };
 
 /// Answers the proceed-to-pay step.
-struct WebSDKAmazonPayProceedToPayResponseModel {
+struct WEBSDK_EXPORT WebSDKAmazonPayProceedToPayResponseModel {
   std::string status{};
   std::string orderId{};
   std::string transactionId{};
@@ -114,7 +115,7 @@ struct WebSDKAmazonPayProceedToPayResponseModel {
 };
 
 /// Answers the charge-status step with the provider's values as text.
-struct WebSDKAmazonPayChargeStatusResponseModel {
+struct WEBSDK_EXPORT WebSDKAmazonPayChargeStatusResponseModel {
   std::string transactionStatusDescription{};
   std::string signature{};
   std::string verificationOperationName{};
@@ -131,7 +132,7 @@ struct WebSDKAmazonPayChargeStatusResponseModel {
 };
 
 /// An app-pay transaction's result.
-struct WebSDKAppPayTxnResponseModel {
+struct WEBSDK_EXPORT WebSDKAppPayTxnResponseModel {
   std::string status{};
   std::string orderId{};
 
@@ -139,7 +140,7 @@ struct WebSDKAppPayTxnResponseModel {
 };
 
 /// Answers "GET_CRED_ELIGIBILTY": the live answer always has all three facts.
-struct WebSDKGetCredEligibilityResponseModel {
+struct WEBSDK_EXPORT WebSDKGetCredEligibilityResponseModel {
   std::string flowType{};
   bool isEligible = false;
   std::string bannerText{};
@@ -149,7 +150,7 @@ struct WebSDKGetCredEligibilityResponseModel {
 
 /// Answers "GET_CRED_ELIGIBILTY_FROM_APP_CACHE": the cached answer may lack
 /// the banner and the flow type.
-struct WebSDKGetCredEligibilityFromAppCacheResponseModel {
+struct WEBSDK_EXPORT WebSDKGetCredEligibilityFromAppCacheResponseModel {
   bool isEligible = false;
   std::optional<std::string> bannerText{};
   std::optional<std::string> flowType{};

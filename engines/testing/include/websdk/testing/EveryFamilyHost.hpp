@@ -5,6 +5,7 @@
 // description, so tests, fuzzers and tools can record, answer or release as
 // they need.
 
+#include "websdk/Export.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
@@ -14,7 +15,7 @@
 
 namespace websdk::testing {
 
-class EveryFamilyHost final : public DvWebViewGenericCallsBacks,
+class WEBSDK_EXPORT EveryFamilyHost final : public DvWebViewGenericCallsBacks,
                               public DvWebViewPaymentsCallsBacks,
                               public DvWebViewRestaurantEmpathyCallsBacks,
                               public DvWebViewChatConversationCallsBacks,

@@ -3,6 +3,7 @@
 // records every load, script and setting, lets a test post script messages as
 // a page would, and runs the main queue only when the test drains it.
 
+#include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
 #include <cstddef>
@@ -18,7 +19,7 @@
 namespace websdk::testing {
 
 /// A main queue that runs nothing until drained. post() is thread-safe.
-class TestingMainQueue final : public MainQueue {
+class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
  public:
   void post(std::function<void()> task) override;
   /// Runs queued tasks (also those they post) until none is left; returns how many ran.
@@ -30,7 +31,7 @@ class TestingMainQueue final : public MainQueue {
   std::deque<std::function<void()>> tasks_;
 };
 
-class TestingEngine final : public WebEngine {
+class WEBSDK_EXPORT TestingEngine final : public WebEngine {
  public:
   struct Evaluation {
     std::string script;

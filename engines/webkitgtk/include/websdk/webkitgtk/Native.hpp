@@ -3,6 +3,7 @@
 // place the widget in their own window or need WebKit calls the WebSDK does
 // not make. Including this header brings in GTK and WebKit.
 
+#include "websdk/Export.hpp"
 #include "websdk/webkitgtk/WebKitGTKEngine.hpp"
 
 #include <gtk/gtk.h>
@@ -12,7 +13,7 @@ namespace websdk::webkitgtk {
 
 /// The engine's WebKitWebView as an untyped pointer, or nullptr when `engine`
 /// is not a WebKitGTK engine (or is being destroyed).
-void* nativeHandle(WebEngine& engine);
+WEBSDK_EXPORT void* nativeHandle(WebEngine& engine);
 
 /// The engine's WebKitWebView, or nullptr. The engine keeps its own reference;
 /// the widget is destroyed with the engine.

@@ -8,6 +8,7 @@
 //   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
 //   gtk_container_add(GTK_CONTAINER(window), websdk::webkitgtk::widget(view->engine()));
 
+#include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
 #include <chrono>
@@ -22,12 +23,12 @@ namespace websdk::webkitgtk {
 
 /// Starts GTK for this process on the calling thread, which becomes the UI
 /// thread. False when there is no display to open.
-bool initialize(int* argc = nullptr, char*** argv = nullptr);
+WEBSDK_EXPORT bool initialize(int* argc = nullptr, char*** argv = nullptr);
 
 /// Runs the UI thread's GLib main loop until `done()` holds or `bound` has
 /// passed; returns whether `done()` holds. For tools and tests that drive the
 /// engine without a GTK main loop of their own.
-bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound);
+WEBSDK_EXPORT bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound);
 
 // The installed package (its CMake targets and its pkg-config file) defines
 // WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR for a host's build: where the engine's
@@ -66,7 +67,7 @@ inline std::string fromIncludeDirectory(std::string_view header, std::string_vie
 }  // namespace detail
 
 /// How the engine's web context is made.
-struct WebKitGTKConfiguration {
+struct WEBSDK_EXPORT WebKitGTKConfiguration {
   /// Keep no cache, cookies or storage beyond the engine's life.
   bool ephemeral = false;
   /// The directory holding the engine's web-process module, which keeps the
@@ -79,7 +80,7 @@ struct WebKitGTKConfiguration {
 /// The main queue on the GLib main context of the thread that made it. post()
 /// may be called from any thread; a task that never runs (its context gone) is
 /// still freed.
-class GLibMainQueue final : public MainQueue {
+class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
  public:
   GLibMainQueue();
   ~GLibMainQueue() override;
@@ -96,7 +97,7 @@ class GLibMainQueue final : public MainQueue {
   std::thread::id thread_ = std::this_thread::get_id();
 };
 
-class WebKitGTKEngine final : public WebEngine {
+class WEBSDK_EXPORT WebKitGTKEngine final : public WebEngine {
  public:
   /// A new WebKitWebView. Must be made on the UI thread, after initialize().
   explicit WebKitGTKEngine(const WebKitGTKConfiguration& configuration = {});

@@ -6,6 +6,9 @@
 //   websdk-demo --headless           runs a scripted checkout and exits (0 when
 //                                    every step got its answer)
 //   --screenshot FILE                writes the page as a PNG once it is done
+//   --local-pages                    serves the checkout from the app itself, as
+//                                    app://checkout/index.html (the loopback
+//                                    server keeps only the partner site)
 
 #include "DemoOptions.hpp"
 #include "DemoPlugins.hpp"
@@ -27,6 +30,9 @@ extern const std::string_view kCheckoutPage;
 namespace {
 
 using namespace std::chrono_literals;
+
+// The WebSDK headers printed for each page request, when it carries them.
+constexpr const char* kShownHeaders[] = {"x-websdk", "platform", "app-version", "token", "cityId"};
 
 /// Serves the checkout page on 127.0.0.1 and prints the WebSDK headers each
 /// page request carried.
@@ -52,7 +58,9 @@ class PageServer {
   PageServer& operator=(const PageServer&) = delete;
 
   bool listening() const { return port_ != 0; }
-  std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/checkout"; }
+  std::string url(std::string_view path = "/checkout") const {
+    return "http://127.0.0.1:" + std::to_string(port_) + std::string(path);
+  }
 
  private:
   static void handle(SoupServer*, SoupServerMessage* message, const char* path, GHashTable*, gpointer self) {
@@ -70,7 +78,7 @@ class PageServer {
     }
     SoupMessageHeaders* headers = soup_server_message_get_request_headers(message);
     std::cout << "server       GET " << path;
-    for (const char* name : {"x-websdk", "platform", "app-version", "token", "cityId"})
+    for (const char* name : kShownHeaders)
       if (const char* value = soup_message_headers_get_one(headers, name)) std::cout << "  " << name << "=" << value;
     std::cout << std::endl;
     soup_server_message_set_status(message, 200, nullptr);
@@ -81,6 +89,28 @@ class PageServer {
   SoupServer* server_;
   guint port_ = 0;
 };
+
+/// The checkout as the app's own pages, app://checkout/index.html, printing
+/// the WebSDK headers each request carried. Its partner link goes to the
+/// loopback server, off the trusted pages.
+LocalPages localCheckout(const PageServer& server) {
+  std::string page(kCheckoutPage);
+  const std::string_view link = "href=\"/partner\"";
+  if (const auto at = page.find(link); at != std::string::npos)
+    page.replace(at, link.size(), "href=\"" + server.url("/partner") + "\"");
+  LocalPages pages{.host = "checkout"};
+  pages.respond = [page = std::move(page)](std::string_view path,
+                                           const LocalRequest& request) -> std::optional<LocalResource> {
+    std::cout << "app          " << request.method << " " << request.url;
+    for (const char* name : kShownHeaders)
+      for (const auto& [field, value] : request.headers)
+        if (sameFieldName(field, name)) std::cout << "  " << name << "=" << value;
+    std::cout << std::endl;
+    if (path == "index.html") return LocalResource{page, ""};
+    return std::nullopt;
+  };
+  return pages;
+}
 
 WebSDKHeaders appHeaders() {
   using H = WebSDKRequestHeaders;
@@ -186,6 +216,7 @@ int run(int argc, char** argv) {
     return 0;
   }
   const bool headless = options->headless;
+  const bool localPages = options->localPages;
   const std::string screenshot = options->screenshot;
   if (!webkitgtk::initialize(&argc, &argv)) {
     std::cerr << "websdk-demo: no display (headless runs go under xvfb-run -a)" << std::endl;
@@ -205,8 +236,18 @@ int run(int argc, char** argv) {
   auto payments = std::make_shared<PaymentsPlugin>();
   auto cart = std::make_shared<CartPlugin>();
 
-  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, generic, payments,
-                                    navigation, traffic);
+  // The checkout from the loopback server, or as the app's own pages: then
+  // the whitelist names their scheme and host, and nothing else.
+  webkitgtk::WebKitGTKConfiguration configuration;
+  std::vector<std::string> whitelist{"127.0.0.1"};
+  std::string checkoutURL = server.url();
+  if (localPages) {
+    configuration.localPages = {localCheckout(server)};
+    whitelist = {configuration.localPages[0].origin()};
+    checkoutURL = configuration.localPages[0].url();
+  }
+  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), whitelist, generic,
+                                    payments, navigation, traffic);
   generic->attach(view);
   payments->attach(view);
   cart->attach(view);
@@ -218,7 +259,7 @@ int run(int argc, char** argv) {
   gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
   gtk_widget_show_all(window);
 
-  const auto load = [&] { view->loadWebView(server.url(), headers, std::nullopt, 15); };
+  const auto load = [&] { view->loadWebView(checkoutURL, headers, std::nullopt, 15); };
   const auto click = [&](const std::string& step) {
     return [&view, step] {
       view->engine().evaluateJavaScript("document.querySelector('[data-step=\"" + step + "\"]').click()", nullptr);
@@ -237,7 +278,8 @@ int run(int argc, char** argv) {
          {"GET_CURRENT_ADDRESS"}},
         // The navigation delegate keeps the view on trusted hosts: the page
         // stays, and the payment below still runs on it.
-        {"a partner link redirects off the trusted hosts", click("partner"), {},
+        {localPages ? "a partner link leaves the trusted pages" : "a partner link redirects off the trusted hosts",
+         click("partner"), {},
          [&] { return navigation->refused > 0; }},
         {"pay with the simulated provider", click("pay"), {"PAY_USING_AMAZON_PAY", "ORDER_CONFIRMED_EVENT"}},
     };

@@ -7,6 +7,7 @@
 #include "Compat.hpp"
 #include "GuardLocation.hpp"
 #include "HeaderGuard.hpp"
+#include "LocalSchemes.hpp"
 #include "PageChannel.hpp"
 
 
@@ -231,6 +232,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // request; the view asks it to answer from the page's process, and says so
   // when it does not.
   std::string guardPlace;
+  // The view's local pages, while it is served.
+  std::unique_ptr<local::Serving> localPages;
   DocumentID document = 0;
   DocumentID lastUnstampedDocument = 0;
   std::optional<std::string> committedURL;
@@ -313,6 +316,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   void shutdown() {
     disarmTimeout();
     if (!guardPlace.empty()) GuardRules::of(webkit_web_view_get_context(view)).remove(this);
+    localPages.reset();
     for (const auto& c : connections) g_signal_handler_disconnect(c.instance, c.id);
     connections.clear();
     for (const auto& [name, channel] : channels) {
@@ -686,6 +690,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), request.url, confined,
                                   request.trust);
     }
+    if (localPages) localPages->expect(request.url, request.headersFor(request.url));
     WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
     if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
       for (const auto& [name, value] : fields) soup_message_headers_replace(headers, name.c_str(), value.c_str());
@@ -726,6 +731,7 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context,
                                                           "user-content-manager", s.contentManager, nullptr)));
   g_object_unref(context);
+  s.localPages = local::serve(s.view, configuration.localPages);
   webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), TRUE);
   s.wire();
   if (s.stamped) s.askGuard();

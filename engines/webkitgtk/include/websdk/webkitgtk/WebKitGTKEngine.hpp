@@ -9,6 +9,7 @@
 //   gtk_container_add(GTK_CONTAINER(window), websdk::webkitgtk::widget(view->engine()));
 
 #include "websdk/Export.hpp"
+#include "websdk/webview/LocalPages.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
 #include <chrono>
@@ -18,6 +19,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 namespace websdk::webkitgtk {
 
@@ -75,6 +77,9 @@ struct WEBSDK_EXPORT WebKitGTKConfiguration {
   /// installed package gets the package's own; empty, the engine looks where
   /// it was installed and built. WEBSDK_WEB_EXTENSIONS_DIR, when set, wins.
   std::string webExtensionsDirectory = detail::fromIncludeDirectory(__FILE__, detail::kPackageWebExtensions);
+  /// Pages the view serves itself (app://checkout/...), each under its
+  /// scheme and host. Other views on the same web context do not see them.
+  std::vector<LocalPages> localPages;
 };
 
 /// The main queue on the GLib main context of the thread that made it. post()

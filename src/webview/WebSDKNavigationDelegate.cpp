@@ -5,6 +5,12 @@
 
 namespace websdk {
 
+const std::shared_ptr<WebSDKTrustedHostsNavigationDelegate>& WebSDKTrustedHostsNavigationDelegate::shared() {
+  // Never destroyed: a view torn down as the process ends may still ask it.
+  static const auto* one = new std::shared_ptr(std::make_shared<WebSDKTrustedHostsNavigationDelegate>());
+  return *one;
+}
+
 void WebSDKTrustedHostsNavigationDelegate::didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) {}
 
 void WebSDKTrustedHostsNavigationDelegate::didFinish(WebSDKWebView&, const WebSDKNavigation*) {}

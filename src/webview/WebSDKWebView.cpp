@@ -424,8 +424,8 @@ void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
     log(LogLevel::warning, "navigation",
         "the navigation to " + action.url +
             " waits for a decision, but no navigation delegate is attached, so no page loads: give the view one, "
-            "and keep a reference to it, for the view holds it weakly (WebSDKTrustedHostsNavigationDelegate keeps "
-            "the view on its trusted hosts)");
+            "and keep a reference to it, for the view holds it weakly (WebSDKTrustedHostsNavigationDelegate::shared() "
+            "keeps the view on its trusted hosts and needs no owner)");
 }
 void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
                                     WebSDKNavigationResponseDecision decisionHandler) {

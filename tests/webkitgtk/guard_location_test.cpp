@@ -4,6 +4,7 @@
 
 #include "GuardLocation.hpp"
 #include "HeaderGuard.hpp"
+#include "websdk/Log.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,10 +34,12 @@ class GuardLocation : public ::testing::Test {
     root_ = root;
     g_free(root);
     g_unsetenv(kVariable);
-    handler_ = g_log_set_handler("websdk", G_LOG_LEVEL_MASK, &GuardLocation::record, &warnings);
+    previous_ = setLogSink([this](const LogRecord& r) {
+      if (r.level == LogLevel::warning) warnings.emplace_back(r.message);
+    });
   }
   void TearDown() override {
-    g_log_remove_handler("websdk", handler_);
+    setLogSink(std::move(previous_));
     g_unsetenv(kVariable);
     std::error_code ignored;
     fs::remove_all(root_, ignored);
@@ -52,12 +55,8 @@ class GuardLocation : public ::testing::Test {
     return dir.string();
   }
 
-  static void record(const gchar*, GLogLevelFlags level, const gchar* message, gpointer warnings) {
-    if ((level & G_LOG_LEVEL_WARNING) != 0) static_cast<std::vector<std::string>*>(warnings)->push_back(message);
-  }
-
   fs::path root_;
-  guint handler_ = 0;
+  LogSink previous_;
   std::vector<std::string> warnings;
 };
 

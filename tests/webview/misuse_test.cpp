@@ -32,7 +32,7 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
     std::vector<std::string> words;  // each must appear in the one message
   };
   const auto ask = [](Harness& h, const char* id) {
-    h.post(R"({"type":"GET_LOCAL_CART","requestId":")" + std::string(id) + R"(","payload":{}})");
+    h.post(R"({"type":"GET_LOCAL_CART","requestId":")" + std::string(id) + R"(","payload":{"tenant":{"marketplaceId":"meals"}}})");
   };
   const Row rows[] = {
       {"a load that is not a URL", [](Harness& h) { h.view->loadWebView("not a url", {}, std::nullopt, 5); }, "load",
@@ -81,10 +81,12 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
   };
   for (const auto& row : rows) {
     Harness h;
-    h.view->setCartPlugin(std::make_shared<test::RecordingCart>());
+    const auto cart = std::make_shared<test::RecordingCart>();  // held weakly by the view
+    h.view->setCartPlugin(cart);
     Captured log;
     row.misuse(h);
-    ASSERT_EQ(log.lines.size(), 1u) << row.what << (log.lines.empty() ? "" : ": " + log.lines[0].second);
+    ASSERT_EQ(log.lines.size(), 1u) << row.what << (log.lines.empty() ? "" : ": " + log.lines[0].second) 
+                                    << (log.lines.size() < 2 ? "" : " / " + log.lines[1].second);
     EXPECT_EQ(log.lines[0].first, row.topic) << row.what;
     for (const auto& word : row.words) EXPECT_NE(log.lines[0].second.find(word), std::string::npos)
         << row.what << ": \"" << word << "\" not in: " << log.lines[0].second;
@@ -98,7 +100,7 @@ TEST(Misuse, RightUseIsSilent) {
   Captured log;
   h.view->loadWebView("https://localhost/checkout", {{"token", "a"}}, std::nullopt, 5);
   h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders(WebSDKHeaders{{"name", "O'Brien \"\\ the 2nd\""}}));
-  h.post(R"({"type":"GET_LOCAL_CART","requestId":"1","payload":{}})");
+  h.post(R"({"type":"GET_LOCAL_CART","requestId":"1","payload":{"tenant":{"marketplaceId":"meals"}}})");
   ASSERT_EQ(cart->received.size(), 1u);
   h.view->sendSuccess("1");
   h.engine->queue().drain();

@@ -9,19 +9,46 @@
 #include "HeaderGuard.hpp"
 #include "LocalSchemes.hpp"
 #include "PageChannel.hpp"
+#include "websdk/Log.hpp"
 
 
 #include <cmath>
 #include <limits>
 #include <map>
+#include <mutex>
 #include <utility>
 #include <vector>
 
 namespace websdk::webkitgtk {
 
+// ---- Log -------------------------------------------------------------------------
+
+namespace {
+// The WebSDK's messages as GLib structured log entries of the "websdk"
+// domain, so that G_MESSAGES_DEBUG and a host's own GLib writer see them.
+void toGLib(const LogRecord& record) {
+  const GLogLevelFlags level = record.level == LogLevel::debug  ? G_LOG_LEVEL_DEBUG
+                               : record.level == LogLevel::info ? G_LOG_LEVEL_INFO
+                                                                : G_LOG_LEVEL_WARNING;
+  const std::string message(record.message), topic(record.topic);
+  const GLogField fields[] = {{"GLIB_DOMAIN", "websdk", -1},
+                              {"MESSAGE", message.c_str(), -1},
+                              {"WEBSDK_TOPIC", topic.c_str(), -1}};
+  g_log_structured_array(level, fields, G_N_ELEMENTS(fields));
+}
+}  // namespace
+
+void logToGLib() {
+  static std::once_flag once;
+  std::call_once(once, [] { websdk::detail::setPlatformLogSink(toGLib); });
+}
+
 // ---- Main loop -----------------------------------------------------------------
 
-bool initialize(int* argc, char*** argv) { return gtk_init_check(argc, argv) != FALSE; }
+bool initialize(int* argc, char*** argv) {
+  logToGLib();
+  return gtk_init_check(argc, argv) != FALSE;
+}
 
 bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
   if (done()) return true;
@@ -232,6 +259,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // request; the view asks it to answer from the page's process, and says so
   // when it does not.
   std::string guardPlace;
+  // The web inspector's switch, kept across preference changes.
+  gboolean developerExtras = FALSE;
   // The view's local pages, while it is served.
   std::unique_ptr<local::Serving> localPages;
   DocumentID document = 0;
@@ -317,7 +346,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     disarmTimeout();
     if (!guardPlace.empty()) GuardRules::of(webkit_web_view_get_context(view)).remove(this);
     localPages.reset();
-    for (const auto& c : connections) g_signal_handler_disconnect(c.instance, c.id);
+    // A widget the host destroyed first (with its window) has lost its
+    // handlers already: only those still there are taken off.
+    for (const auto& c : connections)
+      if (g_signal_handler_is_connected(c.instance, c.id)) g_signal_handler_disconnect(c.instance, c.id);
     connections.clear();
     for (const auto& [name, channel] : channels) {
       g_signal_handler_disconnect(contentManager, channel.id);
@@ -595,7 +627,9 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       // The module posts the bridge's messages with their stamp; this one
       // went round it (or the module is not in the page's process).
       if (!std::exchange(warnedUnstamped, true))
-        g_warning("websdk: a \"%s\" message without the module's stamp was dropped", channel::kName);
+        log(LogLevel::warning, "trust",
+            "a \"" + std::string(channel::kName) +
+                "\" message without the header guard module's stamp was dropped: a page script went round it");
       return;
     }
     // Other handlers, or no module: the document is the one last committed,
@@ -667,10 +701,11 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       // Without the module nothing stamps the page's messages either: they
       // are judged as the UI process sees the page, as with no module at all.
       stamped = false;
-      g_warning("websdk: the header guard module did not answer from this view's web process (%s): the app's "
-                "headers are not sent, and page messages are judged by the committed URL alone. It was found in "
-                "%s; a web-extensions directory set on the web context since then must hold %s too.",
-                why.c_str(), guardPlace.c_str(), guard::kModule);
+      log(LogLevel::warning, "engine",
+          "the header guard module did not answer from this view's web process (" + why +
+              "): the app's headers are not sent, and page messages are judged by the committed URL alone. It "
+              "was found in " + guardPlace + "; a web-extensions directory set on the web context since then "
+              "must hold " + guard::kModule + " too.");
     }
   }
 
@@ -707,6 +742,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     // Inline playback belongs to the view's configuration, not to the
     // preferences being replaced, so it carries over.
     webkit_settings_set_media_playback_allows_inline(settings, allowsInlineMediaPlayback);
+    webkit_settings_set_enable_developer_extras(settings, developerExtras);
     webkit_web_view_set_settings(view, settings);
     g_object_unref(settings);
   }
@@ -715,6 +751,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 // ---- WebKitGTKEngine ---------------------------------------------------------------
 
 WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : state_(std::make_shared<State>()) {
+  logToGLib();
   State& s = *state_;
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
   // Before the view exists, so that its first web process loads the guard.
@@ -733,6 +770,9 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
   g_object_unref(context);
   s.localPages = local::serve(s.view, configuration.localPages);
   webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), TRUE);
+  const char* inspector = g_getenv("WEBSDK_INSPECTOR");
+  s.developerExtras = configuration.webInspector || (inspector != nullptr && g_strcmp0(inspector, "1") == 0);
+  webkit_settings_set_enable_developer_extras(webkit_web_view_get_settings(s.view), s.developerExtras);
   s.wire();
   if (s.stamped) s.askGuard();
 }

@@ -5,6 +5,8 @@
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
+#include <memory>
+
 namespace websdk {
 
 class WebSDKWebView;
@@ -53,6 +55,9 @@ class WEBSDK_EXPORT WebSDKNavigationDelegate {
 /// there a frame off the whitelist is refused too.
 class WEBSDK_EXPORT WebSDKTrustedHostsNavigationDelegate : public WebSDKNavigationDelegate {
  public:
+  /// One for every view, alive as long as the process: a view holds its
+  /// delegate weakly, and this one needs no owner.
+  static const std::shared_ptr<WebSDKTrustedHostsNavigationDelegate>& shared();
   using WebSDKNavigationDelegate::decidePolicyFor;
   void didStartProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation) override;
   void didFinish(WebSDKWebView& webView, const WebSDKNavigation* navigation) override;

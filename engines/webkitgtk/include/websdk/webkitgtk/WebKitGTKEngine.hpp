@@ -27,6 +27,11 @@ namespace websdk::webkitgtk {
 /// thread. False when there is no display to open.
 WEBSDK_EXPORT bool initialize(int* argc = nullptr, char*** argv = nullptr);
 
+/// Sends the WebSDK's log (websdk/Log.hpp) to GLib's structured log under the
+/// "websdk" domain unless the host set a sink of its own. initialize() and
+/// every engine do this; a host logging before either may call it first.
+WEBSDK_EXPORT void logToGLib();
+
 /// Runs the UI thread's GLib main loop until `done()` holds or `bound` has
 /// passed; returns whether `done()` holds. For tools and tests that drive the
 /// engine without a GTK main loop of their own.
@@ -77,6 +82,9 @@ struct WEBSDK_EXPORT WebKitGTKConfiguration {
   /// installed package gets the package's own; empty, the engine looks where
   /// it was installed and built. WEBSDK_WEB_EXTENSIONS_DIR, when set, wins.
   std::string webExtensionsDirectory = detail::fromIncludeDirectory(__FILE__, detail::kPackageWebExtensions);
+  /// The web inspector (right-click, Inspect Element) for page developers.
+  /// WEBSDK_INSPECTOR=1 in the environment turns it on too.
+  bool webInspector = false;
   /// Pages the view serves itself (app://checkout/...), each under its
   /// scheme and host. Other views on the same web context do not see them.
   std::vector<LocalPages> localPages;

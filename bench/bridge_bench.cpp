@@ -39,7 +39,8 @@ std::string request232(std::string_view type, std::string_view payload) {
 }
 
 const std::string kFirst = request232("GET_LOCATION", R"({"accuracyLevel":2,"purpose":"delivery"})");
-const std::string kCart = request232("GET_LOCAL_CART", R"({"tenant":{"marketplaceId":"12","marketplaceCategory":"food"}})");
+const std::string kCart =
+    request232("GET_LOCAL_CART", R"({"tenant":{"marketplaceId":"12","marketplaceCategory":"food"}})");
 const std::string kLast = request232("UPDATE_MENU_ITEM_LIST", R"({"id":"12","items":[]})");
 
 void BoostParse(benchmark::State& state) {

@@ -121,8 +121,8 @@ class Floor {
     script.append(self.prefix_).append(s.substr(start, end - start)).append(self.suffix_);
     g_free(text);
     g_object_unref(message);
-    webkit_web_view_evaluate_javascript(self.view_, script.data(), static_cast<gssize>(script.size()), nullptr,
-                                        nullptr, nullptr, nullptr, nullptr);
+    webkit_web_view_evaluate_javascript(self.view_, script.data(), static_cast<gssize>(script.size()), nullptr, nullptr,
+                                        nullptr, nullptr, nullptr);
   }
   static void onDone(WebKitUserContentManager*, WebKitJavascriptResult*, gpointer data) {
     static_cast<Floor*>(data)->done_ = true;

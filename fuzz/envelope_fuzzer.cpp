@@ -111,7 +111,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (int i = 8; i >= 1; --i) rawCode = static_cast<std::int64_t>(static_cast<std::uint64_t>(rawCode) << 8 | head[i]);
 
   std::string_view rest;
-  if (size > head.size()) rest = std::string_view(reinterpret_cast<const char*>(data) + head.size(), size - head.size());
+  if (size > head.size())
+    rest = std::string_view(reinterpret_cast<const char*>(data) + head.size(), size - head.size());
   std::array<std::string, 3> parts;  // request id, message, payload
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const auto cut = i + 1 < parts.size() ? rest.find('\xFF') : std::string_view::npos;
@@ -139,9 +140,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const JSONObject dictionary{{"text", payload.value_or("")}};
   switch ((flags & operation) >> 4) {
     case 0:
-      if (payload) view->sendWebSDKResponse(*payload, type, requestId, code, message);
-      else if (type == WebSDKResponseType::success) view->sendSuccess(requestId, code, message);
-      else view->sendFailure(requestId, code, message);
+      if (payload)
+        view->sendWebSDKResponse(*payload, type, requestId, code, message);
+      else if (type == WebSDKResponseType::success)
+        view->sendSuccess(requestId, code, message);
+      else
+        view->sendFailure(requestId, code, message);
       break;
     case 1:
       view->sendWebSDKResponse(dictionary, type, requestId, code, message);
@@ -149,12 +153,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       break;
     case 2:
       view->sendWebSDKResponse(type, requestId, payload);
-      expected = {std::string(rawValue(type)), defaultCode, std::nullopt, requestId, isUTF8(payload) ? payload : std::nullopt};
+      expected = {std::string(rawValue(type)), defaultCode, std::nullopt, requestId,
+                  isUTF8(payload) ? payload : std::nullopt};
       notifies = false;
       break;
     default:
-      view->sendWebSDKResponse(WebSDKResponseProtocol(std::map<std::string, std::string>{{"text", payload.value_or("")}}),
-                               type, requestId, code, message);
+      view->sendWebSDKResponse(
+          WebSDKResponseProtocol(std::map<std::string, std::string>{{"text", payload.value_or("")}}), type, requestId,
+          code, message);
       expected.payload = rendered(dictionary);
       break;
   }
@@ -166,7 +172,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   if (evaluations.size() != 1) fail("not exactly one evaluation");
-  if (evaluations[0].script != nativeResponseScript(expected)) fail("evaluated another envelope", evaluations[0].script);
+  if (evaluations[0].script != nativeResponseScript(expected))
+    fail("evaluated another envelope", evaluations[0].script);
   if (listener->responses.size() != (notifies ? 1u : 0u)) fail("listener not told as the operation says");
   if (notifies && !(listener->responses[0] == expected)) fail("listener told of another envelope");
   return 0;

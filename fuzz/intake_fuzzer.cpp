@@ -28,10 +28,10 @@ enum Flag : std::uint8_t {
   bodyShape = 3 << 1,  // 0: {"message": text}, 1: text parsed as the body,
                        // 2: {"message": text parsed}, 3: text as a bare string body
   whitelistAll = 1 << 3,
-  detached = 1 << 4,       // resetWebView() before the message
-  unsubscribed = 1 << 5,   // no host object registered
-  readyEncoded = 1 << 6,   // the host answers through the ready-encoded overload
-  extraMembers = 1 << 7,   // {"message": text, ...other members}
+  detached = 1 << 4,      // resetWebView() before the message
+  unsubscribed = 1 << 5,  // no host object registered
+  readyEncoded = 1 << 6,  // the host answers through the ready-encoded overload
+  extraMembers = 1 << 7,  // {"message": text, ...other members}
 };
 
 [[noreturn]] void fail(const char* what, std::string_view detail = {}) {
@@ -95,22 +95,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   testing::TestingEngine& engine = *owned;
   engine.setURL(url);
   auto listener = std::make_shared<Listener>();
-  auto view = WebSDKWebView::create(std::move(owned), {"localhost", "example.com"}, nullptr, nullptr, nullptr,
-                                    listener, nullptr, (flags & whitelistAll) != 0);
+  auto view = WebSDKWebView::create(std::move(owned), {"localhost", "example.com"}, nullptr, nullptr, nullptr, listener,
+                                    nullptr, (flags & whitelistAll) != 0);
 
   // The host answers every request it gets, on the main queue's path or at once.
   int delivered = 0;
   std::string deliveredFamily;
-  auto host = std::make_shared<testing::EveryFamilyHost>(
-      [&](const testing::EveryFamilyHost::Delivery& d) {
-        ++delivered;
-        deliveredFamily = d.family;
-        JSONObject answer{{"family", d.family}, {"payload", d.payload}};
-        if (flags & readyEncoded)
-          view->sendWebSDKResponse(WebSDKResponseType::success, d.requestId, serialize(answer));
-        else
-          view->sendWebSDKResponse(answer, WebSDKResponseType::success, d.requestId);
-      });
+  auto host = std::make_shared<testing::EveryFamilyHost>([&](const testing::EveryFamilyHost::Delivery& d) {
+    ++delivered;
+    deliveredFamily = d.family;
+    JSONObject answer{{"family", d.family}, {"payload", d.payload}};
+    if (flags & readyEncoded)
+      view->sendWebSDKResponse(WebSDKResponseType::success, d.requestId, serialize(answer));
+    else
+      view->sendWebSDKResponse(answer, WebSDKResponseType::success, d.requestId);
+  });
   if (!(flags & unsubscribed)) testing::registerForEveryFamily(*view, host);
   if (flags & detached) view->resetWebView();
 
@@ -148,8 +147,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // that one answer is dropped whole rather than sent broken. Without a page
   // there is no document to answer in.
   const bool answerable = url && (isValidUTF8(*url) || view->webSDKConfig.isWhitelistedURL(*url));
-  if (evaluations.size() > 1 || (answerable && evaluations.size() != 1))
-    fail("not exactly one answer", requestText);
+  if (evaluations.size() > 1 || (answerable && evaluations.size() != 1)) fail("not exactly one answer", requestText);
   if (evaluations.empty()) return 0;
 
   const JSONObject envelope = envelopeOf(evaluations[0].script);

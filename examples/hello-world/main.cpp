@@ -16,7 +16,8 @@ window.webkit.messageHandlers.nativeRequest.postMessage({ message: JSON.stringif
 struct Cart final : DvCartWebViewCallBacks {
   std::weak_ptr<WebSDKWebView> view;
   void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
-    if (auto v = view.lock()) v->sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success, request.requestId);
+    if (auto v = view.lock())
+      v->sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success, request.requestId);
   }
 };
 
@@ -37,8 +38,8 @@ int main(int argc, char** argv) {
 
   if (argc > 1 && std::string_view(argv[1]) == "--once") {
     WebKitWebView* page = webkitgtk::nativeWebView(view->engine());
-    return webkitgtk::runUntil([&] { return g_strcmp0(webkit_web_view_get_title(page), "cart: 2") == 0; },
-                               std::chrono::seconds(30)) ? 0 : 1;
+    const auto answered = [&] { return g_strcmp0(webkit_web_view_get_title(page), "cart: 2") == 0; };
+    return webkitgtk::runUntil(answered, std::chrono::seconds(30)) ? 0 : 1;
   }
   g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
   gtk_main();

@@ -26,7 +26,8 @@ int main() {
   view->loadWebView("https://shop.example/checkout", {{"x-app", "minimal-host"}}, std::nullopt, 30);
   page.setURL("https://shop.example/checkout");
   page.postRequest(R"({"type":"GET_LOCAL_CART","requestId":"1","payload":{"tenant":{"marketplaceId":"meals"}}})");
-  page.postRequest(R"({"type":"APPLY_COUPON","requestId":"2","payload":{"restaurantId":"77","cart_total_shown_to_coupon":498}})");
+  page.postRequest(
+      R"({"type":"APPLY_COUPON","requestId":"2","payload":{"restaurantId":"77","cart_total_shown_to_coupon":498}})");
   page.postRequest(R"({"type":"CLEAR_LOCAL_CART","requestId":"3"})");
   page.postRequest(R"({"type":"GET_LOCATION","requestId":"4"})");  // no generic plugin here
 
@@ -48,9 +49,9 @@ int main() {
   auto code = [&](const std::string& id) { return Fields(&answers[id]).integer("statusCode"); };
   auto payload = [&](const std::string& id) { return parseJSON(Fields(&answers[id]).lenientString("payload")); };
   const JSON cartAnswer = payload("1"), couponAnswer = payload("2");
-  const bool ok = answers.size() == 4 && code("1") == 0 && Fields::of(&cartAnswer).lenientString("marketplaceId") == "meals" &&
-                  code("2") == 0 && Fields::of(&couponAnswer).number("total") == 448 && code("3") == 1003 &&
-                  code("4") == 1004;
+  const bool ok = answers.size() == 4 && code("1") == 0 &&
+                  Fields::of(&cartAnswer).lenientString("marketplaceId") == "meals" && code("2") == 0 &&
+                  Fields::of(&couponAnswer).number("total") == 448 && code("3") == 1003 && code("4") == 1004;
   std::cout << (ok ? "minimal-host: every answer as expected" : "minimal-host: unexpected answers") << std::endl;
   return ok ? 0 : 1;
 }

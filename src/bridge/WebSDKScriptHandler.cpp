@@ -185,8 +185,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   {
     // Not held past the check: a plugin may drop the host's last reference.
     const auto view = webview.lock();
-    const std::string& judged =
-        view && view->webSDKConfig.judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
+    const std::string& judged = view && view->webSDKConfig.judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
     // A refused page's text is never parsed: its request id is looked for
     // near the start only, so no size of message stalls the UI thread.
     if (!view || judged.empty() || !isTrusted(view->webSDKConfig, judged)) {
@@ -194,7 +193,8 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       if (view)
         log(LogLevel::warning, "trust",
             "a request from " + (judged.empty() ? std::string("a page with no URL") : judged) + " (action \"" +
-                shown(start.type) + "\", request id \"" + shown(start.found) + "\") was refused: its host is not whitelisted");
+                shown(start.type) + "\", request id \"" + shown(start.found) +
+                "\") was refused: its host is not whitelisted");
       answerFailure(start.found.value_or(""), WebSDKStatusCode::notWhitelistedUrl,
                     judged.empty() ? std::nullopt : std::optional<std::string>(judged), origin.topDocument);
       return;
@@ -222,8 +222,9 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       }
       if (route != table.byAction.end()) {
         std::string_view failureMessage;
-        switch (table.trials[route->second.family](*this, origin.topDocument, route->second.action, requestId->get_string(),
-                                                   fields->if_contains("payload"), failureMessage)) {
+        switch (table.trials[route->second.family](*this, origin.topDocument, route->second.action,
+                                                   requestId->get_string(), fields->if_contains("payload"),
+                                                   failureMessage)) {
           case Trial::delivered:
           case Trial::dropped: return;
           case Trial::notSubscribed:

@@ -30,7 +30,6 @@ int escapedUnit(std::string_view text, std::size_t i) {
   return unit;
 }
 
-
 JSON parse(std::string_view text, boost::json::error_code& ec) {
   boost::json::parse_options options;
   options.max_depth = kMaxJSONDepth;
@@ -45,8 +44,7 @@ JSON parse(std::string_view text, boost::json::error_code& ec) {
 std::optional<std::string> replaceLoneSurrogates(std::string_view text) {
   std::string out;
   std::size_t copied = 0;
-  for (std::size_t i = text.find('\\'); i != std::string_view::npos && i + 1 < text.size();
-       i = text.find('\\', i)) {
+  for (std::size_t i = text.find('\\'); i != std::string_view::npos && i + 1 < text.size(); i = text.find('\\', i)) {
     const int unit = escapedUnit(text, i);
     if (unit < 0xD800 || unit > 0xDFFF) {
       i += 2;  // any other escape, "\\" included

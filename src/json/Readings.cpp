@@ -65,7 +65,8 @@ std::int64_t lenientIntOf(const JSON* v) {
   switch (v->kind()) {
     case boost::json::kind::int64: return v->get_int64();
     case boost::json::kind::uint64:
-      return static_cast<std::int64_t>(std::min<std::uint64_t>(v->get_uint64(), std::numeric_limits<std::int64_t>::max()));
+      return static_cast<std::int64_t>(
+          std::min<std::uint64_t>(v->get_uint64(), std::numeric_limits<std::int64_t>::max()));
     case boost::json::kind::double_: return saturate(v->get_double());
     case boost::json::kind::bool_: return v->get_bool() ? 1 : 0;
     case boost::json::kind::string: {

@@ -90,10 +90,14 @@ std::size_t checkSequences(std::string_view s, std::size_t i) {
     if (c < 0x80) return i;
     std::size_t len;
     std::uint32_t cp;
-    if ((c & 0xE0) == 0xC0) len = 2, cp = c & 0x1F;
-    else if ((c & 0xF0) == 0xE0) len = 3, cp = c & 0x0F;
-    else if ((c & 0xF8) == 0xF0) len = 4, cp = c & 0x07;
-    else return kNotUTF8;
+    if ((c & 0xE0) == 0xC0)
+      len = 2, cp = c & 0x1F;
+    else if ((c & 0xF0) == 0xE0)
+      len = 3, cp = c & 0x0F;
+    else if ((c & 0xF8) == 0xF0)
+      len = 4, cp = c & 0x07;
+    else
+      return kNotUTF8;
     if (i + len > n) return kNotUTF8;
     for (std::size_t k = 1; k < len; ++k) {
       const auto cc = static_cast<unsigned char>(s[i + k]);

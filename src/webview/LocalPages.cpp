@@ -31,7 +31,9 @@ std::optional<Parts> partsOf(std::string_view url) {
   return Parts{url.substr(0, colon), rest.substr(0, end), rest.substr(end)};
 }
 
-LocalAnswer refusal(int status, std::string_view why) { return LocalAnswer{status, std::string(kText), std::string(why), ""}; }
+LocalAnswer refusal(int status, std::string_view why) {
+  return LocalAnswer{status, std::string(kText), std::string(why), ""};
+}
 
 // The file `relative` names under `folder`, once every link on the way is
 // followed: a link that leads out of the folder serves nothing.
@@ -50,7 +52,8 @@ LocalAnswer fromFolder(const std::string& folder, const std::string& relative) {
 bool isHostName(std::string_view host) {
   if (host.empty() || host.front() == '.' || host.back() == '.' || host.find("..") != std::string_view::npos)
     return false;
-  return std::ranges::all_of(host, [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.'; });
+  return std::ranges::all_of(
+      host, [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.'; });
 }
 
 }  // namespace
@@ -119,12 +122,12 @@ std::string mimeTypeFor(std::string_view path) {
 
 std::string LocalPages::problem() const {
   // Schemes the web or the engine already gives a meaning to.
-  static constexpr std::array<std::string_view, 12> kTaken{"about", "blob", "data",     "file", "filesystem", "ftp",
-                                                           "http",  "https", "javascript", "resource", "ws", "wss"};
-  const bool schemeSyntax = !scheme.empty() && scheme.front() >= 'a' && scheme.front() <= 'z' &&
-                            std::ranges::all_of(scheme, [](char c) {
-                              return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
-                            });
+  static constexpr std::array<std::string_view, 12> kTaken{
+      "about", "blob", "data", "file", "filesystem", "ftp", "http", "https", "javascript", "resource", "ws", "wss"};
+  const bool schemeSyntax =
+      !scheme.empty() && scheme.front() >= 'a' && scheme.front() <= 'z' && std::ranges::all_of(scheme, [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+      });
   if (!schemeSyntax) return "the scheme \"" + scheme + "\" is not a lowercase URL scheme";
   if (std::ranges::find(kTaken, scheme) != kTaken.end() || scheme.starts_with("webkit"))
     return "the scheme \"" + scheme + "\" is the engine's own";
@@ -153,7 +156,8 @@ LocalAnswer LocalPages::answer(const LocalRequest& request) const {
   }
   LocalAnswer answer;
   if (found) {
-    answer = LocalAnswer{200, found->mimeType.empty() ? mimeTypeFor(*path) : found->mimeType, std::move(found->bytes), ""};
+    answer =
+        LocalAnswer{200, found->mimeType.empty() ? mimeTypeFor(*path) : found->mimeType, std::move(found->bytes), ""};
   } else if (!folder.empty()) {
     answer = fromFolder(folder, *path);
   } else {
@@ -170,7 +174,8 @@ const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url
   const auto parts = partsOf(url);
   if (!parts) return nullptr;
   for (const auto& pages : all) {
-    const bool sameScheme = std::ranges::equal(parts->scheme, pages.scheme, [](char a, char b) { return lower(a) == b; });
+    const bool sameScheme =
+        std::ranges::equal(parts->scheme, pages.scheme, [](char a, char b) { return lower(a) == b; });
     if (sameScheme && parts->authority == pages.host && pages.problem().empty()) return &pages;
   }
   return nullptr;

@@ -14,7 +14,8 @@ HeaderFields URLRequest::headersFor(std::string_view target) const {
   if (confinedHeaders.empty() || trust.isWhitelistedURL(target)) return headers;
   HeaderFields kept;
   for (const auto& field : headers)
-    if (std::ranges::none_of(confinedHeaders, [&](const std::string& name) { return sameFieldName(name, field.first); }))
+    if (std::ranges::none_of(confinedHeaders,
+                             [&](const std::string& name) { return sameFieldName(name, field.first); }))
       kept.push_back(field);
   return kept;
 }

@@ -10,8 +10,7 @@ namespace {
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
 
 bool isSchemeChar(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '-' ||
-         c == '.';
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
 }
 
 bool isSpecial(std::string_view scheme) {
@@ -160,7 +159,8 @@ std::optional<std::string> canonicalURL(std::string_view url) {
 
   std::size_t colon = 0;
   while (colon < input.size() && isSchemeChar(input[colon])) ++colon;
-  if (colon == 0 || colon == input.size() || input[colon] != ':' || !((lower(input[0]) >= 'a' && lower(input[0]) <= 'z')))
+  if (colon == 0 || colon == input.size() || input[colon] != ':' ||
+      !((lower(input[0]) >= 'a' && lower(input[0]) <= 'z')))
     return std::nullopt;
   std::string scheme;
   for (std::size_t i = 0; i < colon; ++i) scheme += lower(input[i]);
@@ -196,8 +196,8 @@ std::optional<std::string> canonicalURL(std::string_view url) {
     if (scheme == "file" && host == "localhost") host.clear();
   } else {
     for (const char c : hostText)
-      if (static_cast<unsigned char>(c) >= 0x80 || (c != '%' && isForbiddenHostChar(static_cast<unsigned char>(c)) &&
-                                                     c != '[' && c != ']' && c != ':'))
+      if (static_cast<unsigned char>(c) >= 0x80 ||
+          (c != '%' && isForbiddenHostChar(static_cast<unsigned char>(c)) && c != '[' && c != ']' && c != ':'))
         return std::nullopt;
     host = hostText;
   }
@@ -205,7 +205,7 @@ std::optional<std::string> canonicalURL(std::string_view url) {
   out += userinfo;
   out += host;
   // A special scheme's default port is left out, as the engine leaves it.
-  const std::string_view defaultPort = scheme == "http" || scheme == "ws" ? ":80"
+  const std::string_view defaultPort = scheme == "http" || scheme == "ws"     ? ":80"
                                        : scheme == "https" || scheme == "wss" ? ":443"
                                        : scheme == "ftp"                      ? ":21"
                                                                               : "";

@@ -22,13 +22,12 @@ void WebSDKTrustedHostsNavigationDelegate::didFailProvisionalNavigation(WebSDKWe
       "the load of " + (navigation ? navigation->url : std::string("a page")) + " failed: " + error.description);
 }
 
-void WebSDKTrustedHostsNavigationDelegate::decidePolicyFor(WebSDKWebView& webView,
-                                                           const WebSDKNavigationAction& action,
+void WebSDKTrustedHostsNavigationDelegate::decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
                                                            WebSDKNavigationActionDecision decisionHandler) {
   // Frames (a bank's 3-D Secure page, say) are the page's business: they get
   // neither the app's headers nor the bridge unless their host is trusted.
-  const bool stays = !action.isMainFrame || action.url.starts_with("about:") ||
-                     webView.webSDKConfig.isWhitelistedURL(action.url);
+  const bool stays =
+      !action.isMainFrame || action.url.starts_with("about:") || webView.webSDKConfig.isWhitelistedURL(action.url);
   if (!stays) refused(webView, action);
   decisionHandler(stays ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
 }

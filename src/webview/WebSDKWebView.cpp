@@ -77,15 +77,15 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   // Whatever thread lets the last reference go (a worker answering through a
   // weak reference, say), the view and its engine are torn down on the UI
   // thread: engines may be touched nowhere else.
-  auto view = std::shared_ptr<WebSDKWebView>(new WebSDKWebView(Passkey{}, std::move(engine), config),
-                                             [](WebSDKWebView* v) {
-                                               MainQueue& queue = v->engine_->mainQueue();
-                                               if (queue.isUIThread()) {
-                                                 delete v;
-                                               } else {
-                                                 queue.post([v] { delete v; });
-                                               }
-                                             });
+  auto view =
+      std::shared_ptr<WebSDKWebView>(new WebSDKWebView(Passkey{}, std::move(engine), config), [](WebSDKWebView* v) {
+        MainQueue& queue = v->engine_->mainQueue();
+        if (queue.isUIThread()) {
+          delete v;
+        } else {
+          queue.post([v] { delete v; });
+        }
+      });
   // Wiring needs the shared owner, so it happens once the view exists.
   WebSDKScriptHandler& h = *view->handler_;
   h.webview = view;
@@ -139,8 +139,12 @@ void WebSDKWebView::setChatConversationPlugin(const std::shared_ptr<DvWebViewCha
   handler_->chatConversationDelegate = p;
 }
 void WebSDKWebView::setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& p) { handler_->cartDelegate = p; }
-void WebSDKWebView::setPXCartPlugin(const std::shared_ptr<DvPXCartWebViewCallBacks>& p) { handler_->pxCartDelegate = p; }
-void WebSDKWebView::setVRCartPlugin(const std::shared_ptr<DvVRCartWebViewCallBacks>& p) { handler_->vrCartDelegate = p; }
+void WebSDKWebView::setPXCartPlugin(const std::shared_ptr<DvPXCartWebViewCallBacks>& p) {
+  handler_->pxCartDelegate = p;
+}
+void WebSDKWebView::setVRCartPlugin(const std::shared_ptr<DvVRCartWebViewCallBacks>& p) {
+  handler_->vrCartDelegate = p;
+}
 void WebSDKWebView::setGiftingCartPlugin(const std::shared_ptr<DvGiftingCartWebViewCallBacks>& p) {
   handler_->giftingCartDelegate = p;
 }
@@ -154,7 +158,8 @@ void WebSDKWebView::setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCal
 
 void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
                                 const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
-  if (carriedToUIThread([=](WebSDKWebView& v) { v.loadWebView(with, requestHeaders, externalHeaders, timeoutInterval); }))
+  if (carriedToUIThread(
+          [=](WebSDKWebView& v) { v.loadWebView(with, requestHeaders, externalHeaders, timeoutInterval); }))
     return;
   // The load is judged and made in the form the engine itself would load:
   // judging the raw text could trust a host the engine then does not reach.
@@ -182,8 +187,9 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
       std::erase_if(headers, [&](const auto& field) { return sameFieldName(field.first, external.first); });
       headers.insert_or_assign(external.first, external.second);
     }
-  URLRequest request{*canonical, {headers.begin(), headers.end()}, timeoutInterval,
-                     URLRequestCachePolicy::useProtocolCachePolicy, std::move(confined), webSDKConfig};
+  URLRequest request{*canonical,          {headers.begin(), headers.end()},
+                     timeoutInterval,     URLRequestCachePolicy::useProtocolCachePolicy,
+                     std::move(confined), webSDKConfig};
   engine_->load(request);
 }
 
@@ -193,7 +199,8 @@ void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
     log(LogLevel::warning, "headers",
         "executeJSScript: the header text holds " + *breaking +
             ", which ends the header script's string early: the script will not run and the page gets no "
-            "window.__native_headers__. The text is inserted as it stands; make it with WebSDKAppFunctions::nativeHeaders(fields).");
+            "window.__native_headers__. The text is inserted as it stands; make it with "
+            "WebSDKAppFunctions::nativeHeaders(fields).");
   engine_->addUserScript(UserScript{type.script()});
 }
 
@@ -282,31 +289,31 @@ void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<Document
   // One task per answer: answers keep their place among everything else the
   // host posts to the main queue. The task holds the view weakly: answers
   // queued for a view that is gone by then do nothing.
-  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script), response = std::move(response),
-                             document]() mutable {
-    const auto view = weak.lock();
-    if (!view) {
-      log(LogLevel::warning, "answer",
-          "the answer to request id \"" + response.requestId + "\" came after its web view was torn down; dropped");
-      return;
-    }
-    WebSDKDropReason why = WebSDKDropReason::documentGone;
-    const auto target = document ? document : view->answerTarget(response.requestId, why);
-    if (!target) return view->tellDropped(response, why);
-    // Hearing back costs a trip from the page: asked for only when a
-    // listener wants to know of answers that never ran.
-    view->engine_->evaluateInDocument(
-        *target, std::move(script),
-        view->webJSCommunicatorDelegate.expired() ? nullptr : view->dropNotice(std::move(response)));
-  });
+  engine_->mainQueue().post(
+      [weak = weak_from_this(), script = std::move(*script), response = std::move(response), document]() mutable {
+        const auto view = weak.lock();
+        if (!view) {
+          log(LogLevel::warning, "answer",
+              "the answer to request id \"" + response.requestId + "\" came after its web view was torn down; dropped");
+          return;
+        }
+        WebSDKDropReason why = WebSDKDropReason::documentGone;
+        const auto target = document ? document : view->answerTarget(response.requestId, why);
+        if (!target) return view->tellDropped(response, why);
+        // Hearing back costs a trip from the page: asked for only when a
+        // listener wants to know of answers that never ran.
+        view->engine_->evaluateInDocument(
+            *target, std::move(script),
+            view->webJSCommunicatorDelegate.expired() ? nullptr : view->dropNotice(std::move(response)));
+      });
 }
 
 void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
                             std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage) {
   const std::int64_t code = statusCode.value_or(
       rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown));
-  deliver(WebSDKResponseModel{std::string(rawValue(type)), code, std::move(statusMessage), requestId,
-                              std::move(payload)});
+  deliver(
+      WebSDKResponseModel{std::string(rawValue(type)), code, std::move(statusMessage), requestId, std::move(payload)});
 }
 
 void WebSDKWebView::sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
@@ -340,7 +347,8 @@ void WebSDKWebView::sendFailure(const std::string& requestId, std::optional<std:
 void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
                                        const std::optional<std::string>& encoder) {
   if (carriedToUIThread([=](WebSDKWebView& v) { v.sendWebSDKResponse(type, requestId, encoder); })) return;
-  const auto code = rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
+  const auto code =
+      rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
   WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, encoder};
   auto script = nativeResponseScript(response);
   // A payload that is not UTF-8 is left out; a request id that is not drops the answer.
@@ -352,13 +360,11 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
   WebSDKDropReason why = WebSDKDropReason::documentGone;
   const auto target = answerTarget(requestId, why);
   if (!target) return tellDropped(response, why);
-  engine_->evaluateInDocument(*target, std::move(*script),
-                              [dropped = dropNotice(std::move(response))](ScriptResult result) {
-                                if (result.error)
-                                  std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error
-                                            << std::endl;
-                                dropped(std::move(result));
-                              });
+  engine_->evaluateInDocument(
+      *target, std::move(*script), [dropped = dropNotice(std::move(response))](ScriptResult result) {
+        if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
+        dropped(std::move(result));
+      });
 }
 
 // ---- Page events ---------------------------------------------------------------
@@ -386,9 +392,8 @@ void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
 
 void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
                                                     WebSDKJSCompletionHandler completionHandler) {
-  if (carriedToUIThread([type, completionHandler](WebSDKWebView& v) {
-        v.executeJSFunctionWithCompletion(type, completionHandler);
-      }))
+  if (carriedToUIThread(
+          [type, completionHandler](WebSDKWebView& v) { v.executeJSFunctionWithCompletion(type, completionHandler); }))
     return;
   push(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
     // A script error, or a page that never ran it, is not passed on: the
@@ -435,8 +440,7 @@ void WebSDKWebView::didReceive(const WebSDKAuthenticationChallenge& challenge,
                                WebSDKAuthChallengeCompletion completionHandler) {
   if (auto d = webSDKNavigationDelegate.lock()) return d->didReceive(*this, challenge, std::move(completionHandler));
   log(LogLevel::warning, "navigation",
-      "an authentication challenge from " + challenge.host +
-          " is never answered: no navigation delegate is attached");
+      "an authentication challenge from " + challenge.host + " is never answered: no navigation delegate is attached");
 }
 
 }  // namespace websdk

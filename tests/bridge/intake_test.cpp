@@ -84,8 +84,8 @@ TEST(Intake, ARequestOfEveryFamilyWithoutItsPluginGetsTheFamilysMessage) {
     messages.insert(F::failureMessage);
     for (const auto& entry : enumTable<typename F::Action>) {
       for (const char* payload : {"{}", R"({"tenant":{},"restaurantId":"1","orderId":"1","juspayParams":{}})"}) {
-        const std::string text = std::string(R"({"type":")") + std::string(entry.raw) +
-                                 R"(","requestId":"r","payload":)" + payload + "}";
+        const std::string text =
+            std::string(R"({"type":")") + std::string(entry.raw) + R"(","requestId":"r","payload":)" + payload + "}";
         typename F::Request request{entry.value, "r", parseJSON(payload).as_object()};
         if (!F::Payload::validateRequest(request)) continue;
         Harness h;
@@ -199,9 +199,9 @@ TEST(Intake, MalformedMessagesAreDroppedSilently) {
   const std::string valid = R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})";
   // A message to another name never reaches the handler's logic.
   h.view->handler()->userContentController(ScriptMessage{"otherHandler", JSONObject{{"message", valid}}, {}});
-  h.engine->postScriptMessage("nativeRequest", JSON(valid));                                 // body not a dictionary
-  h.engine->postScriptMessage("nativeRequest", JSONObject{{"msg", valid}});                  // no "message"
-  h.engine->postScriptMessage("nativeRequest", JSONObject{{"message", parseJSON(valid)}});   // not a string
+  h.engine->postScriptMessage("nativeRequest", JSON(valid));                                // body not a dictionary
+  h.engine->postScriptMessage("nativeRequest", JSONObject{{"msg", valid}});                 // no "message"
+  h.engine->postScriptMessage("nativeRequest", JSONObject{{"message", parseJSON(valid)}});  // not a string
   h.engine->postScriptMessage("nativeRequest", JSON(nullptr));
   h.engine->queue().drain();
   EXPECT_TRUE(cart->received.empty());

@@ -1,5 +1,5 @@
-#include "websdk/testing/EveryFamilyHost.hpp"
 #include "support/Harness.hpp"
+#include "websdk/testing/EveryFamilyHost.hpp"
 
 #include <gtest/gtest.h>
 
@@ -65,11 +65,10 @@ TEST(Lifetimes, HostObjectsReleasedOnAnotherThreadWhileTheirRequestsArrive) {
   for (int round = 0; round < 100; ++round) {
     SCOPED_TRACE(round);
     std::size_t delivered = 0;
-    auto host = std::make_shared<EveryFamilyHost>(
-        [&](const EveryFamilyHost::Delivery& d) {
-          EXPECT_EQ(d.family, requests[delivered % requests.size()].family);
-          ++delivered;
-        });
+    auto host = std::make_shared<EveryFamilyHost>([&](const EveryFamilyHost::Delivery& d) {
+      EXPECT_EQ(d.family, requests[delivered % requests.size()].family);
+      ++delivered;
+    });
     testing::registerForEveryFamily(*h.view, host);
     const std::size_t answeredBefore = h.listener->responses.size();
 

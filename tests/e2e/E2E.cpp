@@ -81,8 +81,8 @@ void E2ETest::expectLoadWithoutTheAppsHeaders(const std::string& path) {
 void E2ETest::postFromPage(const std::string& requestText) {
   JSONObject body;
   body.emplace("message", requestText);
-  view->engine().evaluateJavaScript(
-      "window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(body) + ")", nullptr);
+  view->engine().evaluateJavaScript("window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(body) + ")",
+                                    nullptr);
 }
 
 std::optional<JSON> E2ETest::evaluate(const std::string& script) {

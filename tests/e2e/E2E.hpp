@@ -138,8 +138,7 @@ class LoopbackServer {
     }
     const std::string& html = it == self.pages_.end() ? *self.fallback_ : it->second;
     soup_server_message_set_status(message, 200, nullptr);
-    soup_server_message_set_response(message, "text/html; charset=utf-8", SOUP_MEMORY_COPY, html.data(),
-                                     html.size());
+    soup_server_message_set_response(message, "text/html; charset=utf-8", SOUP_MEMORY_COPY, html.data(), html.size());
   }
 
   SoupServer* server_ = nullptr;

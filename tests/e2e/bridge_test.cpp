@@ -61,8 +61,12 @@ TEST_F(BridgeTest, TheBridgesOwnFailuresReachThePage) {
   postFromPage(R"({"type":"NO_SUCH_ACTION","requestId":"a"})");
   postFromPage(std::string(kGetCart));  // no cart plugin registered
   ASSERT_TRUE(waitForResponses(2));
-  EXPECT_EQ(responses()[0], parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":"not a valid request","requestId":"a"})"));
-  EXPECT_EQ(responses()[1], parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":"Cart Plugin not subscribed or not a valid request","requestId":"7"})"));
+  EXPECT_EQ(responses()[0],
+            parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":"not a valid request","requestId":"a"})"));
+  EXPECT_EQ(
+      responses()[1],
+      parseJSON(
+          R"({"type":"FAILED","statusCode":1004,"statusMessage":"Cart Plugin not subscribed or not a valid request","requestId":"7"})"));
 
   // The same page on a host that is not whitelisted is refused with its URL.
   view->setCartPlugin(cart);
@@ -70,7 +74,9 @@ TEST_F(BridgeTest, TheBridgesOwnFailuresReachThePage) {
   const std::size_t before = responses().size();
   postFromPage(std::string(kGetCart));
   ASSERT_TRUE(waitForResponses(before + 1));
-  JSONObject expected{{"type", "FAILED"}, {"statusCode", 1005}, {"statusMessage", server.url("/page", "localhost")},
+  JSONObject expected{{"type", "FAILED"},
+                      {"statusCode", 1005},
+                      {"statusMessage", server.url("/page", "localhost")},
                       {"requestId", "7"}};
   EXPECT_EQ(responses().back(), JSON(expected));
 }
@@ -81,8 +87,8 @@ TEST_F(BridgeTest, BodiesThatAreNotRequestsAreDroppedAndTheChannelGoesOn) {
     view->sendSuccess(request.requestId);
   };
   for (const char* body : {"'text'", "42", "null", "[1,2]", "{message: 5}", "{message: {type: 'GET_LOCAL_CART'}}"})
-    view->engine().evaluateJavaScript("window.webkit.messageHandlers.nativeRequest.postMessage(" + std::string(body) + ")",
-                                      nullptr);
+    view->engine().evaluateJavaScript(
+        "window.webkit.messageHandlers.nativeRequest.postMessage(" + std::string(body) + ")", nullptr);
   postFromPage(std::string(kGetCart));
   ASSERT_TRUE(waitForResponses(1));
   EXPECT_EQ(responses()[0], parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"7"})"));
@@ -140,8 +146,9 @@ TEST_F(BridgeTest, AHostMayDropTheViewFromInsideAPluginCall) {
 TEST_F(BridgeTest, AMegabyteAnswerArrivesIntact) {
   // Everything the envelope must escape, and text that must pass untouched.
   std::string payload;
-  const std::string_view pieces[] = {"plain text ", "\"quoted\" ", "back\\slash ", "line\nbreak ", "tab\t",
-                                     "caf\xC3\xA9 ", "\xE2\x80\xA8", "\xE2\x80\xA9", "</script> ", "'single' ", "\x01"};
+  const std::string_view pieces[] = {"plain text ", "\"quoted\" ",  "back\\slash ", "line\nbreak ",
+                                     "tab\t",       "caf\xC3\xA9 ", "\xE2\x80\xA8", "\xE2\x80\xA9",
+                                     "</script> ",  "'single' ",    "\x01"};
   for (std::size_t i = 0; payload.size() < (1u << 20); ++i) payload += pieces[i % std::size(pieces)];
   view->setCartPlugin(cart);
   cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
@@ -168,7 +175,8 @@ TEST_F(BridgeTest, EveryPushedEventReachesItsPageFunctionWithItsArguments) {
       {F::onScreenVisibility(false), R"({"name":"onScreenVisibility","args":[false]})"},
       {F::openDeeplink("dovara://home"), R"({"name":"openDeeplink","args":["dovara://home"]})"},
       {F::userStateChange(true), R"({"name":"LOGIN_STATE_CHANGED","args":["true"]})"},
-      {F::allowNativeBottomBarExit(R"({"exit":true})"), R"({"name":"allowNativeBottomBarExit","args":["{\"exit\":true}"]})"},
+      {F::allowNativeBottomBarExit(R"({"exit":true})"),
+       R"({"name":"allowNativeBottomBarExit","args":["{\"exit\":true}"]})"},
       {F::searchQueryInput("'pizza', 2)"), R"({"name":"SEARCH_QUERY_INPUT","args":["pizza",2]})"},
       {F::menuListInteracted(true, false), R"({"name":"swipeBottomsheet","args":[true,false]})"},
       {F::handlePXSearchActions("milk", "recent"), R"({"name":"HANDLE_PX_SEARCH_ACTIONS","args":["milk","recent"]})"},
@@ -184,7 +192,8 @@ TEST_F(BridgeTest, EveryPushedEventReachesItsPageFunctionWithItsArguments) {
   ASSERT_TRUE(waitFor([&] { return page->of("call").size() >= std::size(rows); }));
   const auto calls = page->of("call");
   ASSERT_EQ(calls.size(), std::size(rows));
-  for (std::size_t i = 0; i < std::size(rows); ++i) EXPECT_EQ(calls[i], parseJSON(rows[i].expected)) << rows[i].expected;
+  for (std::size_t i = 0; i < std::size(rows); ++i)
+    EXPECT_EQ(calls[i], parseJSON(rows[i].expected)) << rows[i].expected;
 }
 
 TEST_F(BridgeTest, CompletionGetsThePageFunctionsResultAndNothingOnAScriptError) {

@@ -81,8 +81,8 @@ TEST(TearDown, WindowFirstOrViewFirstLeavesNoWarnings) {
   for (const bool windowFirst : {true, false}) {
     LogCapture log;
     GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr,
-                                      nullptr, WebSDKTrustedHostsNavigationDelegate::shared());
+    auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
+                                      WebSDKTrustedHostsNavigationDelegate::shared());
     gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
     gtk_widget_show_all(window);
     view->loadWebView(server.url("/page"), {}, std::nullopt, 30);

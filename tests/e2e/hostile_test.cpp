@@ -134,10 +134,10 @@ TEST_F(HostilePageTest, AFloodOfRequestsIsAnsweredInFullAndItsMemoryReturns) {
   const double seconds = flood(peak);
   forget();
   const double after = residentMiB(true), heapAfter = heapInUseMiB();
-  std::printf("flood of %d requests: %.2f s (first %.2f s), %.0f requests/s; resident MiB: start %.1f, "
-              "after the first flood %.1f, peak %.1f, after the second %.1f; heap in use MiB: %.1f, %.1f, %.1f\n",
-              kFlood, seconds, firstSeconds, kFlood / seconds, start, before, peak, after, heapAtStart, heapBefore,
-              heapAfter);
+  std::printf(
+      "flood of %d requests: %.2f s (first %.2f s), %.0f requests/s; resident MiB: start %.1f, "
+      "after the first flood %.1f, peak %.1f, after the second %.1f; heap in use MiB: %.1f, %.1f, %.1f\n",
+      kFlood, seconds, firstSeconds, kFlood / seconds, start, before, peak, after, heapAtStart, heapBefore, heapAfter);
   RecordProperty("flood_seconds", std::to_string(seconds));
   RecordProperty("flood_peak_mib", std::to_string(peak));
   // A hundred bytes kept per request would be ten MiB here.
@@ -150,9 +150,9 @@ TEST_F(HostilePageTest, AFloodOfRequestsIsAnsweredInFullAndItsMemoryReturns) {
 TEST_F(HostilePageTest, HostileMessagesLeaveTheChannelWorking) {
   struct Row {
     const char* what;
-    std::string script;                // posts the hostile message
+    std::string script;                 // posts the hostile message
     std::optional<std::string> answer;  // the request id it is answered under, when it is a request at all
-    bool delivered = true;             // reaches the plugin (else refused with 1003: too large)
+    bool delivered = true;              // reaches the plugin (else refused with 1003: too large)
   };
   const std::string longId(10'000, 'i');
   const auto padded = [](const char* id, int mib) {
@@ -231,9 +231,9 @@ TEST_F(HostilePageTest, HugeMessagesRefusedUnreadDoNotStallTheUIThread) {
     int status;  // 0: delivered
   };
   const Row rows[] = {
-      {"localhost", 16, 64, 1005}, {"localhost", 16, 256, 1005},   // not whitelisted
-      {"127.0.0.1", 16, 64, 1003}, {"127.0.0.1", 16, 256, 1003},   // over the limit
-      {"127.0.0.1", 512, 64, 0},                                   // read in full
+      {"localhost", 16, 64, 1005}, {"localhost", 16, 256, 1005},  // not whitelisted
+      {"127.0.0.1", 16, 64, 1003}, {"127.0.0.1", 16, 256, 1003},  // over the limit
+      {"127.0.0.1", 512, 64, 0},                                  // read in full
   };
   server.page("/huge", testPage(kHostilePage));
   for (const auto& row : rows) {
@@ -259,9 +259,10 @@ TEST_F(HostilePageTest, HugeMessagesRefusedUnreadDoNotStallTheUIThread) {
     EXPECT_TRUE(answered) << row.host << " " << row.mib << " MB";
     EXPECT_EQ(cart->received, before + (row.status == 0 ? 1 : 0));
     listener->requests = {};
-    std::printf("a %d MB message from %s (limit %zu MiB): status %d in %.2f s, longest UI-thread stall %.3f s, "
-                "resident %.1f MiB, peak so far %.1f MiB\n",
-                row.mib, row.host, row.limitMiB, row.status, seconds, stall, residentMiB(true), peakMiB());
+    std::printf(
+        "a %d MB message from %s (limit %zu MiB): status %d in %.2f s, longest UI-thread stall %.3f s, "
+        "resident %.1f MiB, peak so far %.1f MiB\n",
+        row.mib, row.host, row.limitMiB, row.status, seconds, stall, residentMiB(true), peakMiB());
     RecordProperty(std::string(row.host) + "_" + std::to_string(row.mib) + "mb_stall_s", std::to_string(stall));
   }
 }

@@ -16,7 +16,8 @@ class CartPlugin final : public DvCartWebViewCallBacks {
   std::vector<std::string> ids;
   void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
     ids.push_back(request.requestId);
-    if (auto v = view.lock()) v->sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success, request.requestId);
+    if (auto v = view.lock())
+      v->sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success, request.requestId);
   }
 };
 
@@ -183,8 +184,8 @@ TEST_F(LocalPagesTest, ViewsOnASharedContextServeOnlyTheirOwnPages) {
   GtkWidget* secondWindow = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   webkitgtk::WebKitGTKConfiguration shared;
   shared.localPages = {recorded("shop")};
-  auto second = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(shared), WebSDKConfig{{"app://shop"}},
-                                      nullptr, nullptr, delegate, listener);
+  auto second = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(shared),
+                                      WebSDKConfig{{"app://shop"}}, nullptr, nullptr, delegate, listener);
   gtk_container_add(GTK_CONTAINER(secondWindow), webkitgtk::widget(second->engine()));
   makeLocalView(WebSDKConfig{{"app://checkout"}}, {recorded("checkout")}, /*sharedContext=*/true);
 

@@ -30,9 +30,12 @@ TEST_F(E2ETest, ViewsDroppedWhileWorkersUseThemAreTornDownOnTheUIThread) {
         for (int i = 0;; ++i) {
           auto v = weak.lock();
           if (!v) return;
-          if (t == 0 && i == 0) v->loadWebView(server.url("/page"), {{"token", "t"}}, std::nullopt, 30);
-          else if (i % 7 == 0) v->executeJSFunction(WebSDKJSFunctionType::pageResume());
-          else v->sendSuccess(std::to_string(t) + ":" + std::to_string(i));
+          if (t == 0 && i == 0)
+            v->loadWebView(server.url("/page"), {{"token", "t"}}, std::nullopt, 30);
+          else if (i % 7 == 0)
+            v->executeJSFunction(WebSDKJSFunctionType::pageResume());
+          else
+            v->sendSuccess(std::to_string(t) + ":" + std::to_string(i));
           ++calls;
           if (v.use_count() == 1) sawLast = true;
           v.reset();

@@ -48,9 +48,12 @@ TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
   const auto body = [](const std::string& id) { return serialize(JSON(JSONObject{{"message", cartRequest(id)}})); };
   view->engine().evaluateJavaScript(
       "const f = document.createElement('iframe'); document.body.appendChild(f);"
-      "f.contentWindow.webkit.messageHandlers.nativeRequest.postMessage(" + body("framed") + ");"
-      "const h = window.webkit.messageHandlers.nativeRequest;"
-      "Object.getPrototypeOf(h).postMessage.call(h, " + body("by-hand") + ");",
+      "f.contentWindow.webkit.messageHandlers.nativeRequest.postMessage(" +
+          body("framed") +
+          ");"
+          "const h = window.webkit.messageHandlers.nativeRequest;"
+          "Object.getPrototypeOf(h).postMessage.call(h, " +
+          body("by-hand") + ");",
       nullptr);
   ASSERT_TRUE(waitFor([&] { return responses().size() >= 7; }));
   EXPECT_TRUE(cart->ids.empty()) << "no request of the untrusted page reached the plugin";
@@ -92,7 +95,8 @@ TEST_F(TrustTest, ALateAnswerNeverReachesTheNextDocument) {
     EXPECT_EQ(listener->dropped.back().second, WebSDKDropReason::documentGone);
     // Pushes reach a trusted page only.
     const auto pushes = page->of("call");
-    const bool pushed = std::ranges::any_of(pushes, [](const JSON& c) { return c.at("name") == "LOGIN_STATE_CHANGED"; });
+    const bool pushed =
+        std::ranges::any_of(pushes, [](const JSON& c) { return c.at("name") == "LOGIN_STATE_CHANGED"; });
     EXPECT_EQ(pushed, trusted);
     EXPECT_EQ(listener->droppedPushes.size() > pushDrops, !trusted);
     page->reports.clear();
@@ -188,8 +192,8 @@ TEST_F(TrustTest, TrustedPagesWithRawCharactersInTheirURLAreServed) {
 // unless the view judges every frame by its own host.
 TEST_F(TrustTest, FramesAreJudgedByTheTopPageUnlessEachFrameIsJudgedByItsOwnHost) {
   JSONObject body{{"message", cartRequest("framed")}};
-  server.page("/frame",
-              "<script>window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(JSON(body)) + ")</script>");
+  server.page("/frame", "<script>window.webkit.messageHandlers.nativeRequest.postMessage(" + serialize(JSON(body)) +
+                            ")</script>");
   server.page("/framing", testPage("<iframe src='" + server.url("/frame", "127.0.0.3") + "'></iframe>"));
   for (const bool ownHost : {false, true}) {
     SCOPED_TRACE(ownHost ? "each frame by its own host" : "frames by the top page");

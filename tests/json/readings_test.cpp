@@ -29,7 +29,8 @@ const Row kRows[] = {
     {"5.0", "5", std::nullopt, true, std::nullopt, 5, 5, 5},
     {"-3.7", "-3.7", std::nullopt, true, std::nullopt, -3, -3.7, -3.7},
     {"0", "0", std::nullopt, false, std::nullopt, 0, 0, 0},
-    {"1e300", "1e+300", std::nullopt, true, std::nullopt, std::numeric_limits<std::int64_t>::max() - 1023, 1e300, 1e300},
+    {"1e300", "1e+300", std::nullopt, true, std::nullopt, std::numeric_limits<std::int64_t>::max() - 1023, 1e300,
+     1e300},
     {"18446744073709551615", "18446744073709551615", std::nullopt, true, std::nullopt,
      std::numeric_limits<std::int64_t>::max(), 18446744073709551615.0, 18446744073709551615.0},
     {"true", "true", std::nullopt, true, true, 1, 1, 1},
@@ -109,16 +110,22 @@ TEST(Parse, LoneSurrogateEscapesReadAsReplacementCharacters) {
   };
   const Row rows[] = {
       {R"("\ud800")", "\xEF\xBF\xBD"},
-      {R"("a\uDC00b")", "a\xEF\xBF\xBD" "b"},
-      {R"("\ud800\u0041")", "\xEF\xBF\xBD" "A"},
+      {R"("a\uDC00b")",
+       "a\xEF\xBF\xBD"
+       "b"},
+      {R"("\ud800\u0041")",
+       "\xEF\xBF\xBD"
+       "A"},
       {R"("\udbff\ud800\udc00")", "\xEF\xBF\xBD\xF0\x90\x80\x80"},  // a lone high, then a pair
-      {R"("\\ud800\ud800")", "\\ud800\xEF\xBF\xBD"},                 // an escaped backslash is no escape
+      {R"("\\ud800\ud800")", "\\ud800\xEF\xBF\xBD"},                // an escaped backslash is no escape
       {R"("\ud800)", nullptr},                                      // still not JSON
   };
   for (const auto& row : rows) {
     const JSON value = parseJSON(row.text);
-    if (row.expected == nullptr) EXPECT_TRUE(value.is_null()) << row.text;
-    else EXPECT_EQ(value, JSON(row.expected)) << row.text;
+    if (row.expected == nullptr)
+      EXPECT_TRUE(value.is_null()) << row.text;
+    else
+      EXPECT_EQ(value, JSON(row.expected)) << row.text;
   }
 }
 
@@ -142,7 +149,8 @@ TEST(Serialize, DoublesAreShortestRoundTripWithAFraction) {
 TEST(Serialize, StringsAreValidJavaScriptLiterals) {
   std::string out;
   appendQuoted(out, std::string("q\"b\\n\n\x01 \xE2\x80\xA8 \xE2\x80\xA9 \xE2\x80\x93"));
-  EXPECT_EQ(out, R"("q\"b\\n\n\u0001 \u2028 \u2029 )" "\xE2\x80\x93\"");
+  EXPECT_EQ(out, R"("q\"b\\n\n\u0001 \u2028 \u2029 )"
+                 "\xE2\x80\x93\"");
   EXPECT_EQ(parseJSON(out).as_string(), std::string("q\"b\\n\n\x01 \xE2\x80\xA8 \xE2\x80\xA9 \xE2\x80\x93"));
 }
 

@@ -78,19 +78,27 @@ TEST(Catalogue, LearnsKeysReadingsAndRequirementsFromTheReaders) {
   };
   const std::vector<Row> rows = {
       // Plain keys; a required one is the one without which decoding fails.
-      {"APPLY_COUPON", "applyCoupon", "required",
+      {"APPLY_COUPON",
+       "applyCoupon",
+       "required",
        {"restaurantId!:strictString ", "tenant:object ", "cart_total_shown_to_coupon:number ",
         "couponListingVersion:strictString "}},
       // Keys of a nested view.
-      {"GET_LOCAL_CART", "getCart", "required",
+      {"GET_LOCAL_CART",
+       "getCart",
+       "required",
        {"tenant!:object ", "tenant.marketplaceId:lenientString ", "tenant.marketplaceCategory:lenientString ",
         "tenant.marketplaceBusinessLine:lenientString "}},
       // Arrays of objects read through raw lookups, nested arrays of strings.
-      {"GET_ONE_CLICK_CARD_ELIGIBILITY", "getOneClickCardEligibility", "required",
+      {"GET_ONE_CLICK_CARD_ELIGIBILITY",
+       "getOneClickCardEligibility",
+       "required",
        {"cardDetails!:", "cardDetails[].cardFingerPrint!:strictString ", "cardDetails[].cardBin!:strictString ",
         "cardDetails[].checkType!:", "action:strictString ", "amount:strictString "}},
       // Elements copied out of an array, then read by the element's own reader.
-      {"DIALOG_CONFIRM", "dialogConfirm", "required",
+      {"DIALOG_CONFIRM",
+       "dialogConfirm",
+       "required",
        {"message!:strictString ", "title:strictString ", "buttonLabels:", "buttonLabels[].text:strictString ",
         "buttonLabels[].type:enumeration ", "buttonLabels[].id:strictString "}},
       // A key read only for some cases of an enumeration still counts.
@@ -123,7 +131,8 @@ TEST(Catalogue, LearnsKeysReadingsAndRequirementsFromTheReaders) {
 TEST(Catalogue, PageFunctionsCarryTheirCallTextWithTellingArguments) {
   const auto* keyboard = findIn(theCatalogue().at("pageFunctions"), "case", "keyboardStateChanged");
   ASSERT_NE(keyboard, nullptr);
-  EXPECT_EQ(text(keyboard->at("script")), "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,1.5); }");
+  EXPECT_EQ(text(keyboard->at("script")),
+            "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,1.5); }");
   EXPECT_EQ(keyboard->at("arguments").get_array().size(), 2u);
   const auto* back = findIn(theCatalogue().at("pageFunctions"), "case", "handleSwipeGesture");
   ASSERT_NE(back, nullptr);
@@ -148,9 +157,9 @@ TEST(ReadingObserver, SeesLookupsAndOneReportPerReadingOnlyWhileInstalled) {
   (void)p.strictString("absent");  // looked up; nothing to read
   EXPECT_EQ(setReadingObserver(nullptr), &recorder);
   (void)p.lenientDouble("n");
-  EXPECT_EQ(recorder.seen, (std::vector<std::string>{"key n", "integer 0", "key tenant",
-                                                     "enumeration " + std::to_string(caseCount<Tenant>()),
-                                                     "key absent"}));
+  EXPECT_EQ(recorder.seen,
+            (std::vector<std::string>{"key n", "integer 0", "key tenant",
+                                      "enumeration " + std::to_string(caseCount<Tenant>()), "key absent"}));
   EXPECT_EQ(catalogue(), theCatalogue());  // and the catalogue leaves none behind, and is the same each time
   EXPECT_EQ(setReadingObserver(nullptr), nullptr);
 }

@@ -31,8 +31,20 @@ TEST(Envelope, EscapesWhatJSONAndJavaScriptRequire) {
 // the same fields, or is nothing exactly when a field is not UTF-8.
 TEST(Envelope, AnyFieldsParseBackOrAreRefusedWhenNotUTF8) {
   std::mt19937 rng(42);
-  const std::string alphabet[] = {"a", "\"", "\\", "\n", "\x01", "\x7f", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x82\xAC",
-                                  "/", "\xC3\xA9", " ", "\xF0\x9F\x98\x80", "abcdefghijklmno"};
+  const std::string alphabet[] = {"a",
+                                  "\"",
+                                  "\\",
+                                  "\n",
+                                  "\x01",
+                                  "\x7f",
+                                  "\xE2\x80\xA8",
+                                  "\xE2\x80\xA9",
+                                  "\xE2\x82\xAC",
+                                  "/",
+                                  "\xC3\xA9",
+                                  " ",
+                                  "\xF0\x9F\x98\x80",
+                                  "abcdefghijklmno"};
   const std::string broken[] = {"\xFF", "\x80", "\xC3", "\xE2\x80", "\xED\xA0\x80", "\xC0\xAF", "\xF4\x90\x80\x80"};
   std::size_t refused = 0;
   for (int round = 0; round < 5000; ++round) {

@@ -30,17 +30,22 @@ TEST(Sending, AnswersWithBytesThatAreNotUTF8NeverReachThePageBroken) {
   const BadBytesRow rows[] = {
       {"request id", [](WebSDKWebView& v) { v.sendSuccess("r\xFF"); }, std::nullopt},
       {"message", [](WebSDKWebView& v) { v.sendFailure("r", std::nullopt, "overlong \xC0\xAF"); }, std::nullopt},
-      {"string payload", [](WebSDKWebView& v) { v.sendWebSDKResponse(std::string("\xED\xA0\x80"), WebSDKResponseType::success, "r"); },
+      {"string payload",
+       [](WebSDKWebView& v) { v.sendWebSDKResponse(std::string("\xED\xA0\x80"), WebSDKResponseType::success, "r"); },
        std::nullopt},
-      {"dictionary payload", [](WebSDKWebView& v) {
+      {"dictionary payload",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(JSONObject{{"k", "cut \xE2\x82"}}, WebSDKResponseType::success, "r");
        },
        parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r"})")},
-      {"string map payload", [](WebSDKWebView& v) {
-         v.sendWebSDKResponse(std::map<std::string, std::string>{{"k\xFE", "v"}}, WebSDKResponseType::failure, "r", 1003);
+      {"string map payload",
+       [](WebSDKWebView& v) {
+         v.sendWebSDKResponse(std::map<std::string, std::string>{{"k\xFE", "v"}}, WebSDKResponseType::failure, "r",
+                              1003);
        },
        parseJSON(R"({"type":"FAILED","statusCode":1003,"requestId":"r"})")},
-      {"ready-encoded, request id", [](WebSDKWebView& v) {
+      {"ready-encoded, request id",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(WebSDKResponseType::success, "r\x80", std::optional<std::string>("{}"));
        },
        std::nullopt},

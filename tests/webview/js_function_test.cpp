@@ -18,10 +18,14 @@ struct ScriptRow {
 
 TEST(WebSDKJSFunctionType, EveryCaseWritesItsCallTextVerbatim) {
   const ScriptRow rows[] = {
-      {F::keyboardStateChanged(true, 300), "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,300.0); }"},
-      {F::keyboardStateChanged(false, 291.5), "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(false,291.5); }"},
-      {F::keyboardStateChanged(true, 1e20), "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,1e+20); }"},
-      {F::keyboardStateChanged(true, 0.1), "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,0.1); }"},
+      {F::keyboardStateChanged(true, 300),
+       "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,300.0); }"},
+      {F::keyboardStateChanged(false, 291.5),
+       "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(false,291.5); }"},
+      {F::keyboardStateChanged(true, 1e20),
+       "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,1e+20); }"},
+      {F::keyboardStateChanged(true, 0.1),
+       "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,0.1); }"},
       {F::onScreenVisibility(true), "onScreenVisibility(true)"},
       {F::onScreenVisibility(false), "onScreenVisibility(false)"},
       {F::openDeeplink("dovara://cart?id=1"), "openDeeplink('dovara://cart?id=1')"},

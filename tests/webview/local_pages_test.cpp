@@ -18,19 +18,12 @@ TEST(LocalPagesTrust, OnlyAnEntryWithTheSchemeTrustsAnAppHost) {
   const auto config = WebSDKConfig{{"example.com", "APP://Checkout/", "checkout"}, false}.normalized();
   EXPECT_EQ(config.whitelistedHosts, (std::vector<std::string>{"example.com", "app://checkout", "checkout"}));
   const std::pair<const char*, bool> rows[] = {
-      {"app://checkout/index.html", true},
-      {"app://checkout", true},
-      {"APP://checkout/a?b#c", true},
+      {"app://checkout/index.html", true},  {"app://checkout", true},        {"APP://checkout/a?b#c", true},
       {"app://CheckOut/", false},  // another host: a non-network host keeps its case
-      {"app://checkout.evil.com/", false},
-      {"app://evil.checkout/", false},
-      {"app://u@checkout/", false},
-      {"app://checkout:8080/", false},
-      {"other://checkout/", false},
-      {"app:checkout/x", false},
-      {"foo://example.com/", false},  // a plain entry names network hosts only
-      {"https://example.com/", true},
-      {"https://checkout/", true},  // the plain "checkout", as ever
+      {"app://checkout.evil.com/", false},  {"app://evil.checkout/", false}, {"app://u@checkout/", false},
+      {"app://checkout:8080/", false},      {"other://checkout/", false},    {"app:checkout/x", false},
+      {"foo://example.com/", false},                                      // a plain entry names network hosts only
+      {"https://example.com/", true},       {"https://checkout/", true},  // the plain "checkout", as ever
       {"https://checkout.evil.com/", true},
   };
   for (const auto& [url, expected] : rows) EXPECT_EQ(config.isWhitelistedURL(url), expected) << url;
@@ -127,10 +120,10 @@ TEST(LocalPaths, TypesComeFromTheExtension) {
 }
 
 TEST(LocalPagesAnswer, FromMemoryAndFromTheResponderFirst) {
-  LocalPages pages{.host = "checkout",
-                   .resources = {{"index.html", {"<p>home</p>", ""}},
-                                 {"/js/app.js", {"go()", ""}},
-                                 {"data", {"x", "application/x-custom"}}}};
+  LocalPages pages{
+      .host = "checkout",
+      .resources = {
+          {"index.html", {"<p>home</p>", ""}}, {"/js/app.js", {"go()", ""}}, {"data", {"x", "application/x-custom"}}}};
   std::vector<std::pair<std::string, HeaderFields>> asked;
   pages.respond = [&](std::string_view path, const LocalRequest& request) -> std::optional<LocalResource> {
     asked.emplace_back(path, request.headers);
@@ -171,11 +164,13 @@ TEST(LocalPagesAnswer, FromAFolderWithoutLeavingIt) {
   const fs::path base = fs::canonical(dir);
   const fs::path root = base / "pages";
   fs::create_directories(root / "sub");
-  for (const auto& file : {root / "index.html", root / "sub" / "page.css", base / "secret.txt"}) std::ofstream(file) << "x";
+  for (const auto& file : {root / "index.html", root / "sub" / "page.css", base / "secret.txt"})
+    std::ofstream(file) << "x";
   fs::create_symlink(base / "secret.txt", root / "escape.txt");
   fs::create_symlink(root / "sub" / "page.css", root / "alias.css");
 
-  const LocalPages pages{.host = "checkout", .folder = (base / "pages" / ".." / "pages").string(),
+  const LocalPages pages{.host = "checkout",
+                         .folder = (base / "pages" / ".." / "pages").string(),
                          .resources = {{"sub/page.css", {"from memory", "text/css"}}}};
   const std::string text = "text/plain; charset=utf-8";
   const std::pair<const char*, LocalAnswer> rows[] = {
@@ -191,12 +186,20 @@ TEST(LocalPagesAnswer, FromAFolderWithoutLeavingIt) {
 }
 
 TEST(LocalPagesAnswer, PagesAreFoundByExactSchemeAndHost) {
-  const std::vector<LocalPages> all{{.host = "checkout"}, {.host = "shop"}, {.scheme = "other", .host = "checkout"},
+  const std::vector<LocalPages> all{{.host = "checkout"},
+                                    {.host = "shop"},
+                                    {.scheme = "other", .host = "checkout"},
                                     {.scheme = "http", .host = "taken"}};
   const std::pair<const char*, int> rows[] = {
-      {"app://checkout/x", 0},       {"APP://checkout", 0},   {"app://shop/", 1},
-      {"other://checkout/", 2},      {"app://checkout.evil.com/", -1}, {"app://u@checkout/", -1},
-      {"app://checkout:1/", -1},     {"app:checkout/x", -1},  {"http://taken/", -1},
+      {"app://checkout/x", 0},
+      {"APP://checkout", 0},
+      {"app://shop/", 1},
+      {"other://checkout/", 2},
+      {"app://checkout.evil.com/", -1},
+      {"app://u@checkout/", -1},
+      {"app://checkout:1/", -1},
+      {"app:checkout/x", -1},
+      {"http://taken/", -1},
       {"app://CheckOut/", -1},
   };
   for (const auto& [url, index] : rows) {
@@ -207,10 +210,18 @@ TEST(LocalPagesAnswer, PagesAreFoundByExactSchemeAndHost) {
 
 TEST(LocalPagesAnswer, OnlyTheAppsOwnSchemesAndLowercaseHostsServe) {
   const std::tuple<const char*, const char*, bool> rows[] = {
-      {"app", "checkout", true},   {"my-app+x.1", "shop.local", true}, {"App", "checkout", false},
-      {"1app", "checkout", false}, {"https", "checkout", false},       {"file", "checkout", false},
-      {"webkit-pdfjs-viewer", "x", false}, {"app", "Checkout", false}, {"app", "", false},
-      {"app", "a..b", false},      {"app", "check out", false},         {"app", "checkout:1", false},
+      {"app", "checkout", true},
+      {"my-app+x.1", "shop.local", true},
+      {"App", "checkout", false},
+      {"1app", "checkout", false},
+      {"https", "checkout", false},
+      {"file", "checkout", false},
+      {"webkit-pdfjs-viewer", "x", false},
+      {"app", "Checkout", false},
+      {"app", "", false},
+      {"app", "a..b", false},
+      {"app", "check out", false},
+      {"app", "checkout:1", false},
   };
   for (const auto& [scheme, host, ok] : rows)
     EXPECT_EQ((LocalPages{.scheme = scheme, .host = host}.problem().empty()), ok) << scheme << "://" << host;

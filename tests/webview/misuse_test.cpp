@@ -32,23 +32,29 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
     std::vector<std::string> words;  // each must appear in the one message
   };
   const auto ask = [](Harness& h, const char* id) {
-    h.post(R"({"type":"GET_LOCAL_CART","requestId":")" + std::string(id) + R"(","payload":{"tenant":{"marketplaceId":"meals"}}})");
+    h.post(R"({"type":"GET_LOCAL_CART","requestId":")" + std::string(id) +
+           R"(","payload":{"tenant":{"marketplaceId":"meals"}}})");
   };
   const Row rows[] = {
-      {"a load that is not a URL", [](Harness& h) { h.view->loadWebView("not a url", {}, std::nullopt, 5); }, "load",
+      {"a load that is not a URL",
+       [](Harness& h) { h.view->loadWebView("not a url", {}, std::nullopt, 5); },
+       "load",
        {"\"not a url\"", "not a URL"}},
       {"header text with a single quote",
        [](Harness& h) { h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders(R"({"name":"O'Brien"})")); },
-       "headers", {"single quote at byte 10", "window.__native_headers__"}},
+       "headers",
+       {"single quote at byte 10", "window.__native_headers__"}},
       {"header text with a line break",
-       [](Harness& h) { h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders("{\n}")); }, "headers",
+       [](Harness& h) { h.view->executeJSScript(WebSDKAppFunctions::nativeHeaders("{\n}")); },
+       "headers",
        {"line break at byte 1"}},
       {"an answer to an id never asked",
        [](Harness& h) {
          h.view->sendSuccess("nobody");
          h.engine->queue().drain();
        },
-       "answer", {"\"nobody\"", "no page asked"}},
+       "answer",
+       {"\"nobody\"", "no page asked"}},
       {"the same id answered twice",
        [&ask](Harness& h) {
          ask(h, "twice");
@@ -56,13 +62,15 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
          h.view->sendSuccess("twice");
          h.engine->queue().drain();
        },
-       "answer", {"\"twice\"", "answered already"}},
+       "answer",
+       {"\"twice\"", "answered already"}},
       {"a request from a host off the whitelist",
        [&ask](Harness& h) {
          h.engine->navigate("https://evil.test/pay");
          ask(h, "r9");
        },
-       "trust", {"https://evil.test/pay", "\"GET_LOCAL_CART\"", "\"r9\"", "not whitelisted"}},
+       "trust",
+       {"https://evil.test/pay", "\"GET_LOCAL_CART\"", "\"r9\"", "not whitelisted"}},
       {"a navigation with no delegate",
        [](Harness& h) {
          int answered = 0;
@@ -71,13 +79,15 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
                                                [&](WebSDKNavigationActionPolicy) { ++answered; });
          EXPECT_EQ(answered, 0) << "waiting stays the rule";
        },
-       "navigation", {"https://localhost/next", "no navigation delegate"}},
+       "navigation",
+       {"https://localhost/next", "no navigation delegate"}},
       {"a challenge with no delegate",
        [](Harness& h) {
          h.engine->client()->didReceive(WebSDKAuthenticationChallenge{"localhost", 443, "", "", 0},
                                         [](WebSDKAuthChallengeDisposition, std::optional<WebSDKURLCredential>) {});
        },
-       "navigation", {"challenge from localhost", "no navigation delegate"}},
+       "navigation",
+       {"challenge from localhost", "no navigation delegate"}},
   };
   for (const auto& row : rows) {
     Harness h;
@@ -85,11 +95,12 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
     h.view->setCartPlugin(cart);
     Captured log;
     row.misuse(h);
-    ASSERT_EQ(log.lines.size(), 1u) << row.what << (log.lines.empty() ? "" : ": " + log.lines[0].second) 
+    ASSERT_EQ(log.lines.size(), 1u) << row.what << (log.lines.empty() ? "" : ": " + log.lines[0].second)
                                     << (log.lines.size() < 2 ? "" : " / " + log.lines[1].second);
     EXPECT_EQ(log.lines[0].first, row.topic) << row.what;
-    for (const auto& word : row.words) EXPECT_NE(log.lines[0].second.find(word), std::string::npos)
-        << row.what << ": \"" << word << "\" not in: " << log.lines[0].second;
+    for (const auto& word : row.words)
+      EXPECT_NE(log.lines[0].second.find(word), std::string::npos)
+          << row.what << ": \"" << word << "\" not in: " << log.lines[0].second;
   }
 }
 

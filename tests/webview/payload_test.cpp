@@ -29,19 +29,23 @@ struct PayloadRow {
 // the page something the app never said: such a payload is left out.
 TEST(Sending, APayloadHoldingNaNOrAnInfinityIsLeftOutOfItsAnswer) {
   const PayloadRow rows[] = {
-      {"NaN in an object", [](WebSDKWebView& v) {
+      {"NaN in an object",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(JSONObject{{"a", 1}, {"b", JSONObject{{"c", kNaN}}}}, WebSDKResponseType::success, "r1");
        },
        parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r1"})")},
-      {"infinity in an array", [](WebSDKWebView& v) {
+      {"infinity in an array",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(JSONObject{{"a", JSONArray{1.5, kInf}}}, WebSDKResponseType::failure, "r2", 1003);
        },
        parseJSON(R"({"type":"FAILED","statusCode":1003,"requestId":"r2"})")},
-      {"negative infinity in a model", [](WebSDKWebView& v) {
+      {"negative infinity in a model",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(Quote{"p", -kInf}, WebSDKResponseType::success, "r3");
        },
        parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r3"})")},
-      {"finite model", [](WebSDKWebView& v) {
+      {"finite model",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(Quote{"p", 100000}, WebSDKResponseType::success, "r4");
        },
        parseJSON(

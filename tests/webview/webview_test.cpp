@@ -53,8 +53,10 @@ TEST(Loading, TheAppsHeadersGoOnlyToTrustedHosts) {
   const WebSDKHeaders app{{"token", "a"}, {"platform", "ios"}};
   const Row rows[] = {
       {"https://example.com.other.test/", std::nullopt, {{"platform", "ios"}, {"token", "a"}}, {}},
-      {"https://example.com/", WebSDKHeaders{{"token", "b"}, {"x", "1"}},
-       {{"platform", "ios"}, {"token", "b"}, {"x", "1"}}, {{"token", "b"}, {"x", "1"}}},
+      {"https://example.com/",
+       WebSDKHeaders{{"token", "b"}, {"x", "1"}},
+       {{"platform", "ios"}, {"token", "b"}, {"x", "1"}},
+       {{"token", "b"}, {"x", "1"}}},
       {"https://example.com/", WebSDKHeaders{{"Token", "b"}}, {{"Token", "b"}, {"platform", "ios"}}, {{"Token", "b"}}},
       {"https://evil.test/", WebSDKHeaders{{"token", "b"}}, {{"token", "b"}}, {{"token", "b"}}},
       {"https://EXAMPLE.com/", std::nullopt, {{"platform", "ios"}, {"token", "a"}}, {}},
@@ -145,17 +147,21 @@ TEST(Sending, EveryOperationBuildsItsEnvelope) {
        parseJSON(R"({"type":"FAILED","statusCode":0,"requestId":"r3"})")},
       {"code outside the enumeration", [](WebSDKWebView& v) { v.sendSuccess("r4", 4242); },
        parseJSON(R"({"type":"SUCCESS","statusCode":4242,"requestId":"r4"})")},
-      {"string payload verbatim", [](WebSDKWebView& v) { v.sendWebSDKResponse(std::string(), WebSDKResponseType::success, "r5"); },
+      {"string payload verbatim",
+       [](WebSDKWebView& v) { v.sendWebSDKResponse(std::string(), WebSDKResponseType::success, "r5"); },
        parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r5","payload":""})")},
-      {"dictionary payload", [](WebSDKWebView& v) {
+      {"dictionary payload",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(JSONObject{{"a", "x/y"}}, WebSDKResponseType::failure, "r6", 1005);
        },
        parseJSON(R"({"type":"FAILED","statusCode":1005,"requestId":"r6","payload":"{\n  \"a\" : \"x/y\"\n}"})")},
-      {"response model", [](WebSDKWebView& v) {
+      {"response model",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(Answer{"p", std::nullopt}, WebSDKResponseType::success, "r7");
        },
        parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r7","payload":"{\n  \"planId\" : \"p\"\n}"})")},
-      {"string dictionary", [](WebSDKWebView& v) {
+      {"string dictionary",
+       [](WebSDKWebView& v) {
          v.sendWebSDKResponse(std::map<std::string, std::string>{{"k", "v"}}, WebSDKResponseType::success, "r8");
        },
        parseJSON(R"({"type":"SUCCESS","statusCode":0,"requestId":"r8","payload":"{\n  \"k\" : \"v\"\n}"})")},
@@ -248,12 +254,14 @@ TEST(Navigation, EventsAreForwardedAndDefaultsAllowButNoDelegateAnswersNothing) 
 
   std::vector<std::string> answers;
   client.didStartProvisionalNavigation(nullptr);
-  client.decidePolicyFor(WebSDKNavigationAction{"https://a.test/", "GET", true, false}, [&](WebSDKNavigationActionPolicy p) {
-    answers.push_back(p == WebSDKNavigationActionPolicy::allow ? "action:allow" : "action:cancel");
-  });
-  client.decidePolicyFor(WebSDKNavigationResponse{"https://a.test/", 200, "text/html", true}, [&](WebSDKNavigationResponsePolicy p) {
-    answers.push_back(p == WebSDKNavigationResponsePolicy::allow ? "response:allow" : "response:cancel");
-  });
+  client.decidePolicyFor(
+      WebSDKNavigationAction{"https://a.test/", "GET", true, false}, [&](WebSDKNavigationActionPolicy p) {
+        answers.push_back(p == WebSDKNavigationActionPolicy::allow ? "action:allow" : "action:cancel");
+      });
+  client.decidePolicyFor(
+      WebSDKNavigationResponse{"https://a.test/", 200, "text/html", true}, [&](WebSDKNavigationResponsePolicy p) {
+        answers.push_back(p == WebSDKNavigationResponsePolicy::allow ? "response:allow" : "response:cancel");
+      });
   client.didFail(nullptr, WebSDKError{"d", 1, "x"});  // the default does nothing
   client.didFailProvisionalNavigation(nullptr, WebSDKError{"d", 2, "timeout", true});
   client.didReceive({}, [&](WebSDKAuthChallengeDisposition, std::optional<WebSDKURLCredential>) {
@@ -265,7 +273,8 @@ TEST(Navigation, EventsAreForwardedAndDefaultsAllowButNoDelegateAnswersNothing) 
 
   delegate.reset();
   answers.clear();
-  client.decidePolicyFor(WebSDKNavigationAction{"https://a.test/", "GET", true, false}, [&](auto) { answers.push_back("answered"); });
+  client.decidePolicyFor(WebSDKNavigationAction{"https://a.test/", "GET", true, false},
+                         [&](auto) { answers.push_back("answered"); });
   client.didReceive({}, [&](auto, auto) { answers.push_back("answered"); });
   EXPECT_TRUE(answers.empty()) << "with no delegate the questions stay unanswered";
 }
@@ -349,9 +358,10 @@ TEST(Documents, AnswersKeepTheirPlaceAmongTheHostsMainQueueTasks) {
   h.engine->queue().drain();
   std::vector<std::string> order;
   for (const auto& e : h.engine->evaluations())
-    order.push_back(e.script == "X()" ? "X" : std::string(parseJSON(e.script.substr(15, e.script.size() - 16))
-                                                              .at("requestId")
-                                                              .as_string()));
+    order.push_back(
+        e.script == "X()"
+            ? "X"
+            : std::string(parseJSON(e.script.substr(15, e.script.size() - 16)).at("requestId").as_string()));
   EXPECT_EQ(order, (std::vector<std::string>{"A", "X", "B"}));
 }
 
@@ -363,7 +373,9 @@ concept BuildableWithBraces = requires(std::unique_ptr<Engine> e, const WebSDKCo
 static_assert(!BuildableWithBraces<testing::TestingEngine>);
 static_assert(!std::is_default_constructible_v<WebSDKWebView>);
 template <class View>
-concept SettingsChangeable = requires(View& v) { v.webSDKConfig.shouldWhitelistAllUrls = true; };
+concept SettingsChangeable = requires(View& v) {
+  v.webSDKConfig.shouldWhitelistAllUrls = true;
+};
 static_assert(!SettingsChangeable<WebSDKWebView>);
 struct MutableSettings {
   WebSDKConfig webSDKConfig;

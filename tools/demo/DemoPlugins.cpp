@@ -53,7 +53,9 @@ std::vector<std::string> TrafficPrinter::requestsFor(const std::string& action) 
 // ---- Cart --------------------------------------------------------------------------
 
 CartPlugin::CartPlugin()
-    : items_{{"paneer-tikka", "Paneer tikka", 240, 1}, {"dal-makhani", "Dal makhani", 180, 1}, {"garlic-naan", "Garlic naan", 45, 2}} {}
+    : items_{{"paneer-tikka", "Paneer tikka", 240, 1},
+             {"dal-makhani", "Dal makhani", 180, 1},
+             {"garlic-naan", "Garlic naan", 45, 2}} {}
 
 double CartPlugin::subtotal() const {
   double sum = 0;
@@ -64,7 +66,8 @@ double CartPlugin::subtotal() const {
 JSONObject CartPlugin::cart() const {
   JSONArray items;
   for (const auto& item : items_)
-    items.push_back(JSONObject{{"id", item.id}, {"name", item.name}, {"price", item.price}, {"quantity", item.quantity}});
+    items.push_back(
+        JSONObject{{"id", item.id}, {"name", item.name}, {"price", item.price}, {"quantity", item.quantity}});
   const double sub = subtotal();
   JSONObject out{{"items", std::move(items)}, {"subtotal", sub}, {"discount", discount_}, {"total", sub - discount_}};
   if (coupon_) out.emplace("coupon", *coupon_);
@@ -133,8 +136,7 @@ void GenericPlugin::handleGenericRequest(const WebSDKGenericRequestModel& reques
       view->sendWebSDKResponse(WebSDKGetCurrentAddressResponseModel{"12, 4th Cross, Indiranagar, Bengaluru 560038"},
                                WebSDKResponseType::success, request.requestId);
       return;
-    default:
-      view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
+    default: view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
   }
 }
 
@@ -163,9 +165,10 @@ void PaymentsPlugin::handlePaymentsRequest(const WebSDKPaymentsRequestModel& req
       provider_.emplace_back([weak = view_, requestId = request.requestId, order] {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         if (auto v = weak.lock())
-          v->sendWebSDKResponse(WebSDKAmazonPayProceedToPayResponseModel{"SUCCESS", "DV-" + std::to_string(4100 + order),
-                                                                         "AMZ-TXN-" + std::to_string(9000 + order)},
-                                WebSDKResponseType::success, requestId);
+          v->sendWebSDKResponse(
+              WebSDKAmazonPayProceedToPayResponseModel{"SUCCESS", "DV-" + std::to_string(4100 + order),
+                                                       "AMZ-TXN-" + std::to_string(9000 + order)},
+              WebSDKResponseType::success, requestId);
       });
       return;
     }

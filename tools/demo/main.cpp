@@ -67,7 +67,8 @@ class PageServer {
     // The partner link leaves the trusted hosts by a redirect: "localhost"
     // reaches this server too, but is not whitelisted.
     if (std::string_view(path) == "/partner") {
-      const std::string offers = "http://localhost:" + std::to_string(static_cast<PageServer*>(self)->port_) + "/offers";
+      const std::string offers =
+          "http://localhost:" + std::to_string(static_cast<PageServer*>(self)->port_) + "/offers";
       std::cout << "server       GET /partner -> 302 " << offers << std::endl;
       soup_server_message_set_redirect(message, 302, offers.c_str());
       return;
@@ -114,10 +115,14 @@ LocalPages localCheckout(const PageServer& server) {
 
 WebSDKHeaders appHeaders() {
   using H = WebSDKRequestHeaders;
-  return {{std::string(H::platform), "linux"},      {std::string(H::versionCode), "412"},
-          {std::string(H::appVersion), "4.12.0"},   {std::string(H::webSDKVersion), "0.1.0"},
-          {std::string(H::isWebSDKEnabled), "true"}, {std::string(H::token), "demo-token-7f3a"},
-          {std::string(H::cityId), "1"},            {std::string(H::deviceId), "demo-device"}};
+  return {{std::string(H::platform), "linux"},
+          {std::string(H::versionCode), "412"},
+          {std::string(H::appVersion), "4.12.0"},
+          {std::string(H::webSDKVersion), "0.1.0"},
+          {std::string(H::isWebSDKEnabled), "true"},
+          {std::string(H::token), "demo-token-7f3a"},
+          {std::string(H::cityId), "1"},
+          {std::string(H::deviceId), "demo-device"}};
 }
 
 bool writeScreenshot(WebSDKWebView& view, const std::string& file) {
@@ -171,7 +176,7 @@ bool settle(WebSDKWebView& view) {
 struct Step {
   std::string name;
   std::function<void()> act;
-  std::vector<std::string> answersFor;  // actions whose request must be answered
+  std::vector<std::string> answersFor;               // actions whose request must be answered
   std::function<bool()> done = [] { return true; };  // and what else must have happened
 };
 
@@ -196,8 +201,8 @@ bool runCheckout(WebSDKWebView& view, const TrafficPrinter& traffic, const std::
         },
         10s);
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-    std::cout << "== step " << i + 1 << " " << (answered ? "answered" : "NOT ANSWERED") << " in " << ms.count()
-              << " ms" << std::endl;
+    std::cout << "== step " << i + 1 << " " << (answered ? "answered" : "NOT ANSWERED") << " in " << ms.count() << " ms"
+              << std::endl;
     allAnswered = allAnswered && answered && settle(view);
     if (!allAnswered) break;
   }
@@ -266,7 +271,8 @@ int run(int argc, char** argv) {
     };
   };
 
-  const Step open{"open the checkout", load, {"GET_USER_INFO", "GET_LOCAL_CART", "GET_CURRENT_ADDRESS", "GET_LOCATION"}};
+  const Step open{
+      "open the checkout", load, {"GET_USER_INFO", "GET_LOCAL_CART", "GET_CURRENT_ADDRESS", "GET_LOCATION"}};
   int status = 0;
   if (headless) {
     const std::vector<Step> steps = {
@@ -279,7 +285,8 @@ int run(int argc, char** argv) {
         // The navigation delegate keeps the view on trusted hosts: the page
         // stays, and the payment below still runs on it.
         {localPages ? "a partner link leaves the trusted pages" : "a partner link redirects off the trusted hosts",
-         click("partner"), {},
+         click("partner"),
+         {},
          [&] { return navigation->refused > 0; }},
         {"pay with the simulated provider", click("pay"), {"PAY_USING_AMAZON_PAY", "ORDER_CONFIRMED_EVENT"}},
     };
@@ -290,8 +297,10 @@ int run(int argc, char** argv) {
   } else {
     g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
     // With a screenshot to take, the page is shown once it has its answers.
-    if (screenshot.empty()) load();
-    else runCheckout(*view, *traffic, {open});
+    if (screenshot.empty())
+      load();
+    else
+      runCheckout(*view, *traffic, {open});
   }
 
   if (!screenshot.empty()) {

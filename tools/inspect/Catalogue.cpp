@@ -32,7 +32,7 @@ struct Place {
   std::vector<std::pair<std::string, std::unique_ptr<Place>>> members;  // in the order first looked up
   std::unique_ptr<Place> element;
   std::vector<ReadingKind> readings;  // in the order first made
-  std::vector<std::string> cases;  // the raw values an enumeration reading accepts
+  std::vector<std::string> cases;     // the raw values an enumeration reading accepts
   // Nothing read yet: the sample tries an object, then an array, then text,
   // each for one round in which the place was in the sample.
   int guess = 0;
@@ -52,7 +52,8 @@ enum class Shape { object, array, scalar };
 Shape shapeOf(const Place& p) {
   if (!p.members.empty() || p.has(ReadingKind::object) || p.has(ReadingKind::stringMap)) return Shape::object;
   if ((p.element && p.element->observed()) || p.has(ReadingKind::array)) return Shape::array;
-  if (p.readings.size() == 1 && p.has(ReadingKind::raw)) return Shape::object;  // anything goes; an object can be seen into
+  if (p.readings.size() == 1 && p.has(ReadingKind::raw))
+    return Shape::object;  // anything goes; an object can be seen into
   if (!p.readings.empty()) return Shape::scalar;
   return p.guess == 0 ? Shape::object : p.guess == 1 ? Shape::array : Shape::scalar;
 }
@@ -380,8 +381,7 @@ JSON catalogue() {
   forEachFamily([&]<class F>(F) { families.push_back(family<F>()); });
   JSONObject out;
   out.emplace("families", std::move(families));
-  out.emplace("pageFunctions",
-              pageFunctions(std::make_index_sequence<caseCount<WebSDKJSFunctionTypeCase>()>{}));
+  out.emplace("pageFunctions", pageFunctions(std::make_index_sequence<caseCount<WebSDKJSFunctionTypeCase>()>{}));
   return out;
 }
 

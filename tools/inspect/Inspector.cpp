@@ -19,10 +19,10 @@ struct Listener final : WebSDKJSCommunicationProtocol {
   void didReceiveRequest(std::string_view) override { received = true; }
 };
 
-
 // The host object registered for family F, when the options ask for it.
 template <class F>
-std::shared_ptr<typename F::Plugin> pluginFor(const Options& options, const std::shared_ptr<testing::EveryFamilyHost>& all) {
+std::shared_ptr<typename F::Plugin> pluginFor(const Options& options,
+                                              const std::shared_ptr<testing::EveryFamilyHost>& all) {
   if (!options.plugins.contains(std::string(F::name))) return nullptr;
   return std::static_pointer_cast<typename F::Plugin>(all);
 }
@@ -83,7 +83,8 @@ std::optional<Options> parseArguments(const std::vector<std::string>& args, std:
 int run(const Options& options, std::istream& in, std::ostream& out, std::ostream& err) {
   std::optional<JSONObject> delivered;
   auto plugins = std::make_shared<testing::EveryFamilyHost>([&](const testing::EveryFamilyHost::Delivery& d) {
-    delivered = JSONObject{{"family", d.family}, {"action", d.action}, {"requestId", d.requestId}, {"payload", d.payload}};
+    delivered =
+        JSONObject{{"family", d.family}, {"action", d.action}, {"requestId", d.requestId}, {"payload", d.payload}};
   });
   auto listener = std::make_shared<Listener>();
   auto owned = std::make_unique<testing::TestingEngine>();
@@ -125,7 +126,8 @@ int run(const Options& options, std::istream& in, std::ostream& out, std::ostrea
       name = std::string(n->get_string());
     }
     std::optional<std::string> url = options.url;
-    if (const JSON* u = fields["url"]) url = u->is_string() ? std::optional<std::string>(u->get_string()) : std::nullopt;
+    if (const JSON* u = fields["url"])
+      url = u->is_string() ? std::optional<std::string>(u->get_string()) : std::nullopt;
     engine.setURL(url);
 
     delivered.reset();

@@ -158,9 +158,9 @@ void post(JSCValue* body, gpointer data) {
       while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
       message[cut] = '\0';
     }
-  GVariant* params = g_variant_new("(@ssssbtt)", g_variant_new_take_string(message), channel::kName,
-                                   stamp->frameURL.c_str(), stamp->topURL.c_str(), stamp->isMainFrame,
-                                   stamp->topDocument, static_cast<guint64>(bytes));
+  GVariant* params =
+      g_variant_new("(@ssssbtt)", g_variant_new_take_string(message), channel::kName, stamp->frameURL.c_str(),
+                    stamp->topURL.c_str(), stamp->isMainFrame, stamp->topDocument, static_cast<guint64>(bytes));
   webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
                                        nullptr);
   g_object_unref(page);
@@ -210,9 +210,8 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
   JSCValue* install = jsc_context_evaluate(context, kInstall, -1);
   bool installed = false;
   if (install != nullptr && jsc_value_is_function(install)) {
-    JSCValue* done =
-        jsc_value_function_call(install, JSC_TYPE_VALUE, function, G_TYPE_STRING, channel::kName, G_TYPE_STRING,
-                                channel::kMarker, G_TYPE_NONE);
+    JSCValue* done = jsc_value_function_call(install, JSC_TYPE_VALUE, function, G_TYPE_STRING, channel::kName,
+                                             G_TYPE_STRING, channel::kMarker, G_TYPE_NONE);
     installed = done != nullptr && jsc_value_is_boolean(done) && jsc_value_to_boolean(done);
     if (done) g_object_unref(done);
   }
@@ -221,7 +220,8 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
   if (installed) {
     const guard::Rule* rule = ruleOf(page);
     if (rule == nullptr || !rule->trust.allowsServiceWorkers)
-      if (JSCValue* r = jsc_context_evaluate(context, "delete Navigator.prototype.serviceWorker", -1)) g_object_unref(r);
+      if (JSCValue* r = jsc_context_evaluate(context, "delete Navigator.prototype.serviceWorker", -1))
+        g_object_unref(r);
   }
   // Only the engine's own views hear of their documents.
   if (isMain && installed)
@@ -287,7 +287,7 @@ void pageCreated(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
 }  // namespace
 
 extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize_with_user_data(WebKitWebExtension* extension,
-                                                                                  GVariant* data) {
+                                                                               GVariant* data) {
   rules() = guard::decode(data);
   g_signal_connect(extension, "user-message-received", G_CALLBACK(extensionMessage), nullptr);
   g_signal_connect(extension, "page-created", G_CALLBACK(pageCreated), nullptr);

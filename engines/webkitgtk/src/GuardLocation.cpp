@@ -88,8 +88,10 @@ std::optional<std::string> moduleDirectory(const std::string& configured) {
     answers.emplace(std::move(key), found.directory);
   }
   // Told outside the lock: a log handler may make an engine of its own.
-  if (found.directory) log(LogLevel::debug, "engine", "web-process module from " + *found.directory);
-  else log(LogLevel::warning, "engine", found.warning);
+  if (found.directory)
+    log(LogLevel::debug, "engine", "web-process module from " + *found.directory);
+  else
+    log(LogLevel::warning, "engine", found.warning);
   return found.directory;
 }
 

@@ -103,8 +103,8 @@ class Registry {
  private:
   static void handle(WebKitURISchemeRequest* request, gpointer data) {
     auto& byView = static_cast<Registry*>(data)->byView_;
-    LocalRequest local{text(webkit_uri_scheme_request_get_uri(request)),
-                       text(webkit_uri_scheme_request_get_http_method(request)), {}};
+    LocalRequest local{
+        text(webkit_uri_scheme_request_get_uri(request)), text(webkit_uri_scheme_request_get_http_method(request)), {}};
     if (SoupMessageHeaders* headers = webkit_uri_scheme_request_get_http_headers(request))
       soup_message_headers_foreach(
           headers,

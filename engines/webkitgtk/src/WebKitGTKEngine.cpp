@@ -11,7 +11,6 @@
 #include "PageChannel.hpp"
 #include "websdk/Log.hpp"
 
-
 #include <cmath>
 #include <limits>
 #include <map>
@@ -31,9 +30,8 @@ void toGLib(const LogRecord& record) {
                                : record.level == LogLevel::info ? G_LOG_LEVEL_INFO
                                                                 : G_LOG_LEVEL_WARNING;
   const std::string message(record.message), topic(record.topic);
-  const GLogField fields[] = {{"GLIB_DOMAIN", "websdk", -1},
-                              {"MESSAGE", message.c_str(), -1},
-                              {"WEBSDK_TOPIC", topic.c_str(), -1}};
+  const GLogField fields[] = {
+      {"GLIB_DOMAIN", "websdk", -1}, {"MESSAGE", message.c_str(), -1}, {"WEBSDK_TOPIC", topic.c_str(), -1}};
   g_log_structured_array(level, fields, G_N_ELEMENTS(fields));
 }
 }  // namespace
@@ -211,7 +209,8 @@ class GuardRules {
       rule.loadFields = fields;
     }
     if (rule == before) return;
-    webkit_web_context_send_message_to_all_extensions(context, webkit_user_message_new(guard::kRules, guard::encode(all())));
+    webkit_web_context_send_message_to_all_extensions(context,
+                                                      webkit_user_message_new(guard::kRules, guard::encode(all())));
   }
   /// A view that is gone: its fields no longer need guarding in new processes.
   void remove(const void* owner) { byOwner_.erase(owner); }
@@ -277,8 +276,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // The timeout of the last load(), armed once that load starts: the time a
   // delegate takes to allow it is not the network's.
   std::optional<double> pendingTimeout;
-  bool failed = false;                      // current navigation failed: its end is not a finish
-  bool abandoned = false;                   // stopped on timeout: WebKit's own stop events stay quiet
+  bool failed = false;     // current navigation failed: its end is not a finish
+  bool abandoned = false;  // stopped on timeout: WebKit's own stop events stay quiet
   guint timeoutSource = 0;
 
   // Questions the client has not answered yet. An unanswered WebKit decision
@@ -309,36 +308,40 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   static std::shared_ptr<State> from(gpointer data) { return static_cast<Weak*>(data)->lock(); }
 
   void wire() {
-    connect(view, "load-changed", +[](WebKitWebView*, WebKitLoadEvent event, gpointer data) {
-      if (auto s = from(data); s && s->view) s->loadChanged(event);
-    });
-    connect(view, "load-failed",
-            +[](WebKitWebView*, WebKitLoadEvent event, gchar*, GError* error, gpointer data) -> gboolean {
-              if (auto s = from(data); s && s->view) return s->loadFailed(event, error);
-              return TRUE;
-            });
-    connect(view, "decide-policy",
-            +[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
-                gpointer data) -> gboolean {
-              if (auto s = from(data); s && s->view) return s->decidePolicy(decision, type);
-              return FALSE;
-            });
-    connect(view, "user-message-received",
-            +[](WebKitWebView*, WebKitUserMessage* message, gpointer data) -> gboolean {
-              if (auto s = from(data); s && s->view) return s->userMessage(message);
-              return FALSE;
-            });
-    connect(view, "authenticate", +[](WebKitWebView*, WebKitAuthenticationRequest* request, gpointer data) -> gboolean {
-      if (auto s = from(data); s && s->view) return s->authenticate(request);
-      return FALSE;
-    });
+    connect(
+        view, "load-changed", +[](WebKitWebView*, WebKitLoadEvent event, gpointer data) {
+          if (auto s = from(data); s && s->view) s->loadChanged(event);
+        });
+    connect(
+        view, "load-failed",
+        +[](WebKitWebView*, WebKitLoadEvent event, gchar*, GError* error, gpointer data) -> gboolean {
+          if (auto s = from(data); s && s->view) return s->loadFailed(event, error);
+          return TRUE;
+        });
+    connect(
+        view, "decide-policy",
+        +[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type, gpointer data) -> gboolean {
+          if (auto s = from(data); s && s->view) return s->decidePolicy(decision, type);
+          return FALSE;
+        });
+    connect(
+        view, "user-message-received", +[](WebKitWebView*, WebKitUserMessage* message, gpointer data) -> gboolean {
+          if (auto s = from(data); s && s->view) return s->userMessage(message);
+          return FALSE;
+        });
+    connect(
+        view, "authenticate", +[](WebKitWebView*, WebKitAuthenticationRequest* request, gpointer data) -> gboolean {
+          if (auto s = from(data); s && s->view) return s->authenticate(request);
+          return FALSE;
+        });
     // Pinch-zoom is watched ahead of the web view's own handling, so that a
     // refused pinch can be claimed (and so swallowed) as soon as it begins.
     zoomGesture = gtk_gesture_zoom_new(GTK_WIDGET(view));
     gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(zoomGesture), GTK_PHASE_CAPTURE);
-    connect(zoomGesture, "begin", +[](GtkGesture* gesture, GdkEventSequence*, gpointer data) {
-      if (auto s = from(data); s && s->view) s->zoomBegan(gesture);
-    });
+    connect(
+        zoomGesture, "begin", +[](GtkGesture* gesture, GdkEventSequence*, gpointer data) {
+          if (auto s = from(data); s && s->view) s->zoomBegan(gesture);
+        });
   }
 
   // ---- Teardown ----
@@ -429,8 +432,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     const WebSDKError e = toError(error);
     const WebSDKNavigation* navigation = current ? &*current : nullptr;
     if (client) {
-      if (event == WEBKIT_LOAD_COMMITTED) client->didFail(navigation, e);
-      else client->didFailProvisionalNavigation(navigation, e);
+      if (event == WEBKIT_LOAD_COMMITTED)
+        client->didFail(navigation, e);
+      else
+        client->didFailProvisionalNavigation(navigation, e);
     }
     // No built-in error page: what the user sees on failure is the host's call.
     return TRUE;
@@ -463,8 +468,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     abandoned = true;
     webkit_web_view_stop_loading(view);
     if (client)
-      client->didFailProvisionalNavigation(
-          &navigation, WebSDKError{g_quark_to_string(G_IO_ERROR), G_IO_ERROR_TIMED_OUT, "The request timed out.", true});
+      client->didFailProvisionalNavigation(&navigation, WebSDKError{g_quark_to_string(G_IO_ERROR), G_IO_ERROR_TIMED_OUT,
+                                                                    "The request timed out.", true});
   }
 
   // ---- Questions ----
@@ -504,8 +509,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
           webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
       WebKitURIRequest* request = webkit_navigation_action_get_request(action);
       const char* method = webkit_uri_request_get_http_method(request);
-      const WebSDKNavigationAction navigationAction{text(webkit_uri_request_get_uri(request)),
-                                                    method ? method : "GET",
+      const WebSDKNavigationAction navigationAction{text(webkit_uri_request_get_uri(request)), method ? method : "GET",
                                                     type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION,
                                                     webkit_navigation_action_is_user_gesture(action) != FALSE};
       if (client)
@@ -543,7 +547,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
         webkit_authentication_request_is_retry(request) ? 1 : 0};
     if (client)
       client->didReceive(challenge, [weak = weak_from_this(), id](WebSDKAuthChallengeDisposition disposition,
-                                                                   std::optional<WebSDKURLCredential> credential) {
+                                                                  std::optional<WebSDKURLCredential> credential) {
         onUIThread(weak, [id, disposition, credential = std::move(credential)](State& s) {
           s.settleChallenge(id, disposition, credential);
         });
@@ -651,8 +655,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     const auto handler = it->second.handler.lock();
     if (!handler) return;
     // The body reaches the handler as posted: any JSON value, checked there.
-    handler->userContentController(
-        ScriptMessage{name, std::move(body), std::move(origin), message, messageBytes});
+    handler->userContentController(ScriptMessage{name, std::move(body), std::move(origin), message, messageBytes});
   }
 
   gboolean userMessage(WebKitUserMessage* message) {
@@ -704,8 +707,11 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       log(LogLevel::warning, "engine",
           "the header guard module did not answer from this view's web process (" + why +
               "): the app's headers are not sent, and page messages are judged by the committed URL alone. It "
-              "was found in " + guardPlace + "; a web-extensions directory set on the web context since then "
-              "must hold " + guard::kModule + " too.");
+              "was found in " +
+              guardPlace +
+              "; a web-extensions directory set on the web context since then "
+              "must hold " +
+              guard::kModule + " too.");
     }
   }
 
@@ -765,8 +771,8 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
     webkit_user_content_manager_register_script_message_handler(s.contentManager, channel::kMarker);
   }
   s.cancellable = g_cancellable_new();
-  s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context,
-                                                          "user-content-manager", s.contentManager, nullptr)));
+  s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(
+      g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context, "user-content-manager", s.contentManager, nullptr)));
   g_object_unref(context);
   s.localPages = local::serve(s.view, configuration.localPages);
   webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), TRUE);
@@ -806,8 +812,10 @@ void WebKitGTKEngine::evaluateJavaScript(std::string script, ScriptCompletion co
         GError* error = nullptr;
         JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(source), result, &error);
         ScriptResult outcome;
-        if (error) outcome.error = text(error->message);
-        else outcome.value = toJSON(value);
+        if (error)
+          outcome.error = text(error->message);
+        else
+          outcome.value = toJSON(value);
         if (error) g_error_free(error);
         if (value) g_object_unref(value);
         // A completion for an engine that is gone is dropped.
@@ -819,9 +827,8 @@ void WebKitGTKEngine::evaluateJavaScript(std::string script, ScriptCompletion co
 void WebKitGTKEngine::addUserScript(const UserScript& script) {
   State& s = *state_;
   if (!s.view) return;
-  WebKitUserScript* userScript =
-      webkit_user_script_new(script.source.c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
-                             WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
+  WebKitUserScript* userScript = webkit_user_script_new(script.source.c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
+                                                        WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
   webkit_user_content_manager_add_script(s.contentManager, userScript);
   webkit_user_script_unref(userScript);
 }
@@ -846,8 +853,9 @@ void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script
   // The module runs it only if `document` is the page's top document when it
   // arrives: a navigation racing the answer cannot carry it into the next one.
   auto* text = new std::string(std::move(script));
-  GVariant* source = g_variant_new_from_data(G_VARIANT_TYPE_STRING, text->c_str(), text->size() + 1, TRUE,
-                                             [](gpointer p) { delete static_cast<std::string*>(p); }, text);
+  GVariant* source = g_variant_new_from_data(
+      G_VARIANT_TYPE_STRING, text->c_str(), text->size() + 1, TRUE,
+      [](gpointer p) { delete static_cast<std::string*>(p); }, text);
   GVariant* params = g_variant_new("(t@sb)", document, source, static_cast<gboolean>(completion != nullptr));
   WebKitUserMessage* message = webkit_user_message_new(channel::kEvaluate, params);
   if (!completion) {
@@ -871,8 +879,10 @@ void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script
           const char* value = nullptr;
           g_variant_get(params, "(bb&s)", &dropped, &failed, &value);
           outcome.dropped = dropped != FALSE;
-          if (failed) outcome.error = value;
-          else if (*value != '\0') outcome.value = parseJSON(value);
+          if (failed)
+            outcome.error = value;
+          else if (*value != '\0')
+            outcome.value = parseJSON(value);
         } else {
           // The page's process went away or could not take it: it never ran.
           outcome.dropped = true;

@@ -21,10 +21,10 @@ struct WEBSDK_EXPORT BridgeFamily {
   static constexpr auto operation = Operation;
 };
 
-#define WEBSDK_DETAIL_FAMILY(F, A, P, Plugin, field, op, familyName, message)                           \
-  struct F : BridgeFamily<A, P, Plugin, &WebSDKScriptHandler::field, &Plugin::op> {                      \
-    static constexpr std::string_view name = familyName;                                                 \
-    static constexpr std::string_view failureMessage = message;                                          \
+#define WEBSDK_DETAIL_FAMILY(F, A, P, Plugin, field, op, familyName, message)       \
+  struct F : BridgeFamily<A, P, Plugin, &WebSDKScriptHandler::field, &Plugin::op> { \
+    static constexpr std::string_view name = familyName;                            \
+    static constexpr std::string_view failureMessage = message;                     \
   };
 
 WEBSDK_DETAIL_FAMILY(GenericFamily, WebSDKGenericAction, WebSDKGenericRequestPayload, DvWebViewGenericCallsBacks,
@@ -42,9 +42,11 @@ WEBSDK_DETAIL_FAMILY(ChatConversationFamily, WebSDKChatConversationAction, WebSD
 WEBSDK_DETAIL_FAMILY(CartFamily, WebSDKCartAction, WebSDKCartRequestPayload, DvCartWebViewCallBacks, cartDelegate,
                      handleCartRequest, "cart", "Cart Plugin not subscribed or not a valid request")
 WEBSDK_DETAIL_FAMILY(PXCartFamily, WebSDKPXCartAction, WebSDKPXCartRequestPayload, DvPXCartWebViewCallBacks,
-                     pxCartDelegate, handlePXCartRequest, "pxCart", "PX Cart Plugin not subscribed or not a valid request")
+                     pxCartDelegate, handlePXCartRequest, "pxCart",
+                     "PX Cart Plugin not subscribed or not a valid request")
 WEBSDK_DETAIL_FAMILY(VRCartFamily, WebSDKVRCartAction, WebSDKVRCartRequestPayload, DvVRCartWebViewCallBacks,
-                     vrCartDelegate, handleVRCartRequest, "vrCart", "VR Cart Plugin not subscribed or not a valid request")
+                     vrCartDelegate, handleVRCartRequest, "vrCart",
+                     "VR Cart Plugin not subscribed or not a valid request")
 WEBSDK_DETAIL_FAMILY(GiftingCartFamily, WebSDKGiftingCartAction, WebSDKGiftingCartRequestPayload,
                      DvGiftingCartWebViewCallBacks, giftingCartDelegate, handleGiftingCartRequest, "giftingCart",
                      "Gifting Cart Plugin not subscribed or not a valid request")

@@ -23,25 +23,29 @@ namespace websdk {
 class WEBSDK_EXPORT DvWebViewGenericCallsBacks {
  public:
   virtual ~DvWebViewGenericCallsBacks() = default;
-  virtual void handleGenericRequest(const WebSDKGenericRequestModel& request, const WebSDKGenericRequestPayload& payload) = 0;
+  virtual void handleGenericRequest(const WebSDKGenericRequestModel& request,
+                                    const WebSDKGenericRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvWebViewPaymentsCallsBacks {
  public:
   virtual ~DvWebViewPaymentsCallsBacks() = default;
-  virtual void handlePaymentsRequest(const WebSDKPaymentsRequestModel& request, const WebSDKPaymentsRequestPayload& payload) = 0;
+  virtual void handlePaymentsRequest(const WebSDKPaymentsRequestModel& request,
+                                     const WebSDKPaymentsRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvWebViewRestaurantEmpathyCallsBacks {
  public:
   virtual ~DvWebViewRestaurantEmpathyCallsBacks() = default;
-  virtual void handleRestaurantEmpathyRequest(const WebSDKRestaurantEmpathyRequestModel& request, const WebSDKRestaurantEmpathyRequestPayload& payload) = 0;
+  virtual void handleRestaurantEmpathyRequest(const WebSDKRestaurantEmpathyRequestModel& request,
+                                              const WebSDKRestaurantEmpathyRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvWebViewChatConversationCallsBacks {
  public:
   virtual ~DvWebViewChatConversationCallsBacks() = default;
-  virtual void handleChatConversationRequest(const WebSDKChatConversationRequestModel& request, const WebSDKChatConversationRequestPayload& payload) = 0;
+  virtual void handleChatConversationRequest(const WebSDKChatConversationRequestModel& request,
+                                             const WebSDKChatConversationRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvCartWebViewCallBacks {
@@ -53,19 +57,22 @@ class WEBSDK_EXPORT DvCartWebViewCallBacks {
 class WEBSDK_EXPORT DvPXCartWebViewCallBacks {
  public:
   virtual ~DvPXCartWebViewCallBacks() = default;
-  virtual void handlePXCartRequest(const WebSDKPXCartRequestModel& request, const WebSDKPXCartRequestPayload& payload) = 0;
+  virtual void handlePXCartRequest(const WebSDKPXCartRequestModel& request,
+                                   const WebSDKPXCartRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvVRCartWebViewCallBacks {
  public:
   virtual ~DvVRCartWebViewCallBacks() = default;
-  virtual void handleVRCartRequest(const WebSDKVRCartRequestModel& request, const WebSDKVRCartRequestPayload& payload) = 0;
+  virtual void handleVRCartRequest(const WebSDKVRCartRequestModel& request,
+                                   const WebSDKVRCartRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvGiftingCartWebViewCallBacks {
  public:
   virtual ~DvGiftingCartWebViewCallBacks() = default;
-  virtual void handleGiftingCartRequest(const WebSDKGiftingCartRequestModel& request, const WebSDKGiftingCartRequestPayload& payload) = 0;
+  virtual void handleGiftingCartRequest(const WebSDKGiftingCartRequestModel& request,
+                                        const WebSDKGiftingCartRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvZippaWebViewCallBacks {
@@ -77,19 +84,22 @@ class WEBSDK_EXPORT DvZippaWebViewCallBacks {
 class WEBSDK_EXPORT DvWebViewSetRecipientInfoCallsBacks {
  public:
   virtual ~DvWebViewSetRecipientInfoCallsBacks() = default;
-  virtual void handleSetRecipientInfoRequest(const WebSDKSetRecipientInfoRequestModel& request, const WebSDKSetRecipientInfoRequestPayload& payload) = 0;
+  virtual void handleSetRecipientInfoRequest(const WebSDKSetRecipientInfoRequestModel& request,
+                                             const WebSDKSetRecipientInfoRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvAccountsWebViewCallBacks {
  public:
   virtual ~DvAccountsWebViewCallBacks() = default;
-  virtual void handleAccountsRequest(const WebSDKAccountsRequestModel& request, const WebSDKAccountsRequestPayload& payload) = 0;
+  virtual void handleAccountsRequest(const WebSDKAccountsRequestModel& request,
+                                     const WebSDKAccountsRequestPayload& payload) = 0;
 };
 
 class WEBSDK_EXPORT DvWebViewMenuListCallbacks {
  public:
   virtual ~DvWebViewMenuListCallbacks() = default;
-  virtual void handleMenuListRequest(const WebSDKMenuListRequestModel& request, const WebSDKMenuListPayload& payload) = 0;
+  virtual void handleMenuListRequest(const WebSDKMenuListRequestModel& request,
+                                     const WebSDKMenuListPayload& payload) = 0;
 };
 
 /// Why something sent to the page never ran there.

@@ -33,7 +33,9 @@ constexpr std::array<RawValue<E>, 0> rawValueTable() {
 }
 
 template <class E>
-concept RawEnum = std::is_enum_v<E> && requires(E e) { rawValues(e); };
+concept RawEnum = std::is_enum_v<E> && requires(E e) {
+  rawValues(e);
+};
 
 namespace detail {
 template <class E, std::size_t N>
@@ -87,9 +89,8 @@ constexpr auto allCases() {
 
 /// Declares an enumeration whose raw values are its case names (the case tags
 /// of typed payloads): WEBSDK_NAMED_CASES(Case, getCart, updateCart, ...).
-#define WEBSDK_NAMED_CASES(E, ...)                                                 \
-  enum class E { __VA_ARGS__ };                                                   \
-  constexpr auto rawValues(E) {                                                   \
-    return std::to_array<::websdk::RawValue<E>>(                                   \
-        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_CASE_NAME, E, __VA_ARGS__)});            \
+#define WEBSDK_NAMED_CASES(E, ...)                                                                               \
+  enum class E { __VA_ARGS__ };                                                                                  \
+  constexpr auto rawValues(E) {                                                                                  \
+    return std::to_array<::websdk::RawValue<E>>({WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_CASE_NAME, E, __VA_ARGS__)}); \
   }

@@ -38,7 +38,10 @@ struct Carries {
 namespace detail {
 template <class T>
 bool equalCarried(const T& a, const T& b) {
-  if constexpr (requires { typename T::element_type; a.get(); }) {
+  if constexpr (requires {
+                  typename T::element_type;
+                  a.get();
+                }) {
     return a == b || (a && b && *a == *b);  // shared references compare by value
   } else {
     return a == b;
@@ -69,8 +72,7 @@ class TaggedPayload {
 
   /// The payload of case C, carrying `model`.
   template <Case C>
-    requires(slot<C>() != 0)
-  static Self make(ModelOf<C> model) {
+  requires(slot<C>() != 0) static Self make(ModelOf<C> model) {
     Self s;
     s.case_ = C;
     s.value_.template emplace<slot<C>()>(std::move(model));
@@ -79,8 +81,7 @@ class TaggedPayload {
 
   /// The payload of case C, which carries nothing.
   template <Case C>
-    requires(slot<C>() == 0)
-  static Self make() {
+  requires(slot<C>() == 0) static Self make() {
     Self s;
     s.case_ = C;
     return s;
@@ -88,8 +89,7 @@ class TaggedPayload {
 
   /// Case C carrying the decoded model, or nothing when decoding failed.
   template <Case C>
-    requires(slot<C>() != 0)
-  static std::optional<Self> whenDecoded(std::optional<ModelOf<C>> model) {
+  requires(slot<C>() != 0) static std::optional<Self> whenDecoded(std::optional<ModelOf<C>> model) {
     if (!model) return std::nullopt;
     return make<C>(std::move(*model));
   }
@@ -97,8 +97,9 @@ class TaggedPayload {
   /// Case C carrying its model read from `payload` by the model's own reader,
   /// or nothing when the reader fails.
   template <Case C>
-    requires(slot<C>() != 0 && requires(const std::optional<JSONObject>& p) { ModelOf<C>::from(p); })
-  static std::optional<Self> decode(const std::optional<JSONObject>& payload) {
+  requires(slot<C>() != 0 && requires(const std::optional<JSONObject>& p) {
+    ModelOf<C>::from(p);
+  }) static std::optional<Self> decode(const std::optional<JSONObject>& payload) {
     return whenDecoded<C>(ModelOf<C>::from(payload));
   }
 
@@ -108,8 +109,7 @@ class TaggedPayload {
 
   /// What case C carries, or nullptr when this payload is another case.
   template <Case C>
-    requires(slot<C>() != 0)
-  const ModelOf<C>* get() const {
+  requires(slot<C>() != 0) const ModelOf<C>* get() const {
     return case_ == C ? std::get_if<slot<C>()>(&value_) : nullptr;
   }
 

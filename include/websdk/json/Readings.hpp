@@ -20,18 +20,35 @@ namespace websdk {
 
 /// The readings below, by name.
 enum class ReadingKind {
-  lenientString, strictString, lenientBool, strictBool, lenientInt, lenientDouble,
-  number, integer, object, array, stringMap, raw, enumeration
+  lenientString,
+  strictString,
+  lenientBool,
+  strictBool,
+  lenientInt,
+  lenientDouble,
+  number,
+  integer,
+  object,
+  array,
+  stringMap,
+  raw,
+  enumeration
 };
 constexpr auto rawValues(ReadingKind) {
   using enum ReadingKind;
-  return rawValueTable<ReadingKind>({{lenientString, "lenientString"}, {strictString, "strictString"},
-                                 {lenientBool, "lenientBool"},     {strictBool, "strictBool"},
-                                 {lenientInt, "lenientInt"},       {lenientDouble, "lenientDouble"},
-                                 {number, "number"},               {integer, "integer"},
-                                 {object, "object"},               {array, "array"},
-                                 {stringMap, "stringMap"},         {raw, "raw"},
-                                 {enumeration, "enumeration"}});
+  return rawValueTable<ReadingKind>({{lenientString, "lenientString"},
+                                     {strictString, "strictString"},
+                                     {lenientBool, "lenientBool"},
+                                     {strictBool, "strictBool"},
+                                     {lenientInt, "lenientInt"},
+                                     {lenientDouble, "lenientDouble"},
+                                     {number, "number"},
+                                     {integer, "integer"},
+                                     {object, "object"},
+                                     {array, "array"},
+                                     {stringMap, "stringMap"},
+                                     {raw, "raw"},
+                                     {enumeration, "enumeration"}});
 }
 
 /// Watches readers at work: told of every key a `Fields` view looks up and of
@@ -155,7 +172,9 @@ class WEBSDK_EXPORT Fields {
     return websdk::stringMap((*this)[key]);
   }
   template <class E>
-  std::optional<E> enumeration(std::string_view key) const { return websdk::enumeration<E>((*this)[key]); }
+  std::optional<E> enumeration(std::string_view key) const {
+    return websdk::enumeration<E>((*this)[key]);
+  }
 
  private:
   const JSONObject* object_ = nullptr;

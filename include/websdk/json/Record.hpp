@@ -45,7 +45,9 @@ constexpr Field<T, M> field(std::string_view name, M T::*member, std::string_vie
 }
 
 template <class T>
-concept Record = requires { T::fields(); };
+concept Record = requires {
+  T::fields();
+};
 
 /// Whether encoding writes each field under its key or under its name.
 enum class FieldNaming { keys, names };
@@ -161,12 +163,14 @@ JSON toJSONValue(const V& v, FieldNaming naming) {
     return JSON(static_cast<double>(v));
   } else if constexpr (std::is_convertible_v<const V&, std::string_view>) {
     return JSON(std::string_view(v));
-  } else if constexpr (std::is_same_v<V, JSON> || std::is_same_v<V, JSONObject> ||
-                       std::is_same_v<V, JSONArray>) {
+  } else if constexpr (std::is_same_v<V, JSON> || std::is_same_v<V, JSONObject> || std::is_same_v<V, JSONArray>) {
     return JSON(v);
   } else if constexpr (detail::IsOptional<V>::value) {
     return v ? toJSONValue(*v, naming) : JSON(nullptr);
-  } else if constexpr (requires { typename V::element_type; v.get(); }) {
+  } else if constexpr (requires {
+                         typename V::element_type;
+                         v.get();
+                       }) {
     return v ? toJSONValue(*v, naming) : JSON(nullptr);
   } else if constexpr (requires { typename V::mapped_type; }) {
     JSONObject o;
@@ -194,17 +198,17 @@ void PrintTo(const T& record, std::ostream* os) {
 #define WEBSDK_DETAIL_KEYED_FIELD_II(T, m, key) ::websdk::field(#m, &T::m, key)
 
 /// Declares a record's fields (by name) and its memberwise equality.
-#define WEBSDK_RECORD(T, ...)                                                        \
-  static constexpr auto fields() {                                                   \
+#define WEBSDK_RECORD(T, ...)                                                                        \
+  static constexpr auto fields() {                                                                   \
     return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_FIELD, T, __VA_ARGS__)); \
-  }                                                                                  \
+  }                                                                                                  \
   friend bool operator==(const T&, const T&) = default;
 
 /// Declares a record's fields as (field, "key") pairs and its equality.
-#define WEBSDK_KEYED_RECORD(T, ...)                                                  \
-  static constexpr auto fields() {                                                   \
+#define WEBSDK_KEYED_RECORD(T, ...)                                                                        \
+  static constexpr auto fields() {                                                                         \
     return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_KEYED_FIELD, T, __VA_ARGS__)); \
-  }                                                                                  \
+  }                                                                                                        \
   friend bool operator==(const T&, const T&) = default;
 
 namespace websdk::detail {

@@ -141,7 +141,12 @@ struct WEBSDK_EXPORT WebSDKAuthenticationChallenge {
 
 enum class WebSDKNavigationActionPolicy { cancel, allow };
 enum class WebSDKNavigationResponsePolicy { cancel, allow };
-enum class WebSDKAuthChallengeDisposition { useCredential, performDefaultHandling, cancelAuthenticationChallenge, rejectProtectionSpace };
+enum class WebSDKAuthChallengeDisposition {
+  useCredential,
+  performDefaultHandling,
+  cancelAuthenticationChallenge,
+  rejectProtectionSpace
+};
 
 struct WEBSDK_EXPORT WebSDKURLCredential {
   std::string user;
@@ -162,7 +167,8 @@ class WEBSDK_EXPORT WebEngineClient {
   virtual void didFinish(const WebSDKNavigation* navigation) = 0;
   virtual void didFail(const WebSDKNavigation* navigation, const WebSDKError& error) = 0;
   virtual void didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) = 0;
-  virtual void decidePolicyFor(const WebSDKNavigationAction& action, WebSDKNavigationActionDecision decisionHandler) = 0;
+  virtual void decidePolicyFor(const WebSDKNavigationAction& action,
+                               WebSDKNavigationActionDecision decisionHandler) = 0;
   virtual void decidePolicyFor(const WebSDKNavigationResponse& response,
                                WebSDKNavigationResponseDecision decisionHandler) = 0;
   virtual void didReceive(const WebSDKAuthenticationChallenge& challenge,

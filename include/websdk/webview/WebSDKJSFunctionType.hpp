@@ -63,18 +63,17 @@ WEBSDK_NAMED_CASES(WebSDKJSFunctionTypeCase, keyboardStateChanged, onScreenVisib
                    onHalfCardBackgroundTap, updateLocationHeader, pageResume)
 
 class WEBSDK_EXPORT WebSDKJSFunctionType
-    : public TaggedPayload<
-          WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
-          Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,
-          Carries<WebSDKJSFunctionTypeCase::onScreenVisibility, jsfunction::ScreenVisibility>,
-          Carries<WebSDKJSFunctionTypeCase::openDeeplink, jsfunction::Deeplink>,
-          Carries<WebSDKJSFunctionTypeCase::userStateChange, jsfunction::UserState>,
-          Carries<WebSDKJSFunctionTypeCase::allowNativeBottomBarExit, jsfunction::PayloadData>,
-          Carries<WebSDKJSFunctionTypeCase::searchQueryInput, jsfunction::SearchQuery>,
-          Carries<WebSDKJSFunctionTypeCase::menuListInteracted, jsfunction::MenuListInteraction>,
-          Carries<WebSDKJSFunctionTypeCase::handlePXSearchActions, jsfunction::PXSearchAction>,
-          Carries<WebSDKJSFunctionTypeCase::updateScratchCardsData, jsfunction::ScratchCardsData>,
-          Carries<WebSDKJSFunctionTypeCase::globalJSBridgeHandler, jsfunction::PayloadData>> {
+    : public TaggedPayload<WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
+                           Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,
+                           Carries<WebSDKJSFunctionTypeCase::onScreenVisibility, jsfunction::ScreenVisibility>,
+                           Carries<WebSDKJSFunctionTypeCase::openDeeplink, jsfunction::Deeplink>,
+                           Carries<WebSDKJSFunctionTypeCase::userStateChange, jsfunction::UserState>,
+                           Carries<WebSDKJSFunctionTypeCase::allowNativeBottomBarExit, jsfunction::PayloadData>,
+                           Carries<WebSDKJSFunctionTypeCase::searchQueryInput, jsfunction::SearchQuery>,
+                           Carries<WebSDKJSFunctionTypeCase::menuListInteracted, jsfunction::MenuListInteraction>,
+                           Carries<WebSDKJSFunctionTypeCase::handlePXSearchActions, jsfunction::PXSearchAction>,
+                           Carries<WebSDKJSFunctionTypeCase::updateScratchCardsData, jsfunction::ScratchCardsData>,
+                           Carries<WebSDKJSFunctionTypeCase::globalJSBridgeHandler, jsfunction::PayloadData>> {
  public:
   static WebSDKJSFunctionType keyboardStateChanged(bool visible, double height) {
     return make<Case::keyboardStateChanged>({visible, height});

@@ -18,9 +18,7 @@ class WEBSDK_EXPORT WebSDKNavigationDelegate {
   virtual void didStartProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation) = 0;
   virtual void didFinish(WebSDKWebView& webView, const WebSDKNavigation* navigation) = 0;
   /// Never called by the web view itself; available to the host.
-  virtual void didFailLoadingWithError(WebSDKWebView& webView, const WebSDKError& error) {
-    (void)webView, (void)error;
-  }
+  virtual void didFailLoadingWithError(WebSDKWebView& webView, const WebSDKError& error) { (void)webView, (void)error; }
   /// A committed navigation failed.
   virtual void didFail(WebSDKWebView& webView, const WebSDKNavigation* navigation, const WebSDKError& error) {
     (void)webView, (void)navigation, (void)error;

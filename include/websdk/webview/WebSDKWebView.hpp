@@ -94,8 +94,8 @@ class WEBSDK_EXPORT WebSDKJSInteractionProtocol {
 };
 
 class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
-                            private WebEngineClient,
-                            public std::enable_shared_from_this<WebSDKWebView> {
+                                          private WebEngineClient,
+                                          public std::enable_shared_from_this<WebSDKWebView> {
   // Only create() can make one: a view that is not wired (no bridge
   // back-reference, no engine client) must not exist.
   class Passkey {

@@ -20,8 +20,7 @@ std::optional<WebSDKAccountsRequestPayload> WebSDKAccountsRequestPayload::valida
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKAccountsAction::updateProfileInfo: return P::make<updateProfileInfo>();
-    case WebSDKAccountsAction::verifyMobileNo:
-      return P::decode<verifyMobileNo>(payload);
+    case WebSDKAccountsAction::verifyMobileNo: return P::decode<verifyMobileNo>(payload);
     case WebSDKAccountsAction::logout: return P::decode<logout>(payload);
   }
   return std::nullopt;

@@ -9,7 +9,8 @@ std::optional<WebSDKGetCartRequestModel> WebSDKGetCartRequestModel::from(const s
                                    tenant.lenientString("marketplaceBusinessLine")};
 }
 
-std::optional<WebSDKUpdateCartRequestModel> WebSDKUpdateCartRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKUpdateCartRequestModel> WebSDKUpdateCartRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   return WebSDKUpdateCartRequestModel{p.object("tenant"), p.object("data")};
 }
@@ -20,7 +21,8 @@ std::optional<WebSDKCustomiseCartItemsRequestModel> WebSDKCustomiseCartItemsRequ
   return WebSDKCustomiseCartItemsRequestModel{p.object("tenant"), p.object("data")};
 }
 
-std::optional<WebSDKApplyCouponRequestModel> WebSDKApplyCouponRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKApplyCouponRequestModel> WebSDKApplyCouponRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   if (p.empty()) return std::nullopt;
   auto restaurantId = p.strictString("restaurantId");
@@ -49,7 +51,8 @@ std::optional<WebSDKGetVRCartRequestModel> WebSDKGetVRCartRequestModel::from(con
   return WebSDKGetVRCartRequestModel{Fields(payload).strictString("flowType")};
 }
 
-std::optional<WebSDKClearVRCartRequestModel> WebSDKClearVRCartRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKClearVRCartRequestModel> WebSDKClearVRCartRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   return WebSDKClearVRCartRequestModel{Fields(payload).strictString("flowType")};
 }
@@ -58,20 +61,20 @@ std::optional<WebSDKUpdateVRCartRequestModel> WebSDKUpdateVRCartRequestModel::fr
     const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   const Fields p(payload);
-  return WebSDKUpdateVRCartRequestModel{p.array("items"),         p.raw("cartMetaData"),
-                                        p.raw("location"),        p.strictString("cartType"),
+  return WebSDKUpdateVRCartRequestModel{p.array("items"),           p.raw("cartMetaData"),
+                                        p.raw("location"),          p.strictString("cartType"),
                                         p.strictString("flowType"), p.strictBool("forceRefresh").value_or(false)};
 }
 
-std::optional<WebSDKCartRequestPayload> WebSDKCartRequestPayload::validateRequest(const WebSDKCartRequestModel& request) {
+std::optional<WebSDKCartRequestPayload> WebSDKCartRequestPayload::validateRequest(
+    const WebSDKCartRequestModel& request) {
   using P = WebSDKCartRequestPayload;
   using enum WebSDKCartRequestPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKCartAction::getCart: return P::decode<getCart>(payload);
     case WebSDKCartAction::updateCart: return P::decode<updateCart>(payload);
-    case WebSDKCartAction::customiseCartItem:
-      return P::decode<customiseCartItem>(payload);
+    case WebSDKCartAction::customiseCartItem: return P::decode<customiseCartItem>(payload);
     case WebSDKCartAction::clearCart: return P::make<clearCart>();
     case WebSDKCartAction::applyCoupon: return P::decode<applyCoupon>(payload);
     case WebSDKCartAction::switchToNativeCart: return P::make<switchToNativeCart>();
@@ -86,13 +89,10 @@ std::optional<WebSDKPXCartRequestPayload> WebSDKPXCartRequestPayload::validateRe
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKPXCartAction::getPXCart: return P::make<getPXCart>();
-    case WebSDKPXCartAction::updatePXCart:
-      return P::decode<updatePXCart>(payload);
-    case WebSDKPXCartAction::updatePXCartV2:
-      return P::decode<updatePXCartV2>(payload);
+    case WebSDKPXCartAction::updatePXCart: return P::decode<updatePXCart>(payload);
+    case WebSDKPXCartAction::updatePXCartV2: return P::decode<updatePXCartV2>(payload);
     case WebSDKPXCartAction::clearPXCart: return P::make<clearPXCart>();
-    case WebSDKPXCartAction::pxSharedPreference:
-      return P::decode<sharedPreference>(payload);
+    case WebSDKPXCartAction::pxSharedPreference: return P::decode<sharedPreference>(payload);
   }
   return std::nullopt;
 }
@@ -104,8 +104,7 @@ std::optional<WebSDKVRCartRequestPayload> WebSDKVRCartRequestPayload::validateRe
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKVRCartAction::getVRCart: return P::decode<getVRCart>(payload);
-    case WebSDKVRCartAction::updateVRCart:
-      return P::decode<updateVRCart>(payload);
+    case WebSDKVRCartAction::updateVRCart: return P::decode<updateVRCart>(payload);
     case WebSDKVRCartAction::clearVRCart: return P::decode<clearVRCart>(payload);
   }
   return std::nullopt;
@@ -117,10 +116,8 @@ std::optional<WebSDKGiftingCartRequestPayload> WebSDKGiftingCartRequestPayload::
   using enum WebSDKGiftingCartRequestPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
-    case WebSDKGiftingCartAction::getGiftingCart:
-      return P::decode<getGiftingCart>(payload);
-    case WebSDKGiftingCartAction::updateGiftingCart:
-      return P::decode<updateGiftingCart>(payload);
+    case WebSDKGiftingCartAction::getGiftingCart: return P::decode<getGiftingCart>(payload);
+    case WebSDKGiftingCartAction::updateGiftingCart: return P::decode<updateGiftingCart>(payload);
     case WebSDKGiftingCartAction::clearGiftingCart: return P::make<clearGiftingCart>();
   }
   return std::nullopt;

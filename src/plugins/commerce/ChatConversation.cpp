@@ -7,7 +7,8 @@ std::optional<WebSDKChatConversationRequestPayload> WebSDKChatConversationReques
   using P = WebSDKChatConversationRequestPayload;
   using enum WebSDKChatConversationRequestPayloadCase;
   switch (request.type) {
-    case WebSDKChatConversationAction::getSupportUnreadConversationData: return P::make<getSupportUnreadConversationData>();
+    case WebSDKChatConversationAction::getSupportUnreadConversationData:
+      return P::make<getSupportUnreadConversationData>();
     case WebSDKChatConversationAction::updateConversationId: return P::make<updateConversationId>();
   }
   return std::nullopt;

@@ -23,10 +23,8 @@ std::optional<WebSDKMenuListPayload> WebSDKMenuListPayload::validateRequest(cons
   using enum WebSDKMenuListPayloadCase;
   const auto& payload = request.payload;
   switch (request.type) {
-    case WebSDKMenuListAction::shareCollection:
-      return P::decode<shareCollectionDetails>(payload);
-    case WebSDKMenuListAction::updateMenuList:
-      return P::decode<updateMenuList>(payload);
+    case WebSDKMenuListAction::shareCollection: return P::decode<shareCollectionDetails>(payload);
+    case WebSDKMenuListAction::updateMenuList: return P::decode<updateMenuList>(payload);
     case WebSDKMenuListAction::showMenulet: return P::decode<showMenulet>(payload);
   }
   return std::nullopt;

@@ -50,10 +50,9 @@ std::optional<WebSDKRestaurantEmpathyDataRequestModel> WebSDKRestaurantEmpathyDa
   StrictReader r{Fields(json)};
   auto share = ShareMessage::from(r.fields.object("share"));
   if (!share) return std::nullopt;
-  WebSDKRestaurantEmpathyDataRequestModel model{r.required("imageId"),  r.required("header"),
-                                                r.required("message"),  std::move(*share),
-                                                r.required("userName"), r.required("restaurantName"),
-                                                r.required("orderId")};
+  WebSDKRestaurantEmpathyDataRequestModel model{
+      r.required("imageId"),  r.required("header"),         r.required("message"), std::move(*share),
+      r.required("userName"), r.required("restaurantName"), r.required("orderId")};
   if (!r.ok) return std::nullopt;
   return model;
 }

@@ -39,13 +39,10 @@ std::optional<WebSDKZippaRequestPayload> WebSDKZippaRequestPayload::validateRequ
   const auto& payload = request.payload;
   switch (request.type) {
     case WebSDKZippaAction::imageUpload: return P::decode<imageUpload>(payload);
-    case WebSDKZippaAction::googleImageUpload:
-      return P::decode<googleImageUpload>(payload);
-    case WebSDKZippaAction::proccedOrder:
-      return P::decode<proccedOrder>(payload);
+    case WebSDKZippaAction::googleImageUpload: return P::decode<googleImageUpload>(payload);
+    case WebSDKZippaAction::proccedOrder: return P::decode<proccedOrder>(payload);
     case WebSDKZippaAction::kycInit: return P::decode<kycInit>(payload);
-    case WebSDKZippaAction::makeZippaPayment:
-      return P::decode<makeZippaPayment>(payload);
+    case WebSDKZippaAction::makeZippaPayment: return P::decode<makeZippaPayment>(payload);
   }
   return std::nullopt;
 }

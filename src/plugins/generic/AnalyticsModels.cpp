@@ -89,8 +89,11 @@ std::optional<WebSDKQuizProgressUpdateModel> WebSDKQuizProgressUpdateModel::from
   const auto total = decimalInteger(params.lenientString("totalQuestions"));
   const auto attempted = decimalInteger(params.lenientString("attemptedQuestions"));
   if (!total || !attempted) return std::nullopt;
-  return WebSDKQuizProgressUpdateModel{params.lenientString("quizName"), *total, *attempted,
-                                       params.strictString("flowType"), params.strictBool("appNavigationEnabled"),
+  return WebSDKQuizProgressUpdateModel{params.lenientString("quizName"),
+                                       *total,
+                                       *attempted,
+                                       params.strictString("flowType"),
+                                       params.strictBool("appNavigationEnabled"),
                                        params.raw("metaData")};
 }
 

@@ -47,14 +47,12 @@ std::optional<WebSDKGenericRequestPayload> WebSDKGenericRequestPayload::validate
     case A::dialogConfirm: return P::decode<dialogConfirm>(payload);
     case A::getUserInfo: return P::make<getUserInfo>();
     case A::closeWebview: return P::decode<closeWebview>(payload);
-    case A::navigateToScreen:
-      return P::decode<navigateToScreen>(payload);
+    case A::navigateToScreen: return P::decode<navigateToScreen>(payload);
     case A::getDovaraHeaders: return P::make<getDovaraHeaders>();
     case A::webNavigate: return P::decode<webNavigate>(payload);
     case A::showHeader: return P::decode<showHeader>(payload);
     case A::storage: return P::decode<storage>(payload);
-    case A::extendAppActiveInBackground:
-      return P::decode<extendAppActiveInBackground>(payload);
+    case A::extendAppActiveInBackground: return P::decode<extendAppActiveInBackground>(payload);
     case A::toggleBottomBar: return P::decode<toggleBottomBar>(payload);
     case A::login: return P::decode<login>(payload);
     case A::openOrbisV2: return P::decode<openOrbisV2>(payload);
@@ -63,13 +61,10 @@ std::optional<WebSDKGenericRequestPayload> WebSDKGenericRequestPayload::validate
     case A::vibrate: return P::decode<vibrate>(payload);
     case A::whatsappShare: return P::decode<whatsappShare>(payload);
     case A::openShareSheet: return P::decode<openShareSheet>(payload);
-    case A::copyTextToClipboard:
-      return P::decode<copyTextToClipboard>(payload);
-    case A::disableNativeScroll:
-      return P::decode<disableNativeScroll>(payload);
+    case A::copyTextToClipboard: return P::decode<copyTextToClipboard>(payload);
+    case A::disableNativeScroll: return P::decode<disableNativeScroll>(payload);
     case A::addNewAddress: return P::decode<addNewAddress>(payload);
-    case A::sendCleverTapEvent:
-      return P::decode<sendCleverTapEvent>(payload);
+    case A::sendCleverTapEvent: return P::decode<sendCleverTapEvent>(payload);
     case A::enableBackSwipe: return P::decode<toggleBackSwipe>(payload);
     case A::showLoader: return P::make<showLoader>();
     case A::hideLoader: return P::make<hideLoader>();
@@ -83,29 +78,22 @@ std::optional<WebSDKGenericRequestPayload> WebSDKGenericRequestPayload::validate
     case A::voiceSearch: return P::decode<voiceSearch>(payload);
     case A::getSelectedLocation: return P::make<getSelectedLocation>();
     case A::openSearchLocation: return P::make<openSearchLocation>();
-    case A::setLocationWithDeeplink:
-      return P::decode<setLocationWithDeeplink>(payload);
+    case A::setLocationWithDeeplink: return P::decode<setLocationWithDeeplink>(payload);
     case A::bottomBarTabSwitch: return P::decode<switchBottomBarTab>(payload);
     case A::isLocationEnabled: return P::make<isLocationEnabled>();
     case A::getTnsSignal: return P::make<getTnsSignal>();
     case A::screenCapturing: return P::decode<screenCapturing>(payload);
-    case A::toggleNativeSearchBar:
-      return P::decode<toggleNativeSearchBar>(payload);
-    case A::updateNativeSearchBar:
-      return P::decode<updateNativeSearchBar>(payload);
+    case A::toggleNativeSearchBar: return P::decode<toggleNativeSearchBar>(payload);
+    case A::updateNativeSearchBar: return P::decode<updateNativeSearchBar>(payload);
     case A::launchBrowser: return P::decode<launchBrowser>(payload);
     case A::getConfigValue: return P::decode<getConfigValue>(payload);
-    case A::updateLiveActivity:
-      return P::decode<updateLiveActivity>(payload);
+    case A::updateLiveActivity: return P::decode<updateLiveActivity>(payload);
     case A::updateAccessToken: return P::make<updateAccessToken>();
     case A::getNotificationPermissionStatus: return P::make<getNotificationPermissionStatus>();
-    case A::getSortedAddresses:
-      return P::decode<getSortedAddresses>(payload);
+    case A::getSortedAddresses: return P::decode<getSortedAddresses>(payload);
     case A::quizProgressUpdate: return P::decode<quizProgressUpdate>(payload);
-    case A::isWebBottomBarVisible:
-      return P::decode<isWebBottomBarVisible>(payload);
-    case A::toggleQuicksHeaderTab:
-      return P::decode<toggleQuicksHeaderTab>(payload);
+    case A::isWebBottomBarVisible: return P::decode<isWebBottomBarVisible>(payload);
+    case A::toggleQuicksHeaderTab: return P::decode<toggleQuicksHeaderTab>(payload);
     case A::getLocalIRCTCPayload: return P::make<getLocalIRCTCPayload>();
     case A::getAsyncIRCTCPayload: return P::make<getAsyncIRCTCPayload>();
     // Journey data that does not read still reaches the host, as the case
@@ -115,22 +103,18 @@ std::optional<WebSDKGenericRequestPayload> WebSDKGenericRequestPayload::validate
     case A::mediaUpload: return P::decode<mediaUpload>(payload);
     case A::trackEvent: return P::decode<trackEvent>(payload);
     case A::refreshParentScreen: return P::make<refreshParentScreen>();
-    case A::sendFrequencyCappingEvent:
-      return P::decode<sendFrequencyCappingEvent>(payload);
+    case A::sendFrequencyCappingEvent: return P::decode<sendFrequencyCappingEvent>(payload);
     case A::initPXWeb: return P::make<initPXWeb>();
     case A::groupOrderInvite: return P::decode<groupOrderInvite>(payload);
     case A::groupOrderDelete: return P::decode<groupOrderDelete>(payload);
     case A::groupOrderLeave: return P::decode<groupOrderLeave>(payload);
     case A::refreshScreen: return P::decode<refreshScreen>(payload);
-    case A::submitUploadedFiles:
-      return P::decode<submitUploadedFiles>(payload);
+    case A::submitUploadedFiles: return P::decode<submitUploadedFiles>(payload);
     case A::getGPSLocation: return P::make<getGPSLocation>();
     case A::getGPSLocationV2: return P::decode<getGPSLocationV2>(payload);
     case A::downloadFile: return P::decode<downloadFile>(payload);
-    case A::openWebViewAndSyncData:
-      return P::decode<openWebViewAndSyncData>(payload);
-    case A::closeWebViewAndSyncData:
-      return P::decode<closeWebViewAndSyncData>(payload);
+    case A::openWebViewAndSyncData: return P::decode<openWebViewAndSyncData>(payload);
+    case A::closeWebViewAndSyncData: return P::decode<closeWebViewAndSyncData>(payload);
     case A::getHalfCardHeight: {
       auto model = WebSDKGetHalfCardHeightRequestModel::from(payload);
       if (!model) return std::nullopt;

@@ -96,10 +96,9 @@ static_assert(checkRecord<WebSDKSetLocationRequestModel>() && checkRecord<Locati
               checkRecord<WebSDKDeviceDetailsResponseModel>() && checkRecord<WebSDKGetLocationResponseModel>() &&
               checkRecord<WebSDKGetCurrentAddressResponseModel>() && checkRecord<AddressMetadataResponse>() &&
               checkRecord<WebSDKGetSortedAddressesResponseModel>() &&
-              checkRecord<WebSDKEditDirectionsResponseModel>() &&
-              checkRecord<WebSDKDialogConfirmResponseModel>() && checkRecord<PinLocation>() &&
-              checkRecord<WebSDKGetTnsSignalResponseModel>() && checkRecord<InternationalUser>() &&
-              checkRecord<OrbisData>() && checkRecord<WebSDKGetUserInfoResponseModel>() &&
-              checkRecord<WebSDKIRCTCResponseModel>());
+              checkRecord<WebSDKEditDirectionsResponseModel>() && checkRecord<WebSDKDialogConfirmResponseModel>() &&
+              checkRecord<PinLocation>() && checkRecord<WebSDKGetTnsSignalResponseModel>() &&
+              checkRecord<InternationalUser>() && checkRecord<OrbisData>() &&
+              checkRecord<WebSDKGetUserInfoResponseModel>() && checkRecord<WebSDKIRCTCResponseModel>());
 
 }  // namespace websdk

@@ -87,8 +87,8 @@ std::optional<std::vector<T>> decodeList(const JSON* value) {
 
 // ---- Requests ----------------------------------------------------------------
 
-std::optional<WebSDKGetOneClickCardEligibilityRequestModel::Card> WebSDKGetOneClickCardEligibilityRequestModel::Card::decode(
-    const JSON& value) {
+std::optional<WebSDKGetOneClickCardEligibilityRequestModel::Card>
+WebSDKGetOneClickCardEligibilityRequestModel::Card::decode(const JSON& value) {
   StrictMembers m(value);
   Card card;
   card.cardFingerPrint = m.string("cardFingerPrint");

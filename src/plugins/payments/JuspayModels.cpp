@@ -25,12 +25,13 @@ std::optional<std::string> callbackUrlOf(const Fields& p) {
 
 }  // namespace
 
-std::optional<WebSDKJuspayInitRequestModel> WebSDKJuspayInitRequestModel::from(const std::optional<JSONObject>& payload) {
+std::optional<WebSDKJuspayInitRequestModel> WebSDKJuspayInitRequestModel::from(
+    const std::optional<JSONObject>& payload) {
   const Fields p(payload);
   auto merchantId = p.strictString("merchantId");
   if (!merchantId) return std::nullopt;
-  const auto environment = p.strictString("environment") == "prod" ? JuspayInitEnviromentType::prod
-                                                                     : JuspayInitEnviromentType::sandbox;
+  const auto environment =
+      p.strictString("environment") == "prod" ? JuspayInitEnviromentType::prod : JuspayInitEnviromentType::sandbox;
   return WebSDKJuspayInitRequestModel{environment, std::move(*merchantId), p.lenientString("clientAuthToken"),
                                       stringOrEmpty(p, "extendedCustomerId")};
 }
@@ -167,9 +168,14 @@ std::optional<WebSDKJuspayInAppUpiPayRequestModel> WebSDKJuspayInAppUpiPayReques
   auto referenceId = p.strictString("accountRefId");
   auto amount = p.strictString("orderAmount");
   if (!merchantId || !token || !extendedCustomerId || !orderId || !referenceId || !amount) return std::nullopt;
-  return WebSDKJuspayInAppUpiPayRequestModel{std::move(*merchantId), std::move(*token),       std::move(*extendedCustomerId),
-                                             std::move(*orderId),    std::move(*referenceId), std::move(*amount),
-                                             tenantOrMeals(p),       p.raw("credOfferLayerDetails")};
+  return WebSDKJuspayInAppUpiPayRequestModel{std::move(*merchantId),
+                                             std::move(*token),
+                                             std::move(*extendedCustomerId),
+                                             std::move(*orderId),
+                                             std::move(*referenceId),
+                                             std::move(*amount),
+                                             tenantOrMeals(p),
+                                             p.raw("credOfferLayerDetails")};
 }
 
 }  // namespace websdk

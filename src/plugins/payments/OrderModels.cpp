@@ -63,10 +63,9 @@ std::optional<WebSDKOrderFailedRequestModel> WebSDKOrderFailedRequestModel::from
 std::optional<WebSDKPaymentPendingStateRequestModel> WebSDKPaymentPendingStateRequestModel::from(
     const std::optional<JSONObject>& payload) {
   const Fields p(payload);
-  return WebSDKPaymentPendingStateRequestModel{p.lenientString("paymentMethodName"),
-                                               p.lenientString("marketplaceBusinessLine"),
-                                               p.lenientString("marketplaceCategory"),
-                                               p.object("requestObj").value_or(JSONObject{})};
+  return WebSDKPaymentPendingStateRequestModel{
+      p.lenientString("paymentMethodName"), p.lenientString("marketplaceBusinessLine"),
+      p.lenientString("marketplaceCategory"), p.object("requestObj").value_or(JSONObject{})};
 }
 
 }  // namespace websdk

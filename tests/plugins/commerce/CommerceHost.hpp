@@ -40,18 +40,27 @@ struct CommerceHost final : DvAccountsWebViewCallBacks,
     return std::get<Deliveries<Request, Payload>>(received);
   }
 
-  void handleAccountsRequest(const WebSDKAccountsRequestModel& r,
-                             const WebSDKAccountsRequestPayload& p) override { record(r, p); }
-  void handleZippaRequest(const WebSDKZippaRequestModel& r,
-                          const WebSDKZippaRequestPayload& p) override { record(r, p); }
+  void handleAccountsRequest(const WebSDKAccountsRequestModel& r, const WebSDKAccountsRequestPayload& p) override {
+    record(r, p);
+  }
+  void handleZippaRequest(const WebSDKZippaRequestModel& r, const WebSDKZippaRequestPayload& p) override {
+    record(r, p);
+  }
   void handleRestaurantEmpathyRequest(const WebSDKRestaurantEmpathyRequestModel& r,
-                                      const WebSDKRestaurantEmpathyRequestPayload& p) override { record(r, p); }
+                                      const WebSDKRestaurantEmpathyRequestPayload& p) override {
+    record(r, p);
+  }
   void handleSetRecipientInfoRequest(const WebSDKSetRecipientInfoRequestModel& r,
-                                     const WebSDKSetRecipientInfoRequestPayload& p) override { record(r, p); }
-  void handleMenuListRequest(const WebSDKMenuListRequestModel& r,
-                             const WebSDKMenuListPayload& p) override { record(r, p); }
+                                     const WebSDKSetRecipientInfoRequestPayload& p) override {
+    record(r, p);
+  }
+  void handleMenuListRequest(const WebSDKMenuListRequestModel& r, const WebSDKMenuListPayload& p) override {
+    record(r, p);
+  }
   void handleChatConversationRequest(const WebSDKChatConversationRequestModel& r,
-                                     const WebSDKChatConversationRequestPayload& p) override { record(r, p); }
+                                     const WebSDKChatConversationRequestPayload& p) override {
+    record(r, p);
+  }
 
  private:
   template <class Request, class Payload>

@@ -25,9 +25,8 @@ TEST(CommerceFamilies, EachFamilyWithoutAPluginAnswersWithItsOwnMessage) {
     test::CommerceBridge bridge(/*subscribed=*/false);
     const auto responses = bridge.post(test::requestText(row.action, "{}"));
     ASSERT_EQ(responses.size(), 1u);
-    EXPECT_EQ(responses[0],
-              parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":")" + std::string(row.message) +
-                        R"(","requestId":"r1"})"));
+    EXPECT_EQ(responses[0], parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":")" +
+                                      std::string(row.message) + R"(","requestId":"r1"})"));
   }
 }
 

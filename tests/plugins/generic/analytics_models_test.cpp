@@ -15,7 +15,6 @@ using test::payloadOf;
 
 JSONObject objectOf(std::string_view text) { return payloadOf(text).value(); }
 
-
 using Strings = std::vector<std::string>;
 
 TEST(AnalyticsReaders, TrackerAndCleverTapDifferOnPurpose) {

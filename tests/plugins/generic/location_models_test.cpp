@@ -22,7 +22,6 @@ T with(Set set) {
   return model;
 }
 
-
 TEST(LocationReaders, SetLocation) {
   using M = WebSDKSetLocationRequestModel;
   test::expectReads<M>({
@@ -30,12 +29,21 @@ TEST(LocationReaders, SetLocation) {
       {"{}", M{}},
       // "default" fills defaultAddress; a numeric string is a latitude, but a
       // number is no name and text is no integer.
-      {R"({"default":1,"lat":"12.5","name":5})", with<M>([](M& m) { m.defaultAddress = 1; m.lat = 12.5; })},
-      {R"({"default":"1","isDeleted":true,"reverseGeoCodeFailed":2.9})",
-       with<M>([](M& m) { m.isDeleted = 1; m.reverseGeoCodeFailed = 2; })},
+      {R"({"default":1,"lat":"12.5","name":5})", with<M>([](M& m) {
+         m.defaultAddress = 1;
+         m.lat = 12.5;
+       })},
+      {R"({"default":"1","isDeleted":true,"reverseGeoCodeFailed":2.9})", with<M>([](M& m) {
+         m.isDeleted = 1;
+         m.reverseGeoCodeFailed = 2;
+       })},
       {R"({"id":"a1","address":"12 Main St","flatNo":"4B","lng":77.25,"deliveryLocation":"gate","mainText":"Home"})",
        with<M>([](M& m) {
-         m.id = "a1"; m.address = "12 Main St"; m.lng = 77.25; m.flatNo = "4B"; m.deliveryLocation = "gate";
+         m.id = "a1";
+         m.address = "12 Main St";
+         m.lng = 77.25;
+         m.flatNo = "4B";
+         m.deliveryLocation = "gate";
          m.mainText = "Home";
        })},
   });
@@ -93,9 +101,9 @@ TEST(LocationReaders, IRCTCReadsSnakeCaseAndEncodesCamelCase) {
       {R"({"irctc_data":"x"})", std::nullopt},
       {R"({"irctc_data":{"station_name":"NDLS"}})", with<M>([](M& m) { m.junction = "NDLS"; })},
   });
-  const auto model = M::from(payloadOf(
-      R"({"irctc_data":{"encoded_payload":"e","mobile_number":9876,"platform_number":"4","berth":"12",)"
-      R"("coach":"S1","station_name":"NDLS"}})"));
+  const auto model = M::from(
+      payloadOf(R"({"irctc_data":{"encoded_payload":"e","mobile_number":9876,"platform_number":"4","berth":"12",)"
+                R"("coach":"S1","station_name":"NDLS"}})"));
   ASSERT_TRUE(model);
   EXPECT_EQ(serialize(toJSON(*model)),
             R"({"encodedIrctcData":"e","phoneNo":"9876","platformNo":"4","berth":"12","coach":"S1",)"
@@ -141,8 +149,7 @@ WEBSDK_SAMPLE(WebSDKGetTnsSignalResponseModel,
 WEBSDK_SAMPLE(InternationalUser, "countryCode unmaskedNumber maskedNumber", "countryCode unmaskedNumber maskedNumber",
               kInternational)
 WEBSDK_SAMPLE(OrbisData, "orbis_state orbis_type", "", kOrbis)
-WEBSDK_SAMPLE(WebSDKGetUserInfoResponseModel,
-              "customerId name mobile email isOrbisUser internationalUser orbisData",
+WEBSDK_SAMPLE(WebSDKGetUserInfoResponseModel, "customerId name mobile email isOrbisUser internationalUser orbisData",
               "customerId name mobile email isOrbisUser",
               {"c1", "Asha", "9876543210", "asha@example.com", true, kInternational, kOrbis})
 WEBSDK_SAMPLE(WebSDKIRCTCResponseModel, "encodedIrctcData phoneNo platformNo berth coach junction",
@@ -155,7 +162,9 @@ std::string keysOf(const JSON& encoded) {
 }
 
 template <class M>
-void clear(std::optional<M>& member) { member.reset(); }
+void clear(std::optional<M>& member) {
+  member.reset();
+}
 template <class M>
 void clear(M&) {}
 

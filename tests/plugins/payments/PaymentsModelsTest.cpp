@@ -24,10 +24,14 @@ TEST(PaymentsReaders, ForceEnableSDKIsAbsentUnlessSentThenReadLeniently) {
   const struct {
     std::string_view payload;
     std::optional<bool> expected;
-  } rows[] = {{"", std::nullopt},          {"{}", std::nullopt},
-              {R"({"x":1})", std::nullopt}, {R"({"forceEnableSDK":"true"})", true},
-              {R"({"forceEnableSDK":1})", true}, {R"({"forceEnableSDK":"false"})", false},
-              {R"({"forceEnableSDK":0})", false}, {R"({"forceEnableSDK":null})", false}};
+  } rows[] = {{"", std::nullopt},
+              {"{}", std::nullopt},
+              {R"({"x":1})", std::nullopt},
+              {R"({"forceEnableSDK":"true"})", true},
+              {R"({"forceEnableSDK":1})", true},
+              {R"({"forceEnableSDK":"false"})", false},
+              {R"({"forceEnableSDK":0})", false},
+              {R"({"forceEnableSDK":null})", false}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.payload);
     const auto payload = decode(WebSDKPaymentsAction::isJuspayAvailable, row.payload);
@@ -42,10 +46,11 @@ TEST(PaymentsReaders, OnlyTheExactWordProdSelectsProduction) {
   const struct {
     std::string_view environment;
     JuspayInitEnviromentType expected;
-  } rows[] = {{R"("prod")", JuspayInitEnviromentType::prod},      {R"("PROD")", JuspayInitEnviromentType::sandbox},
-              {R"("Prod")", JuspayInitEnviromentType::sandbox},   {R"("production")", JuspayInitEnviromentType::sandbox},
-              {R"("sandbox")", JuspayInitEnviromentType::sandbox}, {"1", JuspayInitEnviromentType::sandbox},
-              {"null", JuspayInitEnviromentType::sandbox}};
+  } rows[] = {
+      {R"("prod")", JuspayInitEnviromentType::prod},       {R"("PROD")", JuspayInitEnviromentType::sandbox},
+      {R"("Prod")", JuspayInitEnviromentType::sandbox},    {R"("production")", JuspayInitEnviromentType::sandbox},
+      {R"("sandbox")", JuspayInitEnviromentType::sandbox}, {"1", JuspayInitEnviromentType::sandbox},
+      {"null", JuspayInitEnviromentType::sandbox}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.environment);
     const auto model = WebSDKJuspayInitRequestModel::from(
@@ -62,11 +67,12 @@ TEST(PaymentsReaders, AmazonPayStepsOutsideTheTableAreUnknownAndDataDefaultsEmpt
     std::string_view payload;
     WebSDKAmazonPayRequestState state;
     std::size_t dataSize;
-  } rows[] = {{R"({"state":"CHECK_CHARGE_STATUS","data":{"a":1,"b":2}})", WebSDKAmazonPayRequestState::checkChargeStatus, 2},
-              {R"({"state":"get_balance","data":[1]})", WebSDKAmazonPayRequestState::unknown, 0},
-              {R"({"state":5})", WebSDKAmazonPayRequestState::unknown, 0},
-              {R"({"state":"unknown"})", WebSDKAmazonPayRequestState::unknown, 0},
-              {"", WebSDKAmazonPayRequestState::unknown, 0}};
+  } rows[] = {
+      {R"({"state":"CHECK_CHARGE_STATUS","data":{"a":1,"b":2}})", WebSDKAmazonPayRequestState::checkChargeStatus, 2},
+      {R"({"state":"get_balance","data":[1]})", WebSDKAmazonPayRequestState::unknown, 0},
+      {R"({"state":5})", WebSDKAmazonPayRequestState::unknown, 0},
+      {R"({"state":"unknown"})", WebSDKAmazonPayRequestState::unknown, 0},
+      {"", WebSDKAmazonPayRequestState::unknown, 0}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.payload);
     const auto model = WebSDKPayUsingAmazonPayRequestModel::from(payloadOf(row.payload));
@@ -95,7 +101,8 @@ TEST(PaymentsReaders, OrderEventOptionalsAreReadLenientlyOnlyWhenSent) {
 }
 
 TEST(PaymentsReaders, PendingStateIsOneSharedObjectEvenWithoutAPayload) {
-  const auto payload = decode(WebSDKPaymentsAction::paymentPendingState, R"({"requestObj":{"txn":"t"},"paymentMethodName":1})");
+  const auto payload =
+      decode(WebSDKPaymentsAction::paymentPendingState, R"({"requestObj":{"txn":"t"},"paymentMethodName":1})");
   ASSERT_TRUE(payload);
   const auto* shared = payload->get<WebSDKPaymentsRequestPayloadCase::paymentPendingState>();
   ASSERT_NE(shared, nullptr);
@@ -132,12 +139,12 @@ std::string providerCard(std::string_view bin, std::string_view alias, std::stri
 constexpr std::string_view kVies = R"({"eligibility":true,"enrolled":false,"expired":false,"extra":1})";
 
 TEST(CardEligibilityAnswer, UnreadableCardsAreSkippedAndTheOthersKeepTheirOrder) {
-  const std::string answer = R"({"payload":{"cards":[)" + providerCard("111", "a1", kVies) + "," +
-                             providerCard("222", "", kVies) + "," +
-                             providerCard("333", "a3", R"({"eligibility":true,"enrolled":true,"expired":false,"responseMsg":"ok"})") +
-                             "," + providerCard("444", "a4", R"({"eligibility":"true","enrolled":false,"expired":false})") +
-                             "," + providerCard("555", "a5", R"({"eligibility":true,"enrolled":false,"expired":false,"responseMsg":5})") +
-                             R"(,"not a card"]}})";
+  const std::string answer =
+      R"({"payload":{"cards":[)" + providerCard("111", "a1", kVies) + "," + providerCard("222", "", kVies) + "," +
+      providerCard("333", "a3", R"({"eligibility":true,"enrolled":true,"expired":false,"responseMsg":"ok"})") + "," +
+      providerCard("444", "a4", R"({"eligibility":"true","enrolled":false,"expired":false})") + "," +
+      providerCard("555", "a5", R"({"eligibility":true,"enrolled":false,"expired":false,"responseMsg":5})") +
+      R"(,"not a card"]}})";
   const auto model = WebSDKGetOneClickCardEligibilityResponseModel::from(payloadOf(answer));
   ASSERT_TRUE(model);
   ASSERT_EQ(model->cardEligiblityDetails.size(), 2u);
@@ -149,10 +156,12 @@ TEST(CardEligibilityAnswer, UnreadableCardsAreSkippedAndTheOthersKeepTheirOrder)
   // The page gets the provider's words back, and no responseMsg where there is none.
   const auto dicts = model->getCardEligiblityDetailsDict();
   ASSERT_EQ(dicts.size(), 2u);
-  EXPECT_EQ(serialize(dicts[0]),
-            R"({"check_type":{"vies":{"eligibility":true,"enrolled":false,"expired":false}},"cardBin":"111","cardAlias":"a1"})");
-  EXPECT_EQ(serialize(dicts[1]),
-            R"({"check_type":{"vies":{"eligibility":true,"enrolled":true,"responseMsg":"ok","expired":false}},"cardBin":"333","cardAlias":"a3"})");
+  EXPECT_EQ(
+      serialize(dicts[0]),
+      R"({"check_type":{"vies":{"eligibility":true,"enrolled":false,"expired":false}},"cardBin":"111","cardAlias":"a1"})");
+  EXPECT_EQ(
+      serialize(dicts[1]),
+      R"({"check_type":{"vies":{"eligibility":true,"enrolled":true,"responseMsg":"ok","expired":false}},"cardBin":"333","cardAlias":"a3"})");
 
   // Its own encoding decodes back to the same model.
   EXPECT_EQ(WebSDKGetOneClickCardEligibilityResponseModel::decode(toJSON(*model)), model);
@@ -182,11 +191,12 @@ TEST(PaymentsResponses, EncodeWithTheirKeysInOrderLeavingAbsentValuesOut) {
     std::string_view expected;
   } rows[] = {
       {toJSON(WebSDKCheckoutMetaResponseModel{.slaTime = 25}), R"({"slaTime":25})"},
-      {toJSON(WebSDKCheckoutMetaResponseModel{.restaurantDetails = WebSDKCheckoutRestaurantDetails{"Dosa Hut", "r9"},
-                                              .cartItemsCount = 2,
-                                              .deliveryAddress = WebSDKCheckoutDeliveryAddress{"1 Main St", "Home", "Asha"},
-                                              .couponCode = "SAVE",
-                                              .irctc_data = std::map<std::string, std::string>{{"pnr", "123"}}}),
+      {toJSON(WebSDKCheckoutMetaResponseModel{
+           .restaurantDetails = WebSDKCheckoutRestaurantDetails{"Dosa Hut", "r9"},
+           .cartItemsCount = 2,
+           .deliveryAddress = WebSDKCheckoutDeliveryAddress{"1 Main St", "Home", "Asha"},
+           .couponCode = "SAVE",
+           .irctc_data = std::map<std::string, std::string>{{"pnr", "123"}}}),
        R"({"restaurantDetails":{"name":"Dosa Hut","id":"r9"},"cartItemsCount":2,"deliveryAddress":{"address":"1 Main St","annotation":"Home","name":"Asha"},"couponCode":"SAVE","irctc_data":{"pnr":"123"}})"},
       {toJSON(WebSDKAmazonPayGetbalanceResponseModel{.linked = true}), R"({"linked":true})"},
       {toJSON(WebSDKAmazonPayGetbalanceResponseModel{true, 120.5}), R"({"linked":true,"balance":120.5})"},
@@ -215,8 +225,9 @@ TEST(PaymentsResponses, RequestsPassedOnByTheHostEncodeWithFieldNamesNotPageKeys
       payloadOf(R"({"merchantId":"m","clientAuthToken":"t","extendedCustomerId":"c","orderId":"o",
                     "accountRefId":"a","orderAmount":"1.00","tenant":"ZIPPA"})"));
   ASSERT_TRUE(pay);
-  EXPECT_EQ(serialize(toJSON(*pay)),
-            R"({"merchantId":"m","token":"t","extendedCustomerId":"c","orderId":"o","referenceId":"a","amount":"1.00","tenant":"ZIPPA"})");
+  EXPECT_EQ(
+      serialize(toJSON(*pay)),
+      R"({"merchantId":"m","token":"t","extendedCustomerId":"c","orderId":"o","referenceId":"a","amount":"1.00","tenant":"ZIPPA"})");
   pay->credData = parseJSON(R"({"offer":"x"})");  // the host may swap the offer before paying
   EXPECT_EQ(serialize(toJSON(*pay)).ends_with(R"("tenant":"ZIPPA","credData":{"offer":"x"}})"), true);
 }

@@ -155,11 +155,12 @@ struct WEBSDK_EXPORT WebSDKUpdateVRCartRequestModel {
 WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, updateCart, customiseCartItem, applyCoupon, clearCart,
                    switchToNativeCart)
 class WEBSDK_EXPORT WebSDKCartRequestPayload
-    : public TaggedPayload<WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
-                           Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>,
-                           Carries<WebSDKCartRequestPayloadCase::updateCart, WebSDKUpdateCartRequestModel>,
-                           Carries<WebSDKCartRequestPayloadCase::customiseCartItem, WebSDKCustomiseCartItemsRequestModel>,
-                           Carries<WebSDKCartRequestPayloadCase::applyCoupon, WebSDKApplyCouponRequestModel>> {
+    : public TaggedPayload<
+          WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
+          Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>,
+          Carries<WebSDKCartRequestPayloadCase::updateCart, WebSDKUpdateCartRequestModel>,
+          Carries<WebSDKCartRequestPayloadCase::customiseCartItem, WebSDKCustomiseCartItemsRequestModel>,
+          Carries<WebSDKCartRequestPayloadCase::applyCoupon, WebSDKApplyCouponRequestModel>> {
  public:
   static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel& request);
 };
@@ -167,10 +168,11 @@ class WEBSDK_EXPORT WebSDKCartRequestPayload
 WEBSDK_NAMED_CASES(WebSDKPXCartRequestPayloadCase, updatePXCart, updatePXCartV2, sharedPreference, getPXCart,
                    clearPXCart)
 class WEBSDK_EXPORT WebSDKPXCartRequestPayload
-    : public TaggedPayload<WebSDKPXCartRequestPayload, WebSDKPXCartRequestPayloadCase,
-                           Carries<WebSDKPXCartRequestPayloadCase::updatePXCart, WebSDKUpdatePXCartRequestModel>,
-                           Carries<WebSDKPXCartRequestPayloadCase::updatePXCartV2, WebSDKUpdatePXCartV2RequestModel>,
-                           Carries<WebSDKPXCartRequestPayloadCase::sharedPreference, WebSDKPXSharedPreferenceRequestModel>> {
+    : public TaggedPayload<
+          WebSDKPXCartRequestPayload, WebSDKPXCartRequestPayloadCase,
+          Carries<WebSDKPXCartRequestPayloadCase::updatePXCart, WebSDKUpdatePXCartRequestModel>,
+          Carries<WebSDKPXCartRequestPayloadCase::updatePXCartV2, WebSDKUpdatePXCartV2RequestModel>,
+          Carries<WebSDKPXCartRequestPayloadCase::sharedPreference, WebSDKPXSharedPreferenceRequestModel>> {
  public:
   static std::optional<WebSDKPXCartRequestPayload> validateRequest(const WebSDKPXCartRequestModel& request);
 };
@@ -187,9 +189,10 @@ class WEBSDK_EXPORT WebSDKVRCartRequestPayload
 
 WEBSDK_NAMED_CASES(WebSDKGiftingCartRequestPayloadCase, getGiftingCart, updateGiftingCart, clearGiftingCart)
 class WEBSDK_EXPORT WebSDKGiftingCartRequestPayload
-    : public TaggedPayload<WebSDKGiftingCartRequestPayload, WebSDKGiftingCartRequestPayloadCase,
-                           Carries<WebSDKGiftingCartRequestPayloadCase::getGiftingCart, WebSDKGetCartRequestModel>,
-                           Carries<WebSDKGiftingCartRequestPayloadCase::updateGiftingCart, WebSDKUpdateCartRequestModel>> {
+    : public TaggedPayload<
+          WebSDKGiftingCartRequestPayload, WebSDKGiftingCartRequestPayloadCase,
+          Carries<WebSDKGiftingCartRequestPayloadCase::getGiftingCart, WebSDKGetCartRequestModel>,
+          Carries<WebSDKGiftingCartRequestPayloadCase::updateGiftingCart, WebSDKUpdateCartRequestModel>> {
  public:
   static std::optional<WebSDKGiftingCartRequestPayload> validateRequest(const WebSDKGiftingCartRequestModel& request);
 };

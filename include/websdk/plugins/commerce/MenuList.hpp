@@ -50,10 +50,11 @@ struct WEBSDK_EXPORT WebSDKShowMenuletRequestModel {
 
 WEBSDK_NAMED_CASES(WebSDKMenuListPayloadCase, shareCollectionDetails, updateMenuList, showMenulet)
 class WEBSDK_EXPORT WebSDKMenuListPayload
-    : public TaggedPayload<WebSDKMenuListPayload, WebSDKMenuListPayloadCase,
-                           Carries<WebSDKMenuListPayloadCase::shareCollectionDetails, WebSDKShareCollectionRequestModel>,
-                           Carries<WebSDKMenuListPayloadCase::updateMenuList, WebSDKUpdateMenuListRequestModel>,
-                           Carries<WebSDKMenuListPayloadCase::showMenulet, WebSDKShowMenuletRequestModel>> {
+    : public TaggedPayload<
+          WebSDKMenuListPayload, WebSDKMenuListPayloadCase,
+          Carries<WebSDKMenuListPayloadCase::shareCollectionDetails, WebSDKShareCollectionRequestModel>,
+          Carries<WebSDKMenuListPayloadCase::updateMenuList, WebSDKUpdateMenuListRequestModel>,
+          Carries<WebSDKMenuListPayloadCase::showMenulet, WebSDKShowMenuletRequestModel>> {
  public:
   /// Never yields nothing.
   static std::optional<WebSDKMenuListPayload> validateRequest(const WebSDKMenuListRequestModel& request);

@@ -13,7 +13,8 @@ namespace websdk {
 
 enum class WebSDKSetRecipientInfoAction { SetRecipientInfo };
 constexpr auto rawValues(WebSDKSetRecipientInfoAction) {
-  return rawValueTable<WebSDKSetRecipientInfoAction>({{WebSDKSetRecipientInfoAction::SetRecipientInfo, "SET_RECIPIENT_INFO"}});
+  return rawValueTable<WebSDKSetRecipientInfoAction>(
+      {{WebSDKSetRecipientInfoAction::SetRecipientInfo, "SET_RECIPIENT_INFO"}});
 }
 
 /// Its `type` is always SetRecipientInfo, the family's one action.

@@ -72,12 +72,13 @@ struct WEBSDK_EXPORT WebSDKMakeZippaPaymentRequestModel {
 WEBSDK_NAMED_CASES(WebSDKZippaRequestPayloadCase, imageUpload, googleImageUpload, proccedOrder, kycInit,
                    makeZippaPayment)
 class WEBSDK_EXPORT WebSDKZippaRequestPayload
-    : public TaggedPayload<WebSDKZippaRequestPayload, WebSDKZippaRequestPayloadCase,
-                           Carries<WebSDKZippaRequestPayloadCase::imageUpload, WebSDKImageUploadRequestModel>,
-                           Carries<WebSDKZippaRequestPayloadCase::googleImageUpload, WebSDKGoogleImageUploadRequestModel>,
-                           Carries<WebSDKZippaRequestPayloadCase::proccedOrder, WebSDKProceedOrderRequestModel>,
-                           Carries<WebSDKZippaRequestPayloadCase::kycInit, WebSDKKycInitRequestModel>,
-                           Carries<WebSDKZippaRequestPayloadCase::makeZippaPayment, WebSDKMakeZippaPaymentRequestModel>> {
+    : public TaggedPayload<
+          WebSDKZippaRequestPayload, WebSDKZippaRequestPayloadCase,
+          Carries<WebSDKZippaRequestPayloadCase::imageUpload, WebSDKImageUploadRequestModel>,
+          Carries<WebSDKZippaRequestPayloadCase::googleImageUpload, WebSDKGoogleImageUploadRequestModel>,
+          Carries<WebSDKZippaRequestPayloadCase::proccedOrder, WebSDKProceedOrderRequestModel>,
+          Carries<WebSDKZippaRequestPayloadCase::kycInit, WebSDKKycInitRequestModel>,
+          Carries<WebSDKZippaRequestPayloadCase::makeZippaPayment, WebSDKMakeZippaPaymentRequestModel>> {
  public:
   /// Nothing only for "PROCEED_ORDER" without a string "orderId".
   static std::optional<WebSDKZippaRequestPayload> validateRequest(const WebSDKZippaRequestModel& request);

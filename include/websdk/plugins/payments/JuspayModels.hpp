@@ -76,9 +76,9 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
 
   static std::optional<WebSDKJuspayNewCardRequestModel> from(const std::optional<JSONObject>& payload);
   WEBSDK_RECORD(WebSDKJuspayNewCardRequestModel, cardToken, returnUrl, orderId, cardSecurityCode, paymentMethodType,
-                cardNumber, cardExpMonth, cardExpYear, nameOnCard, saveToLocker, juspayClientAuthToken,
-                authTypeForCard, tokenize, cardBin, paymentMethod, nickname, orderAmount, emiBank, isEmi,
-                supportedGatewayIds, emiType, emiTenure)
+                cardNumber, cardExpMonth, cardExpYear, nameOnCard, saveToLocker, juspayClientAuthToken, authTypeForCard,
+                tokenize, cardBin, paymentMethod, nickname, orderAmount, emiBank, isEmi, supportedGatewayIds, emiType,
+                emiTenure)
 };
 
 /// A saved card's network-token metadata. Never fails: every field is set,

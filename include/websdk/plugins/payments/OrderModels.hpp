@@ -76,8 +76,8 @@ struct WEBSDK_EXPORT WebSDKPaymentPendingStateRequestModel {
   JSONObject data;
 
   static std::optional<WebSDKPaymentPendingStateRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPaymentPendingStateRequestModel, paymentMethodName, marketplaceBusinessLine,
-                marketplaceCategory, data)
+  WEBSDK_RECORD(WebSDKPaymentPendingStateRequestModel, paymentMethodName, marketplaceBusinessLine, marketplaceCategory,
+                data)
 };
 
 // ---- Responses -----------------------------------------------------------------

@@ -96,13 +96,12 @@ using WebSDKPaymentsRequestModel = WebSDKBridgeRequest<WebSDKPaymentsAction>;
 // The cases that carry a model first, then those that carry nothing.
 WEBSDK_NAMED_CASES(WebSDKPaymentsRequestPayloadCase, isJuspayAvailable, payUsingJuspayNB, payUsingNewCard,
                    payUsingSavedCard, juspayInit, postOrderEvent, storeOrderInfoEvent, sendLinkAccountStatus,
-                   getLinkWalletData, getLinkedWalletDetails, walletAddMoneySuccess, walletDelinked,
-                   payUsingAmazonPay, paymentPendingState, orderFailedEvent, getCredEligibility,
-                   payUsingJuspayWalletCred, isUPIIntentMethodAvailable, payUsingUPIIntent,
-                   getOneClickCardEligibility, oneClickDeEnroll, oneClickDeleteCard, upiOnboarding, upiGSTHash,
-                   upiGetBankList, upiPayment, getCheckoutMetaInfo, switchToNativePayments, delinkAmazonPay,
-                   getCredEligibilityFromAppCache, confirmOrderEvent, transactionConfirmed, transactionFailed,
-                   isInappUpiEnabled)
+                   getLinkWalletData, getLinkedWalletDetails, walletAddMoneySuccess, walletDelinked, payUsingAmazonPay,
+                   paymentPendingState, orderFailedEvent, getCredEligibility, payUsingJuspayWalletCred,
+                   isUPIIntentMethodAvailable, payUsingUPIIntent, getOneClickCardEligibility, oneClickDeEnroll,
+                   oneClickDeleteCard, upiOnboarding, upiGSTHash, upiGetBankList, upiPayment, getCheckoutMetaInfo,
+                   switchToNativePayments, delinkAmazonPay, getCredEligibilityFromAppCache, confirmOrderEvent,
+                   transactionConfirmed, transactionFailed, isInappUpiEnabled)
 
 class WEBSDK_EXPORT WebSDKPaymentsRequestPayload
     : public TaggedPayload<
@@ -120,13 +119,17 @@ class WEBSDK_EXPORT WebSDKPaymentsRequestPayload
           Carries<WebSDKPaymentsRequestPayloadCase::walletAddMoneySuccess, WebSDKGetLinkWalletDataRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::walletDelinked, WebSDKWalletDelinkedRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::payUsingAmazonPay, WebSDKPayUsingAmazonPayRequestModel>,
-          Carries<WebSDKPaymentsRequestPayloadCase::paymentPendingState, std::shared_ptr<const WebSDKPaymentPendingStateRequestModel>>,
+          Carries<WebSDKPaymentsRequestPayloadCase::paymentPendingState,
+                  std::shared_ptr<const WebSDKPaymentPendingStateRequestModel>>,
           Carries<WebSDKPaymentsRequestPayloadCase::orderFailedEvent, WebSDKOrderFailedRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::getCredEligibility, WebSDKGetCredEligibilityRequestModel>,
-          Carries<WebSDKPaymentsRequestPayloadCase::payUsingJuspayWalletCred, WebSDKPayUsingJuspayWalletCredRequestModel>,
-          Carries<WebSDKPaymentsRequestPayloadCase::isUPIIntentMethodAvailable, WebSDKIsUPIIntentMethodAvailableRequestModel>,
+          Carries<WebSDKPaymentsRequestPayloadCase::payUsingJuspayWalletCred,
+                  WebSDKPayUsingJuspayWalletCredRequestModel>,
+          Carries<WebSDKPaymentsRequestPayloadCase::isUPIIntentMethodAvailable,
+                  WebSDKIsUPIIntentMethodAvailableRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::payUsingUPIIntent, WebSDKPayUsingUPIIntentRequestModel>,
-          Carries<WebSDKPaymentsRequestPayloadCase::getOneClickCardEligibility, WebSDKGetOneClickCardEligibilityRequestModel>,
+          Carries<WebSDKPaymentsRequestPayloadCase::getOneClickCardEligibility,
+                  WebSDKGetOneClickCardEligibilityRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::oneClickDeEnroll, WebSDKOneClickManageCardRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::oneClickDeleteCard, WebSDKOneClickManageCardRequestModel>,
           Carries<WebSDKPaymentsRequestPayloadCase::upiOnboarding, WebSDKJuspayInAppUpiRequestModel>,

@@ -16,7 +16,14 @@ namespace websdk {
 
 /// The Amazon Pay step a request is for. "unknown" is what any other step reads
 /// as; the host decides how to answer it.
-enum class WebSDKAmazonPayRequestState { getBalance, linkWallet, proceedToPay, checkChargeStatus, isAmazonSDKAvailable, unknown };
+enum class WebSDKAmazonPayRequestState {
+  getBalance,
+  linkWallet,
+  proceedToPay,
+  checkChargeStatus,
+  isAmazonSDKAvailable,
+  unknown
+};
 constexpr auto rawValues(WebSDKAmazonPayRequestState) {
   using enum WebSDKAmazonPayRequestState;
   return rawValueTable<WebSDKAmazonPayRequestState>({{getBalance, "GET_BALANCE"},

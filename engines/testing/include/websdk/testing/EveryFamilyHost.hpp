@@ -16,17 +16,17 @@
 namespace websdk::testing {
 
 class WEBSDK_EXPORT EveryFamilyHost final : public DvWebViewGenericCallsBacks,
-                              public DvWebViewPaymentsCallsBacks,
-                              public DvWebViewRestaurantEmpathyCallsBacks,
-                              public DvWebViewChatConversationCallsBacks,
-                              public DvCartWebViewCallBacks,
-                              public DvPXCartWebViewCallBacks,
-                              public DvVRCartWebViewCallBacks,
-                              public DvGiftingCartWebViewCallBacks,
-                              public DvZippaWebViewCallBacks,
-                              public DvWebViewSetRecipientInfoCallsBacks,
-                              public DvAccountsWebViewCallBacks,
-                              public DvWebViewMenuListCallbacks {
+                                            public DvWebViewPaymentsCallsBacks,
+                                            public DvWebViewRestaurantEmpathyCallsBacks,
+                                            public DvWebViewChatConversationCallsBacks,
+                                            public DvCartWebViewCallBacks,
+                                            public DvPXCartWebViewCallBacks,
+                                            public DvVRCartWebViewCallBacks,
+                                            public DvGiftingCartWebViewCallBacks,
+                                            public DvZippaWebViewCallBacks,
+                                            public DvWebViewSetRecipientInfoCallsBacks,
+                                            public DvAccountsWebViewCallBacks,
+                                            public DvWebViewMenuListCallbacks {
  public:
   struct Delivery {
     std::string_view family;

@@ -90,11 +90,20 @@ class RequestIdScan {
 
 RequestIdScan scanTheStart(std::string_view text, std::size_t budget);
 
-// A page's words in a log line: short, whatever the page sent.
+// A page's words in a log line: short, whole characters, and no control
+// character that could forge a line of its own.
 std::string shown(const std::optional<std::string>& text) {
   constexpr std::size_t kShown = 80;
-  const std::string& t = text ? *text : std::string();
-  return t.size() <= kShown ? t : t.substr(0, kShown) + "...";
+  std::string_view t = text ? std::string_view(*text) : std::string_view();
+  const bool cut = t.size() > kShown;
+  if (cut) {
+    std::size_t end = kShown;
+    while (end > 0 && (static_cast<unsigned char>(t[end]) & 0xC0) == 0x80) --end;
+    t = t.substr(0, end);
+  }
+  std::string out;
+  for (const char c : t) out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
+  return cut ? out + "..." : out;
 }
 
 constexpr std::string_view kHandlerName = "nativeRequest";
@@ -190,11 +199,11 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     // near the start only, so no size of message stalls the UI thread.
     if (!view || judged.empty() || !isTrusted(view->webSDKConfig, judged)) {
       auto start = scanTheStart(text, kRefusedMessageStart);
-      if (view)
+      if (view && std::exchange(refusalLogged_, origin.topDocument) != origin.topDocument)
         log(LogLevel::warning, "trust",
             "a request from " + (judged.empty() ? std::string("a page with no URL") : judged) + " (action \"" +
                 shown(start.type) + "\", request id \"" + shown(start.found) +
-                "\") was refused: its host is not whitelisted");
+                "\") was refused: its host is not whitelisted (told once per page)");
       answerFailure(start.found.value_or(""), WebSDKStatusCode::notWhitelistedUrl,
                     judged.empty() ? std::nullopt : std::optional<std::string>(judged), origin.topDocument);
       return;

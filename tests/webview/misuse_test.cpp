@@ -64,10 +64,11 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
        },
        "answer",
        {"\"twice\"", "answered already"}},
-      {"a request from a host off the whitelist",
+      {"requests from a host off the whitelist, told once per page",
        [&ask](Harness& h) {
          h.engine->navigate("https://evil.test/pay");
          ask(h, "r9");
+         ask(h, "r10");
        },
        "trust",
        {"https://evil.test/pay", "\"GET_LOCAL_CART\"", "\"r9\"", "not whitelisted"}},
@@ -116,6 +117,19 @@ TEST(Misuse, RightUseIsSilent) {
   h.view->sendSuccess("1");
   h.engine->queue().drain();
   EXPECT_TRUE(log.lines.empty()) << log.lines[0].second;
+}
+
+TEST(Misuse, APagesWordsCannotForgeALogLine) {
+  Harness h;
+  h.engine->navigate("https://evil.test/pay");
+  Captured log;
+  // A line break and a long action cut inside a two-byte character.
+  h.post(R"({"type":"X\nwebsdk-WARNING: forged )" + std::string(70, 'a') + "\u00e9\u00e9" + R"(","requestId":"1"})");
+  ASSERT_EQ(log.lines.size(), 1u);
+  const std::string& line = log.lines[0].second;
+  EXPECT_EQ(line.find('\n'), std::string::npos) << line;
+  EXPECT_TRUE(isValidUTF8(line)) << line;
+  EXPECT_NE(line.find("X?websdk-WARNING"), std::string::npos) << line;
 }
 
 TEST(Misuse, AnAnswerAfterTearDownIsTold) {

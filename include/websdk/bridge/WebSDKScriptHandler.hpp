@@ -58,6 +58,9 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   // a page posts many messages from one URL, so each URL is checked once.
   std::string trustedURL_;
   WebSDKConfig trustedUnder_;
+  // The document whose refusal was last logged: a page that keeps posting
+  // from an untrusted host is told of once, not once per message.
+  std::optional<DocumentID> refusalLogged_;
 };
 
 }  // namespace websdk

@@ -168,3 +168,36 @@ TEST(HeaderText, FieldsReachThePageExactlyWhateverTheyHold) {
 
 }  // namespace
 }  // namespace websdk
+
+namespace websdk {
+namespace {
+
+TEST(TrustedHostsDelegate, KeepsTheMainFrameOnTrustedHosts) {
+  struct Row {
+    WebSDKNavigationAction action;
+    WebSDKNavigationActionPolicy policy;
+  };
+  const Row rows[] = {
+      {{"https://pay.localhost/checkout", "GET", true, false}, WebSDKNavigationActionPolicy::allow},
+      {{"https://evil.test/", "GET", true, true}, WebSDKNavigationActionPolicy::cancel},
+      {{"https://evil.test/3ds", "POST", false, false}, WebSDKNavigationActionPolicy::allow},
+      {{"about:blank", "GET", true, false}, WebSDKNavigationActionPolicy::allow},
+      {{"file:///etc/passwd", "GET", true, false}, WebSDKNavigationActionPolicy::cancel},
+  };
+  struct Counting final : WebSDKTrustedHostsNavigationDelegate {
+    std::vector<std::string> refusals;
+    void refused(WebSDKWebView&, const WebSDKNavigationAction& action) override { refusals.push_back(action.url); }
+  };
+  test::Harness h;
+  Counting delegate;
+  for (const auto& row : rows) {
+    std::optional<WebSDKNavigationActionPolicy> answer;
+    delegate.decidePolicyFor(*h.view, row.action, [&](WebSDKNavigationActionPolicy p) { answer = p; });
+    EXPECT_EQ(answer, row.policy) << row.action.url;
+  }
+  EXPECT_EQ(delegate.refusals, (std::vector<std::string>{"https://evil.test/", "file:///etc/passwd"}));
+  EXPECT_EQ(WebSDKTrustedHostsNavigationDelegate::shared(), WebSDKTrustedHostsNavigationDelegate::shared());
+}
+
+}  // namespace
+}  // namespace websdk

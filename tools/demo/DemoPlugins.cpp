@@ -198,15 +198,13 @@ void NavigationPrinter::didFailProvisionalNavigation(WebSDKWebView&, const WebSD
 }
 void NavigationPrinter::decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
                                         WebSDKNavigationActionDecision decisionHandler) {
-  // The page stays on trusted hosts; about:blank frames and the like pass.
-  const bool trusted = !action.isMainFrame || webView.webSDKConfig.isWhitelistedURL(action.url);
-  out_ << "navigation   " << (trusted ? "allow " : "refuse ") << action.url << std::endl;
-  if (!trusted) ++refused;
-  decisionHandler(trusted ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
+  WebSDKTrustedHostsNavigationDelegate::decidePolicyFor(
+      webView, action, [this, url = action.url, decisionHandler](WebSDKNavigationActionPolicy policy) {
+        out_ << "navigation   " << (policy == WebSDKNavigationActionPolicy::allow ? "allow " : "refuse ") << url
+             << std::endl;
+        decisionHandler(policy);
+      });
 }
-void NavigationPrinter::didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&,
-                                   WebSDKAuthChallengeCompletion completionHandler) {
-  completionHandler(WebSDKAuthChallengeDisposition::performDefaultHandling, std::nullopt);
-}
+void NavigationPrinter::refused(WebSDKWebView&, const WebSDKNavigationAction&) { ++refusals; }
 
 }  // namespace websdk::demo

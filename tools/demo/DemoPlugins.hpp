@@ -86,8 +86,9 @@ class PaymentsPlugin final : public DvWebViewPaymentsCallsBacks {
   int orders_ = 0;
 };
 
-/// Keeps the page on trusted hosts and prints navigation events.
-class NavigationPrinter final : public WebSDKNavigationDelegate {
+/// Keeps the page on trusted hosts (the ready-made rule) and prints
+/// navigation events and each decision.
+class NavigationPrinter final : public WebSDKTrustedHostsNavigationDelegate {
  public:
   explicit NavigationPrinter(std::ostream& out) : out_(out) {}
   void didStartProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation) override;
@@ -95,14 +96,14 @@ class NavigationPrinter final : public WebSDKNavigationDelegate {
   void didFail(WebSDKWebView& webView, const WebSDKNavigation* navigation, const WebSDKError& error) override;
   void didFailProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation,
                                     const WebSDKError& error) override;
+  using WebSDKTrustedHostsNavigationDelegate::decidePolicyFor;
   void decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
                        WebSDKNavigationActionDecision decisionHandler) override;
-  void didReceive(WebSDKWebView& webView, const WebSDKAuthenticationChallenge& challenge,
-                  WebSDKAuthChallengeCompletion completionHandler) override;
+  void refused(WebSDKWebView& webView, const WebSDKNavigationAction& action) override;
 
   int finished = 0;
   int failed = 0;
-  int refused = 0;
+  int refusals = 0;
 
  private:
   std::ostream& out_;

@@ -287,7 +287,7 @@ int run(int argc, char** argv) {
         {localPages ? "a partner link leaves the trusted pages" : "a partner link redirects off the trusted hosts",
          click("partner"),
          {},
-         [&] { return navigation->refused > 0; }},
+         [&] { return navigation->refusals > 0; }},
         {"pay with the simulated provider", click("pay"), {"PAY_USING_AMAZON_PAY", "ORDER_CONFIRMED_EVENT"}},
     };
     const bool answered = runCheckout(*view, *traffic, steps);

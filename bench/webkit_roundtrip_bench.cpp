@@ -3,7 +3,10 @@
 // finds the request id by searching the text (no JSON library) and evaluates a
 // ready-made envelope. Each benchmark alternates floor and WebSDK batches in
 // one run, so both see the same machine. Needs a display: xvfb-run -a.
+// Built once per engine: webkit_roundtrip_bench (WebKitGTK 4.1, GTK 3) and
+// webkit6_roundtrip_bench (WebKitGTK 6.0, GTK 4), each against its own floor.
 
+#include "Compat.hpp"
 #include "websdk/webkitgtk/Native.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
@@ -20,6 +23,7 @@
 namespace websdk {
 namespace {
 
+namespace compat = webkitgtk::compat;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
@@ -67,11 +71,12 @@ class Floor {
  public:
   Floor() {
     content_ = webkit_user_content_manager_new();
-    view_ = WEBKIT_WEB_VIEW(g_object_ref_sink(webkit_web_view_new_with_user_content_manager(content_)));
+    view_ = WEBKIT_WEB_VIEW(
+        g_object_ref_sink(g_object_new(WEBKIT_TYPE_WEB_VIEW, "user-content-manager", content_, nullptr)));
     g_signal_connect(content_, "script-message-received::nativeRequest", G_CALLBACK(&Floor::onRequest), this);
     g_signal_connect(content_, "script-message-received::done", G_CALLBACK(&Floor::onDone), this);
-    webkit_user_content_manager_register_script_message_handler(content_, "nativeRequest");
-    webkit_user_content_manager_register_script_message_handler(content_, "done");
+    compat::registerScriptMessageHandler(content_, "nativeRequest");
+    compat::registerScriptMessageHandler(content_, "done");
     g_signal_connect(view_, "load-changed", G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent e, gpointer self) {
                        if (e == WEBKIT_LOAD_FINISHED) static_cast<Floor*>(self)->loaded_ = true;
                      }),
@@ -80,8 +85,7 @@ class Floor {
   ~Floor() {
     g_signal_handlers_disconnect_by_data(content_, this);
     g_signal_handlers_disconnect_by_data(view_, this);
-    gtk_widget_destroy(GTK_WIDGET(view_));
-    g_object_unref(view_);
+    compat::destroy(GTK_WIDGET(view_));
     g_object_unref(content_);
   }
   GtkWidget* widget() { return GTK_WIDGET(view_); }
@@ -107,9 +111,9 @@ class Floor {
   }
 
  private:
-  static void onRequest(WebKitUserContentManager*, WebKitJavascriptResult* result, gpointer data) {
+  static void onRequest(WebKitUserContentManager*, compat::ScriptMessageArgument result, gpointer data) {
     auto& self = *static_cast<Floor*>(data);
-    JSCValue* body = webkit_javascript_result_get_js_value(result);
+    JSCValue* body = compat::scriptMessageValue(result);
     JSCValue* message = jsc_value_object_get_property(body, "message");
     char* text = jsc_value_to_string(message);
     const std::string_view s(text);
@@ -124,7 +128,7 @@ class Floor {
     webkit_web_view_evaluate_javascript(self.view_, script.data(), static_cast<gssize>(script.size()), nullptr, nullptr,
                                         nullptr, nullptr, nullptr);
   }
-  static void onDone(WebKitUserContentManager*, WebKitJavascriptResult*, gpointer data) {
+  static void onDone(WebKitUserContentManager*, compat::ScriptMessageArgument, gpointer data) {
     static_cast<Floor*>(data)->done_ = true;
   }
 
@@ -199,15 +203,23 @@ struct Rig {
 
   Rig() {
     if (!webkitgtk::initialize()) return;
-    window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
-    gtk_container_add(GTK_CONTAINER(window), box);
     floor = std::make_unique<Floor>();
     sdk = std::make_unique<SDK>();
+    for (GtkWidget* view : {floor->widget(), sdk->widget()}) gtk_widget_set_size_request(view, 400, 400);
+#ifdef WEBSDK_WEBKITGTK6
+    window = gtk_window_new();
+    gtk_window_set_child(GTK_WINDOW(window), box);
+    gtk_box_append(GTK_BOX(box), floor->widget());
+    gtk_box_append(GTK_BOX(box), sdk->widget());
+    gtk_window_present(GTK_WINDOW(window));
+#else
+    window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_container_add(GTK_CONTAINER(window), box);
     gtk_box_pack_start(GTK_BOX(box), floor->widget(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), sdk->widget(), TRUE, TRUE, 0);
-    gtk_window_set_default_size(GTK_WINDOW(window), 800, 400);
     gtk_widget_show_all(window);
+#endif
     ok = floor->load() && sdk->load();
   }
   static Rig& get() {

@@ -1,7 +1,8 @@
 # What `cmake --install` puts in place for host apps: the headers, the
 # libraries, websdk-inspect, a CMake package (find_package(WebSDK CONFIG) with
-# WebSDK::websdk, WebSDK::testing and, where it is built, WebSDK::webkitgtk)
-# and pkg-config files (websdk, websdk-testing, websdk-webkitgtk).
+# WebSDK::websdk, WebSDK::testing and, where they are built, the engines
+# WebSDK::webkitgtk and WebSDK::webkitgtk6) and pkg-config files (websdk,
+# websdk-testing, websdk-webkitgtk, websdk-webkitgtk6).
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -16,19 +17,28 @@ install(TARGETS ${WEBSDK_LIBRARIES} EXPORT WebSDKTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+# The engines, each with its own web-process module directory.
 set(WEBSDK_HAS_WEBKITGTK OFF)
-if(TARGET websdk_webkitgtk)
-  set(WEBSDK_HAS_WEBKITGTK ON)
+set(WEBSDK_HAS_WEBKITGTK6 OFF)
+set(pcengines)
+foreach(engine IN ITEMS webkitgtk webkitgtk6)
+  if(NOT TARGET websdk_${engine})
+    continue()
+  endif()
+  string(TOUPPER ${engine} ENGINE)
+  set(WEBSDK_HAS_${ENGINE} ON)
+  list(APPEND pcengines ${engine})
   # A host built against the installed package is told where the engine's
   # web-process module lies from the package's headers (engines/webkitgtk
   # installs it there). WebKitGTKConfiguration's default starts from the
   # headers' own place, so the package may lie anywhere. Targets in this build
   # tree get nothing.
-  file(RELATIVE_PATH WEBSDK_INCLUDE_TO_WEB_EXTENSIONS /${CMAKE_INSTALL_INCLUDEDIR}
-       /${CMAKE_INSTALL_LIBDIR}/websdk/web-extensions)
-  target_compile_definitions(websdk_webkitgtk INTERFACE
-    "$<INSTALL_INTERFACE:WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR=${WEBSDK_INCLUDE_TO_WEB_EXTENSIONS}>")
-endif()
+  get_target_property(subdir websdk_${engine} WEBSDK_EXTENSIONS_SUBDIR)
+  file(RELATIVE_PATH WEBSDK_INCLUDE_TO_${ENGINE}_EXTENSIONS /${CMAKE_INSTALL_INCLUDEDIR}
+       /${CMAKE_INSTALL_LIBDIR}/websdk/${subdir})
+  target_compile_definitions(websdk_${engine} INTERFACE
+    "$<INSTALL_INTERFACE:WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR=${WEBSDK_INCLUDE_TO_${ENGINE}_EXTENSIONS}>")
+endforeach()
 if(TARGET websdk-inspect)
   # With shared libraries, the tool finds them beside its own bin/.
   file(RELATIVE_PATH WEBSDK_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
@@ -48,9 +58,9 @@ install(FILES ${PROJECT_BINARY_DIR}/WebSDKConfig.cmake ${PROJECT_BINARY_DIR}/Web
 # pkg-config files find the prefix from where they lie, so any --prefix works.
 file(RELATIVE_PATH WEBSDK_PC_TO_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 set(pcnames websdk websdk-testing)
-if(WEBSDK_HAS_WEBKITGTK)
-  list(APPEND pcnames websdk-webkitgtk)
-endif()
+foreach(engine IN LISTS pcengines)
+  list(APPEND pcnames websdk-${engine})
+endforeach()
 foreach(pc IN LISTS pcnames)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/${pc}.pc.in ${PROJECT_BINARY_DIR}/pkgconfig/${pc}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/pkgconfig/${pc}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,6 +1,9 @@
 // minimal-host-gtk: the same cart plugin behind a real WebKitGTK web view. The
 // app loads the shop's page with its own header fields; the page asks for its
-// cart and shows the answer.
+// cart and shows the answer. One source for both engines: built against
+// WebSDK::webkitgtk (GTK 3) it is minimal-host-gtk, against WebSDK::webkitgtk6
+// (GTK 4, which defines WEBSDK_WEBKITGTK6) minimal-host-gtk4. Only the
+// window differs.
 //
 //   minimal-host-gtk                       opens the window
 //   minimal-host-gtk --exit-when-answered  quits with 0 once the page has its
@@ -80,10 +83,17 @@ int main(int argc, char** argv) {
   auto cart = std::make_shared<CartPlugin>(view);
   view->setCartPlugin(cart);
 
+#ifdef WEBSDK_WEBKITGTK6
+  GtkWidget* window = gtk_window_new();
+  gtk_window_set_default_size(GTK_WINDOW(window), 420, 320);
+  gtk_window_set_child(GTK_WINDOW(window), webkitgtk::widget(view->engine()));
+  gtk_window_present(GTK_WINDOW(window));
+#else
   GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   gtk_window_set_default_size(GTK_WINDOW(window), 420, 320);
   gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
   gtk_widget_show_all(window);
+#endif
 
   // The app's header fields go only to trusted hosts, also across redirects.
   using H = WebSDKRequestHeaders;
@@ -105,8 +115,15 @@ int main(int argc, char** argv) {
     std::cout << "minimal-host-gtk: the shop got token \"" << token << "\"" << std::endl;
     status = answered && token == kToken ? 0 : 1;
   } else {
+#ifdef WEBSDK_WEBKITGTK6
+    // GTK 4 has no gtk_main(): the app runs the loop until its window goes.
+    bool open = true;
+    g_signal_connect_swapped(window, "destroy", G_CALLBACK(+[](bool* flag) { *flag = false; }), &open);
+    while (open) g_main_context_iteration(nullptr, TRUE);
+#else
     g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
     gtk_main();
+#endif
   }
 
   // Tear-down: detach the bridge, then let the view go before GTK's window.
@@ -114,6 +131,10 @@ int main(int argc, char** argv) {
   view->removeWebSDKScriptHandler();
   cart->finish();
   view.reset();
+#ifdef WEBSDK_WEBKITGTK6
+  if (exitWhenAnswered) gtk_window_destroy(GTK_WINDOW(window));
+#else
   if (exitWhenAnswered) gtk_widget_destroy(window);
+#endif
   return status;
 }

@@ -30,14 +30,13 @@ report('ready', {headersAtStart: headersAtStart});
 }
 
 void E2ETest::SetUp() {
-  window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-  gtk_window_set_default_size(GTK_WINDOW(window), 400, 600);
+  ASSERT_TRUE(server.listening()) << server.error();
   makeView({"127.0.0.1"}, delegate);
 }
 
 void E2ETest::TearDown() {
   view.reset();
-  gtk_widget_destroy(window);
+  window.destroy();
 }
 
 void E2ETest::makeView(std::vector<std::string> whitelist, std::shared_ptr<RecordingDelegate> navigationDelegate) {
@@ -48,13 +47,9 @@ void E2ETest::makeView(std::vector<std::string> whitelist, std::shared_ptr<Recor
 
 void E2ETest::makeView(const WebSDKConfig& config, std::shared_ptr<RecordingDelegate> navigationDelegate) {
   view.reset();
-  webkitgtk::WebKitGTKConfiguration configuration;
-  configuration.ephemeral = true;
-  view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), config, nullptr, nullptr,
-                               navigationDelegate, listener);
+  view = WebSDKWebView::create(engine::make(), config, nullptr, nullptr, navigationDelegate, listener);
   view->engine().addScriptMessageHandler(page, "e2e");
-  gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
-  gtk_widget_show_all(window);
+  window.show(view->engine());
 }
 
 bool E2ETest::loadAndWait(const std::string& url, const WebSDKHeaders& requestHeaders,
@@ -97,10 +92,11 @@ std::optional<JSON> E2ETest::evaluate(const std::string& script) {
 
 namespace {
 
-class GtkEnvironment final : public ::testing::Environment {
+class EngineEnvironment final : public ::testing::Environment {
  public:
   void SetUp() override {
-    ASSERT_TRUE(websdk::webkitgtk::initialize()) << "no display: run the real-engine tests under xvfb-run -a";
+    std::printf("real-engine suite on %s\n", std::string(websdk::e2e::engine::name()).c_str());
+    ASSERT_TRUE(websdk::e2e::engine::start()) << "no display: run the real-engine tests under xvfb-run -a";
   }
 };
 
@@ -108,6 +104,6 @@ class GtkEnvironment final : public ::testing::Environment {
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
-  ::testing::AddGlobalTestEnvironment(new GtkEnvironment);
+  ::testing::AddGlobalTestEnvironment(new EngineEnvironment);
   return RUN_ALL_TESTS();
 }

@@ -1,4 +1,4 @@
-// The page channel both ways, against WebKitGTK: requests to plugins and back,
+// The page channel both ways, against the real engine: requests to plugins and back,
 // the bridge's own failures, large answers and pushed page events.
 
 #include "E2E.hpp"

@@ -80,20 +80,19 @@ TEST(TearDown, WindowFirstOrViewFirstLeavesNoWarnings) {
   server.page("/page", testPage());
   for (const bool windowFirst : {true, false}) {
     LogCapture log;
-    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
+    engine::Window window;
+    auto view = WebSDKWebView::create(engine::make(false), {"127.0.0.1"}, nullptr, nullptr,
                                       WebSDKTrustedHostsNavigationDelegate::shared());
-    gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
-    gtk_widget_show_all(window);
+    window.show(view->engine());
     view->loadWebView(server.url("/page"), {}, std::nullopt, 30);
     ASSERT_TRUE(waitFor([&] { return view->url().has_value(); }));
     view->sendSuccess("late");  // an answer still queued at tear-down
     if (windowFirst) {
-      gtk_widget_destroy(window);
+      window.destroy();
       view.reset();
     } else {
       view.reset();
-      gtk_widget_destroy(window);
+      window.destroy();
     }
     waitFor([] { return false; }, std::chrono::milliseconds(300));
     EXPECT_TRUE(log.glib.empty()) << (windowFirst ? "window first: " : "view first: ") << log.glib.front();

@@ -9,30 +9,6 @@
 namespace websdk::e2e {
 namespace {
 
-// The rules survive any header names, values and hosts; anything else is no rule.
-TEST(HeaderGuardRules, CarryAnyFieldsAndHostsAndNothingElseReadsAsRules) {
-  using webkitgtk::guard::Rule;
-  WebSDKConfig byFrame{{"example.com"}};
-  byFrame.judgesFramesByTheirOwnHost = true;
-  byFrame.maximumMessageBytes = 1;
-  byFrame.allowsServiceWorkers = true;
-  const std::vector<Rule> rules = {
-      {1, {{"token", "a"}}, {{"example.com"}, false}, 7, "https://example.com/#x", {{"token", "a"}}},
-      {~guint64{0}, {{"token", "x, y;z"}, {"X-App", "münchen"}}, {{"shop.example", "a,b;c", ""}, false}, 0, "", {}},
-      {2, {}, {{}, true}, 0, "", {}},
-      {3, {}, byFrame, ~guint64{0}, "", {}},
-  };
-  GVariant* encoded = g_variant_ref_sink(webkitgtk::guard::encode(rules));
-  EXPECT_EQ(webkitgtk::guard::decode(encoded), rules);
-  g_variant_unref(encoded);
-  for (GVariant* other : {g_variant_new_string("token"), g_variant_new("(as)", nullptr)}) {
-    g_variant_ref_sink(other);
-    EXPECT_TRUE(webkitgtk::guard::decode(other).empty());
-    g_variant_unref(other);
-  }
-  EXPECT_TRUE(webkitgtk::guard::decode(nullptr).empty());
-}
-
 // What the guard once read from a request: a field of the app's header names
 // and the whitelist. A page that sends one today sends just a field.
 std::string oldStyleGuardField(const std::vector<const char*>& names) {
@@ -79,9 +55,7 @@ TEST_F(E2ETest, AWebProcessWithoutTheGuardNeverSendsTheAppsHeaders) {
   server.page("/before", testPage());
   ASSERT_TRUE(loadAndWait(server.url("/before"), {{"token", "a"}}));
   EXPECT_EQ(server.requestsTo("/before")[0].header("token"), "a");
-  auto* webView = WEBKIT_WEB_VIEW(webkitgtk::widget(view->engine()));
-  webkit_web_context_set_web_extensions_directory(webkit_web_view_get_context(webView), dir);
-  webkit_web_view_terminate_web_process(webView);
+  engine::restartWithoutGuardModule(view->engine(), dir);
   expectLoadWithoutTheAppsHeaders("/replaced");
   g_rmdir(dir);
 }

@@ -1,4 +1,4 @@
-// Loading, headers, the header script and navigation, against WebKitGTK and a
+// Loading, headers, the header script and navigation, against the real engine and a
 // loopback server.
 
 #include "E2E.hpp"
@@ -69,6 +69,8 @@ TEST_F(E2ETest, RedirectsCarryTheAppsHeadersOnlyToWhitelistedHosts) {
     for (std::size_t hop = 0; hop <= last; ++hop) {
       const auto seen = server.requestsTo(base + std::to_string(hop));
       ASSERT_EQ(seen.size(), 1u) << base << hop;
+      // The mark the module reads a load's first request by never leaves.
+      EXPECT_EQ(seen[0].header("x-websdk-load"), std::nullopt) << base << hop;
       if (row.hops[hop] != "127.0.0.1") {
         EXPECT_EQ(seen[0].header("token"), std::nullopt) << base << hop;
         EXPECT_EQ(seen[0].header("x-websdk-confined"), std::nullopt) << base << hop;

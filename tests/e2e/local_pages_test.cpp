@@ -1,4 +1,4 @@
-// Local pages against WebKitGTK: an app-scheme page is loaded like any other,
+// Local pages against the real engine: an app-scheme page is loaded like any other,
 // with the app's headers only when the whitelist names its scheme and host,
 // its bridge works, and what it serves stays inside its folder and its view.
 
@@ -42,14 +42,10 @@ class LocalPagesTest : public E2ETest {
   /// The view again, with `pages` served by its engine.
   void makeLocalView(const WebSDKConfig& config, std::vector<LocalPages> pages, bool sharedContext = false) {
     view.reset();
-    webkitgtk::WebKitGTKConfiguration configuration;
-    configuration.ephemeral = !sharedContext;
-    configuration.localPages = std::move(pages);
-    view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), config, nullptr, nullptr,
-                                 delegate, listener);
+    view = WebSDKWebView::create(engine::make(!sharedContext, std::move(pages)), config, nullptr, nullptr, delegate,
+                                 listener);
     view->engine().addScriptMessageHandler(page, "e2e");
-    gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
-    gtk_widget_show_all(window);
+    window.show(view->engine());
     cart->view = view;
     view->setCartPlugin(cart);
   }
@@ -181,12 +177,10 @@ TEST_F(LocalPagesTest, AFolderServesOnlyWhatIsInsideIt) {
 // own pages: the second view's "app" scheme is not registered again, and
 // neither view reaches the other's host.
 TEST_F(LocalPagesTest, ViewsOnASharedContextServeOnlyTheirOwnPages) {
-  GtkWidget* secondWindow = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-  webkitgtk::WebKitGTKConfiguration shared;
-  shared.localPages = {recorded("shop")};
-  auto second = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(shared),
-                                      WebSDKConfig{{"app://shop"}}, nullptr, nullptr, delegate, listener);
-  gtk_container_add(GTK_CONTAINER(secondWindow), webkitgtk::widget(second->engine()));
+  engine::Window secondWindow;
+  auto second = WebSDKWebView::create(engine::make(false, {recorded("shop")}), WebSDKConfig{{"app://shop"}}, nullptr,
+                                      nullptr, delegate, listener);
+  secondWindow.show(second->engine());
   makeLocalView(WebSDKConfig{{"app://checkout"}}, {recorded("checkout")}, /*sharedContext=*/true);
 
   ASSERT_TRUE(loadAndWait("app://checkout/index.html"));
@@ -203,7 +197,7 @@ TEST_F(LocalPagesTest, ViewsOnASharedContextServeOnlyTheirOwnPages) {
 
   // The other view gone, this one still serves its own.
   second.reset();
-  gtk_widget_destroy(secondWindow);
+  secondWindow.destroy();
   ASSERT_TRUE(loadAndWait("app://checkout/index.html"));
   EXPECT_EQ(fetchFromPage("data.json").at("status"), JSON(200));
 }

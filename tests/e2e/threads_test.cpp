@@ -17,10 +17,8 @@ TEST_F(E2ETest, ViewsDroppedWhileWorkersUseThemAreTornDownOnTheUIThread) {
   int lastOnWorker = 0;
   for (int round = 0; round < 100; ++round) {
     // The shared web context: a round costs a view, not new web processes.
-    view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
-                                 delegate, listener);
-    gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
-    gtk_widget_show_all(window);
+    view = WebSDKWebView::create(engine::make(false), {"127.0.0.1"}, nullptr, nullptr, delegate, listener);
+    window.show(view->engine());
     const std::weak_ptr<WebSDKWebView> weak = view;
     std::atomic<int> calls{0};
     std::atomic<bool> sawLast{false};
@@ -49,7 +47,7 @@ TEST_F(E2ETest, ViewsDroppedWhileWorkersUseThemAreTornDownOnTheUIThread) {
     for (auto& w : workers) w.join();
     lastOnWorker += sawLast ? 1 : 0;
     // The view goes once the UI thread gets to it; its widget leaves the window.
-    ASSERT_TRUE(waitFor([&] { return gtk_bin_get_child(GTK_BIN(window)) == nullptr; }, 10s)) << "round " << round;
+    ASSERT_TRUE(waitFor([&] { return !window.holdsAView(); }, 10s)) << "round " << round;
   }
   std::printf("rounds whose last reference may have gone on a worker: %d of 100\n", lastOnWorker);
 }

@@ -1,4 +1,4 @@
-// Trust follows the document that sent the message, against WebKitGTK: a load
+// Trust follows the document that sent the message, against the real engine: a load
 // still pending lends its URL to nobody, answers never reach a later
 // document, hosts are read as WebKit reads them, and frames are judged by the
 // top page or, when the view says so, by their own host.

@@ -1,4 +1,5 @@
-// websdk-demo: a GTK host app that shows a checkout page in a WebSDKWebView.
+// websdk-demo (GTK 3, WebKitGTK 4.1) and websdk-demo-gtk4 (GTK 4, WebKitGTK
+// 6.0), one source: a GTK host app that shows a checkout page in a WebSDKWebView.
 // The page is served by an in-process loopback HTTP server; the app's plugins
 // answer its requests and every request and response is printed.
 //
@@ -13,10 +14,10 @@
 #include "DemoOptions.hpp"
 #include "DemoPlugins.hpp"
 
+#include "tools/common/GtkWindow.hpp"
+#include "tools/common/LoopbackServer.hpp"
 #include "websdk/webkitgtk/Native.hpp"
 #include "websdk/webview/WebSDKRequestHeaders.hpp"
-
-#include <libsoup/soup.h>
 
 #include <chrono>
 #include <cstring>
@@ -34,61 +35,35 @@ using namespace std::chrono_literals;
 // The WebSDK headers printed for each page request, when it carries them.
 constexpr const char* kShownHeaders[] = {"x-websdk", "platform", "app-version", "token", "cityId"};
 
-/// Serves the checkout page on 127.0.0.1 and prints the WebSDK headers each
-/// page request carried.
+/// The loopback server with the checkout page, printing the WebSDK headers
+/// each page request carried. Its partner link leaves the trusted hosts by a
+/// redirect: "localhost" reaches this server too, but is not whitelisted.
 class PageServer {
  public:
-  PageServer() : server_(soup_server_new(nullptr, nullptr)) {
-    soup_server_add_handler(server_, nullptr, &PageServer::handle, this, nullptr);
-    GError* error = nullptr;
-    if (!soup_server_listen_local(server_, 0, SOUP_SERVER_LISTEN_IPV4_ONLY, &error)) {
-      std::cerr << "websdk-demo: cannot listen on 127.0.0.1: " << error->message << std::endl;
-      g_error_free(error);
+  PageServer() {
+    if (!server_.listening()) {
+      std::cerr << "websdk-demo: " << server_.error() << std::endl;
       return;
     }
-    GSList* uris = soup_server_get_uris(server_);
-    port_ = g_uri_get_port(static_cast<GUri*>(uris->data));
-    g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
+    server_.page("/checkout", std::string(kCheckoutPage));
+    const std::string offers = server_.url("/offers", "localhost");
+    server_.redirect("/partner", offers);
+    server_.observe([offers](const LoopbackServer::Request& request) {
+      if (request.path == "/partner") {
+        std::cout << "server       GET /partner -> 302 " << offers << std::endl;
+      } else if (request.path == "/checkout") {
+        std::cout << "server       GET " << request.path;
+        for (const char* name : kShownHeaders)
+          if (const auto value = request.header(name)) std::cout << "  " << name << "=" << *value;
+        std::cout << std::endl;
+      }
+    });
   }
-  ~PageServer() {
-    soup_server_disconnect(server_);
-    g_object_unref(server_);
-  }
-  PageServer(const PageServer&) = delete;
-  PageServer& operator=(const PageServer&) = delete;
-
-  bool listening() const { return port_ != 0; }
-  std::string url(std::string_view path = "/checkout") const {
-    return "http://127.0.0.1:" + std::to_string(port_) + std::string(path);
-  }
+  bool listening() const { return server_.listening(); }
+  std::string url(const std::string& path = "/checkout") const { return server_.url(path); }
 
  private:
-  static void handle(SoupServer*, SoupServerMessage* message, const char* path, GHashTable*, gpointer self) {
-    // The partner link leaves the trusted hosts by a redirect: "localhost"
-    // reaches this server too, but is not whitelisted.
-    if (std::string_view(path) == "/partner") {
-      const std::string offers =
-          "http://localhost:" + std::to_string(static_cast<PageServer*>(self)->port_) + "/offers";
-      std::cout << "server       GET /partner -> 302 " << offers << std::endl;
-      soup_server_message_set_redirect(message, 302, offers.c_str());
-      return;
-    }
-    if (std::string_view(path) != "/checkout") {
-      soup_server_message_set_status(message, 404, nullptr);
-      return;
-    }
-    SoupMessageHeaders* headers = soup_server_message_get_request_headers(message);
-    std::cout << "server       GET " << path;
-    for (const char* name : kShownHeaders)
-      if (const char* value = soup_message_headers_get_one(headers, name)) std::cout << "  " << name << "=" << value;
-    std::cout << std::endl;
-    soup_server_message_set_status(message, 200, nullptr);
-    soup_server_message_set_response(message, "text/html; charset=utf-8", SOUP_MEMORY_STATIC, kCheckoutPage.data(),
-                                     kCheckoutPage.size());
-  }
-
-  SoupServer* server_;
-  guint port_ = 0;
+  LoopbackServer server_;
 };
 
 /// The checkout as the app's own pages, app://checkout/index.html, printing
@@ -123,36 +98,6 @@ WebSDKHeaders appHeaders() {
           {std::string(H::token), "demo-token-7f3a"},
           {std::string(H::cityId), "1"},
           {std::string(H::deviceId), "demo-device"}};
-}
-
-bool writeScreenshot(WebSDKWebView& view, const std::string& file) {
-  struct Shot {
-    bool done = false;
-    bool ok = false;
-    std::string file;
-  };
-  auto* shot = new Shot{false, false, file};
-  webkit_web_view_get_snapshot(
-      webkitgtk::nativeWebView(view.engine()), WEBKIT_SNAPSHOT_REGION_FULL_DOCUMENT, WEBKIT_SNAPSHOT_OPTIONS_NONE,
-      nullptr,
-      [](GObject* source, GAsyncResult* result, gpointer data) {
-        auto* s = static_cast<Shot*>(data);
-        GError* error = nullptr;
-        cairo_surface_t* surface = webkit_web_view_get_snapshot_finish(WEBKIT_WEB_VIEW(source), result, &error);
-        if (surface) {
-          s->ok = cairo_surface_write_to_png(surface, s->file.c_str()) == CAIRO_STATUS_SUCCESS;
-          cairo_surface_destroy(surface);
-        } else {
-          std::cerr << "websdk-demo: snapshot failed: " << error->message << std::endl;
-          g_error_free(error);
-        }
-        s->done = true;
-      },
-      shot);
-  const bool finished = webkitgtk::runUntil([&] { return shot->done; }, 10s);
-  const bool ok = finished && shot->ok;
-  if (finished) delete shot;  // else the late callback still owns it
-  return ok;
 }
 
 /// Evaluates `script` and waits for its value.
@@ -231,9 +176,7 @@ int run(int argc, char** argv) {
   PageServer server;
   if (!server.listening()) return 2;
 
-  GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-  gtk_window_set_title(GTK_WINDOW(window), "WebSDK demo: checkout");
-  gtk_window_set_default_size(GTK_WINDOW(window), 420, 820);
+  gtkhost::Window window("WebSDK demo: checkout", 420, 820);
 
   auto navigation = std::make_shared<NavigationPrinter>(std::cout);
   auto traffic = std::make_shared<TrafficPrinter>(std::cout);
@@ -261,8 +204,7 @@ int run(int argc, char** argv) {
   const WebSDKHeaders headers = appHeaders();
   view->executeJSScript(WebSDKAppFunctions::nativeHeaders(headers));
 
-  gtk_container_add(GTK_CONTAINER(window), webkitgtk::widget(view->engine()));
-  gtk_widget_show_all(window);
+  window.show(view->engine());
 
   const auto load = [&] { view->loadWebView(checkoutURL, headers, std::nullopt, 15); };
   const auto click = [&](const std::string& step) {
@@ -295,7 +237,6 @@ int run(int argc, char** argv) {
     std::cout << "\npage state: " << (state ? serialize(*state) : "(none)") << std::endl;
     if (!answered || state != JSON("paid")) status = 1;
   } else {
-    g_signal_connect(window, "destroy", G_CALLBACK(gtk_main_quit), nullptr);
     // With a screenshot to take, the page is shown once it has its answers.
     if (screenshot.empty())
       load();
@@ -304,21 +245,22 @@ int run(int argc, char** argv) {
   }
 
   if (!screenshot.empty()) {
-    if (writeScreenshot(*view, screenshot)) {
+    std::string why;
+    if (gtkhost::writeSnapshot(view->engine(), screenshot, why)) {
       std::cout << "screenshot   " << screenshot << std::endl;
     } else {
-      std::cerr << "websdk-demo: could not write " << screenshot << std::endl;
+      std::cerr << "websdk-demo: could not write " << screenshot << ": " << why << std::endl;
       status = status == 0 ? 1 : status;
     }
   }
-  if (!headless) gtk_main();
+  if (!headless) window.runUntilClosed();
 
   // The provider's threads finish before the view goes, so the view is
   // never released off the UI thread.
   payments.reset();
   view.reset();
   if (!headless) return status;
-  gtk_widget_destroy(window);
+  window.destroy();
   std::cout << (status == 0 ? "checkout complete: every step got its answer" : "checkout FAILED") << std::endl;
   return status;
 }

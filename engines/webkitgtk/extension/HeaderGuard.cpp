@@ -15,10 +15,21 @@
 #include "HeaderGuard.hpp"
 #include "PageChannel.hpp"
 
+// The same module builds against the 4.1 and the 6.0 web-process API; the
+// names that differ are mapped here, once.
+#ifdef WEBSDK_WEBKITGTK6
+#include <webkit/webkit-web-process-extension.h>
+using WebProcessExtension = WebKitWebProcessExtension;
+#define WEBSDK_GUARD_ENTRY webkit_web_process_extension_initialize_with_user_data
+#else
 #include <webkit2/webkit-web-extension.h>
+using WebProcessExtension = WebKitWebExtension;
+#define WEBSDK_GUARD_ENTRY webkit_web_extension_initialize_with_user_data
+#endif
 
 #include <cstring>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,35 +48,47 @@ std::vector<guard::Rule>& rules() {
 // The URL without its fragment, which no request carries.
 std::string_view withoutFragment(std::string_view url) { return url.substr(0, url.find('#')); }
 
-// The load each page last had the app's fields added to, in this process.
-std::map<guint64, guint64>& sentLoads() {
-  static std::map<guint64, guint64> sent;
+// The loads whose first request this process has sent.
+std::set<guint64>& sentLoads() {
+  static std::set<guint64> sent;
   return sent;
+}
+
+// The view whose load each page of this process sent, by the load's mark.
+std::map<guint64, guint64>& viewOfPage() {
+  static std::map<guint64, guint64> views;
+  return views;
 }
 
 // The rule of the view showing `page`, if it has one.
 const guard::Rule* ruleOf(WebKitWebPage* page) {
   const guint64 id = webkit_web_page_get_id(page);
+  const auto view = viewOfPage().find(id);
   for (const auto& rule : rules())
-    if (rule.page == id) return &rule;
+    if (rule.page == id || (view != viewOfPage().end() && rule.view == view->second)) return &rule;
   return nullptr;
 }
 
-// The app's fields go on the first request of the view's load, if its host
-// is trusted; WebKit copies them onto the load's redirects. A field the app
-// loaded with leaves only for a host its view trusts: any view that owns the
-// field and does not trust the host takes it off.
+// The app's fields go on the first request of the view's load, the one its
+// mark is on, if its host is trusted; WebKit copies them onto the load's
+// redirects. A field the app loaded with leaves only for a host its view
+// trusts: any view that owns the field and does not trust the host takes it
+// off.
 gboolean sendRequest(WebKitWebPage* page, WebKitURIRequest* request, WebKitURIResponse* redirected, gpointer) {
   SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(request);
   const char* uri = webkit_uri_request_get_uri(request);
   if (headers == nullptr || uri == nullptr) return FALSE;
-  if (const guard::Rule* rule = ruleOf(page); rule != nullptr && redirected == nullptr && rule->load != 0) {
-    guint64& sent = sentLoads()[rule->page];
-    if (sent != rule->load && withoutFragment(uri) == withoutFragment(rule->loadURL)) {
-      sent = rule->load;
-      if (rule->trust.isWhitelistedURL(uri))
-        for (const auto& [name, value] : rule->loadFields)
+  if (const char* marked = soup_message_headers_get_one(headers, guard::kLoadMark)) {
+    const std::string mark = marked;
+    soup_message_headers_remove(headers, guard::kLoadMark);
+    for (const auto& rule : rules()) {
+      if (rule.load == 0 || guard::loadMark(rule.load) != mark) continue;
+      viewOfPage()[webkit_web_page_get_id(page)] = rule.view;
+      if (redirected == nullptr && withoutFragment(uri) == withoutFragment(rule.loadURL) &&
+          sentLoads().insert(rule.load).second && rule.trust.isWhitelistedURL(uri))
+        for (const auto& [name, value] : rule.loadFields)
           soup_message_headers_replace(headers, name.c_str(), value.c_str());
+      break;
     }
   }
   for (const auto& rule : rules()) {
@@ -83,7 +106,7 @@ gboolean sendRequest(WebKitWebPage* page, WebKitURIRequest* request, WebKitURIRe
   return FALSE;  // the request goes on
 }
 
-gboolean extensionMessage(WebKitWebExtension*, WebKitUserMessage* message, gpointer) {
+gboolean extensionMessage(WebProcessExtension*, WebKitUserMessage* message, gpointer) {
   if (std::strcmp(webkit_user_message_get_name(message), guard::kRules) != 0) return FALSE;
   rules() = guard::decode(webkit_user_message_get_parameters(message));
   return TRUE;
@@ -279,16 +302,15 @@ gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) 
   return TRUE;
 }
 
-void pageCreated(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
+void pageCreated(WebProcessExtension*, WebKitWebPage* page, gpointer) {
   g_signal_connect(page, "send-request", G_CALLBACK(sendRequest), nullptr);
   g_signal_connect(page, "user-message-received", G_CALLBACK(userMessage), nullptr);
 }
 
 }  // namespace
 
-extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize_with_user_data(WebKitWebExtension* extension,
-                                                                               GVariant* data) {
-  rules() = guard::decode(data);
+extern "C" G_MODULE_EXPORT void WEBSDK_GUARD_ENTRY(WebProcessExtension* extension, const GVariant* data) {
+  rules() = guard::decode(const_cast<GVariant*>(data));
   g_signal_connect(extension, "user-message-received", G_CALLBACK(extensionMessage), nullptr);
   g_signal_connect(extension, "page-created", G_CALLBACK(pageCreated), nullptr);
   g_signal_connect(webkit_script_world_get_default(), "window-object-cleared", G_CALLBACK(windowObjectCleared),

@@ -22,12 +22,29 @@
 
 namespace websdk::webkitgtk::guard {
 
+// Each engine's module is built against its own web-process API, in a
+// directory of its own: WebKit loads every module of the directory it is given.
+#ifdef WEBSDK_WEBKITGTK6
+inline constexpr char kModule[] = "libwebsdk-header-guard-6.so";
+#else
 inline constexpr char kModule[] = "libwebsdk-header-guard.so";
+#endif
 /// View -> every web process of its context: the rules, in the form below.
 inline constexpr char kRules[] = "websdk:guard-rules";
 /// View -> page: is the module here? The module answers kReady.
 inline constexpr char kHello[] = "websdk:guard-hello";
 inline constexpr char kReady[] = "websdk:guard-ready";
+/// The field the view marks its load's first request with: the load's
+/// number, in hex. WebKit may send that request from any process of the
+/// context (it moves a view's navigations between processes at will, and a
+/// page's identity with them), so the mark, not the page, tells whose load it
+/// is. The module takes it off every request.
+inline constexpr char kLoadMark[] = "X-WebSDK-Load";
+inline std::string loadMark(guint64 load) {
+  char text[17];
+  g_snprintf(text, sizeof text, "%016" G_GINT64_MODIFIER "x", load);
+  return text;
+}
 
 /// One view's rule: its page, the app's fields it has loaded with, and its
 /// trust. With the trust the module also spares the UI process the text of
@@ -40,15 +57,19 @@ struct Rule {
   /// request to a host the view does not trust.
   Fields fields;
   WebSDKConfig trust;
-  /// The view's latest load with the app's fields: its number, its URL and
-  /// the fields its first request gets.
+  /// The view's latest load with the app's fields: its number (random, so
+  /// no page can guess its mark), its URL and the fields its first request
+  /// gets.
   guint64 load = 0;
   std::string loadURL;
   Fields loadFields;
+  /// The view, for as long as it lives: pages its loads reached stay its
+  /// pages whatever their process.
+  guint64 view = 0;
   bool operator==(const Rule&) const = default;
 };
 
-inline constexpr char kRulesType[] = "a(ta(ss)asbbttsa(ss)b)";
+inline constexpr char kRulesType[] = "a(ta(ss)asbbttsa(ss)bt)";
 
 /// The rules as a floating GVariant of kRulesType.
 inline GVariant* encode(const std::vector<Rule>& rules) {
@@ -60,7 +81,7 @@ inline GVariant* encode(const std::vector<Rule>& rules) {
     g_variant_builder_close(builder);
   };
   for (const auto& rule : rules) {
-    g_variant_builder_open(&all, G_VARIANT_TYPE("(ta(ss)asbbttsa(ss)b)"));
+    g_variant_builder_open(&all, G_VARIANT_TYPE("(ta(ss)asbbttsa(ss)bt)"));
     g_variant_builder_add(&all, "t", rule.page);
     add(&all, rule.fields);
     g_variant_builder_open(&all, G_VARIANT_TYPE_STRING_ARRAY);
@@ -73,6 +94,7 @@ inline GVariant* encode(const std::vector<Rule>& rules) {
     g_variant_builder_add(&all, "s", rule.loadURL.c_str());
     add(&all, rule.loadFields);
     g_variant_builder_add(&all, "b", static_cast<gboolean>(rule.trust.allowsServiceWorkers));
+    g_variant_builder_add(&all, "t", rule.view);
     g_variant_builder_close(&all);
   }
   return g_variant_builder_end(&all);
@@ -98,8 +120,8 @@ inline std::vector<Rule> decode(GVariant* value) {
     gboolean everyHost = FALSE, byFrame = FALSE, serviceWorkers = FALSE;
     guint64 limit = 0;
     const gchar* url = nullptr;
-    g_variant_get(entry, "(t@a(ss)@asbbtt&s@a(ss)b)", &rule.page, &fields, &hosts, &everyHost, &byFrame, &limit,
-                  &rule.load, &url, &loadFields, &serviceWorkers);
+    g_variant_get(entry, "(t@a(ss)@asbbtt&s@a(ss)bt)", &rule.page, &fields, &hosts, &everyHost, &byFrame, &limit,
+                  &rule.load, &url, &loadFields, &serviceWorkers, &rule.view);
     rule.trust.allowsServiceWorkers = serviceWorkers != FALSE;
     rule.fields = read(fields);
     rule.loadFields = read(loadFields);

@@ -6,7 +6,7 @@
 
 #include "websdk/webview/LocalPages.hpp"
 
-#include <webkit2/webkit2.h>
+#include "Compat.hpp"
 
 #include <memory>
 #include <vector>

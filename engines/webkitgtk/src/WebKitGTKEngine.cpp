@@ -45,7 +45,7 @@ void logToGLib() {
 
 bool initialize(int* argc, char*** argv) {
   logToGLib();
-  return gtk_init_check(argc, argv) != FALSE;
+  return compat::initializeGTK(argc, argv);
 }
 
 bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
@@ -176,9 +176,8 @@ class GuardRules {
     if (rules == nullptr) {
       rules = new GuardRules;
       g_object_set_data_full(G_OBJECT(context), kKey, rules, [](gpointer p) { delete static_cast<GuardRules*>(p); });
-      g_signal_connect(context, "initialize-web-extensions", G_CALLBACK(+[](WebKitWebContext* c, gpointer data) {
-                         webkit_web_context_set_web_extensions_initialization_user_data(
-                             c, guard::encode(static_cast<GuardRules*>(data)->all()));
+      g_signal_connect(context, compat::kInitializeExtensions, G_CALLBACK(+[](WebKitWebContext* c, gpointer data) {
+                         compat::setExtensionsData(c, guard::encode(static_cast<GuardRules*>(data)->all()));
                        }),
                        rules);
     }
@@ -188,10 +187,13 @@ class GuardRules {
   /// `owner`'s view (of `page`) loads `url` under `trust`, with the app's
   /// `fields` (maybe none): every process hears of it before the load is
   /// made. A view's earlier fields stay guarded (a redirect of an earlier
-  /// load may still be under way), the last few of them.
-  void add(WebKitWebContext* context, const void* owner, guint64 page, const std::string& url,
-           const HeaderFields& fields, const WebSDKConfig& trust) {
+  /// load may still be under way), the last few of them. Returns the load's
+  /// number when it has fields for the module to add, else 0.
+  guint64 add(WebKitWebContext* context, const void* owner, guint64 page, const std::string& url,
+              const HeaderFields& fields, const WebSDKConfig& trust) {
+    const bool known = byOwner_.contains(owner);
     guard::Rule& rule = byOwner_[owner];
+    if (!known) rule.view = ++views_;
     const auto before = rule;
     rule.page = page;
     rule.trust = trust;
@@ -204,11 +206,23 @@ class GuardRules {
     if (rule.fields.size() > kKept)
       rule.fields.erase(rule.fields.begin(), rule.fields.end() - static_cast<std::ptrdiff_t>(kKept));
     if (!fields.empty()) {
-      rule.load = ++loads_;
+      // Random: a page must not guess the mark of a load to come.
+      do rule.load = (static_cast<guint64>(g_random_int()) << 32) | g_random_int();
+      while (rule.load == 0);
       rule.loadURL = url;
       rule.loadFields = fields;
     }
-    if (rule == before) return;
+    if (rule != before)
+      webkit_web_context_send_message_to_all_extensions(context,
+                                                        webkit_user_message_new(guard::kRules, guard::encode(all())));
+    return fields.empty() ? 0 : rule.load;
+  }
+  /// `owner`'s view shows its pages in a new web page (WebKit moved it to
+  /// another process): pages there are its pages from now on.
+  void movePage(WebKitWebContext* context, const void* owner, guint64 page) {
+    const auto it = byOwner_.find(owner);
+    if (it == byOwner_.end() || it->second.page == page) return;
+    it->second.page = page;
     webkit_web_context_send_message_to_all_extensions(context,
                                                       webkit_user_message_new(guard::kRules, guard::encode(all())));
   }
@@ -222,7 +236,7 @@ class GuardRules {
     return rules;
   }
   std::map<const void*, guard::Rule> byOwner_;
-  guint64 loads_ = 0;
+  guint64 views_ = 0;
 };
 
 struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
@@ -330,14 +344,20 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
           return FALSE;
         });
     connect(
+        view, "notify::page-id", +[](WebKitWebView* v, GParamSpec*, gpointer data) {
+          if (auto s = from(data); s && s->view && !s->guardPlace.empty()) {
+            WebKitWebContext* context = webkit_web_view_get_context(v);
+            GuardRules::of(context).movePage(context, s.get(), webkit_web_view_get_page_id(v));
+          }
+        });
+    connect(
         view, "authenticate", +[](WebKitWebView*, WebKitAuthenticationRequest* request, gpointer data) -> gboolean {
           if (auto s = from(data); s && s->view) return s->authenticate(request);
           return FALSE;
         });
     // Pinch-zoom is watched ahead of the web view's own handling, so that a
     // refused pinch can be claimed (and so swallowed) as soon as it begins.
-    zoomGesture = gtk_gesture_zoom_new(GTK_WIDGET(view));
-    gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(zoomGesture), GTK_PHASE_CAPTURE);
+    zoomGesture = compat::newZoomGesture(GTK_WIDGET(view));
     connect(
         zoomGesture, "begin", +[](GtkGesture* gesture, GdkEventSequence*, gpointer data) {
           if (auto s = from(data); s && s->view) s->zoomBegan(gesture);
@@ -356,7 +376,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     connections.clear();
     for (const auto& [name, channel] : channels) {
       g_signal_handler_disconnect(contentManager, channel.id);
-      webkit_user_content_manager_unregister_script_message_handler(contentManager, name.c_str());
+      compat::unregisterScriptMessageHandler(contentManager, name.c_str());
     }
     channels.clear();
     g_cancellable_cancel(cancellable);
@@ -379,18 +399,15 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     if (emitting > 0) {
       // Out of the host's window at once, so that a new view can take its
       // place; destroyed once WebKit has returned from its signal.
-      if (GtkWidget* parent = gtk_widget_get_parent(GTK_WIDGET(widget)))
-        gtk_container_remove(GTK_CONTAINER(parent), GTK_WIDGET(widget));
+      compat::detach(GTK_WIDGET(widget));
       g_idle_add(
           [](gpointer w) -> gboolean {
-            gtk_widget_destroy(GTK_WIDGET(w));
-            g_object_unref(w);
+            compat::destroy(GTK_WIDGET(w));
             return G_SOURCE_REMOVE;
           },
           widget);
     } else {
-      gtk_widget_destroy(GTK_WIDGET(widget));
-      g_object_unref(widget);
+      compat::destroy(GTK_WIDGET(widget));
     }
     g_object_unref(contentManager);
     contentManager = nullptr;
@@ -609,7 +626,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
         }),
         new ChannelClosure{weak_from_this(), name},
         [](gpointer data, GClosure*) { delete static_cast<ChannelClosure*>(data); }, GConnectFlags{});
-    if (!webkit_user_content_manager_register_script_message_handler(contentManager, name.c_str())) {
+    if (!compat::registerScriptMessageHandler(contentManager, name.c_str())) {
       g_signal_handler_disconnect(contentManager, id);
       return false;
     }
@@ -621,7 +638,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     const auto it = channels.find(name);
     if (it == channels.end()) return;
     g_signal_handler_disconnect(contentManager, it->second.id);
-    webkit_user_content_manager_unregister_script_message_handler(contentManager, it->first.c_str());
+    compat::unregisterScriptMessageHandler(contentManager, it->first.c_str());
     channels.erase(it);
   }
 
@@ -721,15 +738,18 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // on the request the UI process makes: the guard module adds them in the
   // web process that sends it, so without the module they do not go at all.
   void send(const URLRequest& request) {
-    const HeaderFields fields = request.headersFor("");
+    HeaderFields fields = request.headersFor("");
     if (!guardPlace.empty()) {
       HeaderFields confined;
       for (const auto& field : request.headers)
         if (std::ranges::find(request.confinedHeaders, field.first) != request.confinedHeaders.end())
           confined.push_back(field);
       WebKitWebContext* context = webkit_web_view_get_context(view);
-      GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), request.url, confined,
-                                  request.trust);
+      const guint64 load = GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), request.url,
+                                                       confined, request.trust);
+      // The mark says which load the request is; the module takes it off.
+      // Once the module is known to be missing, nothing would: it stays home.
+      if (load != 0 && stamped) fields.emplace_back(guard::kLoadMark, guard::loadMark(load));
     }
     if (localPages) localPages->expect(request.url, request.headersFor(request.url));
     WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
@@ -768,11 +788,10 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
     s.guardPlace = *directory;
     s.stamped = true;
     // Marks this view's pages for the module; its messages are never read.
-    webkit_user_content_manager_register_script_message_handler(s.contentManager, channel::kMarker);
+    compat::registerScriptMessageHandler(s.contentManager, channel::kMarker);
   }
   s.cancellable = g_cancellable_new();
-  s.view = WEBKIT_WEB_VIEW(g_object_ref_sink(
-      g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context, "user-content-manager", s.contentManager, nullptr)));
+  s.view = compat::newWebView(context, s.contentManager, configuration.ephemeral);
   g_object_unref(context);
   s.localPages = local::serve(s.view, configuration.localPages);
   webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), TRUE);

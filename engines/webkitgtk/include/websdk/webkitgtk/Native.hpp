@@ -7,7 +7,13 @@
 #include "websdk/webkitgtk/WebKitGTKEngine.hpp"
 
 #include <gtk/gtk.h>
+// The engine a host links (websdk_webkitgtk6 defines WEBSDK_WEBKITGTK6 for it)
+// decides which WebKitGTK API its objects come from.
+#ifdef WEBSDK_WEBKITGTK6
+#include <webkit/webkit.h>
+#else
 #include <webkit2/webkit2.h>
+#endif
 
 namespace websdk::webkitgtk {
 
@@ -19,7 +25,8 @@ WEBSDK_EXPORT void* nativeHandle(WebEngine& engine);
 /// the widget is destroyed with the engine.
 inline WebKitWebView* nativeWebView(WebEngine& engine) { return static_cast<WebKitWebView*>(nativeHandle(engine)); }
 
-/// The same object as a GtkWidget, for gtk_container_add() and friends.
+/// The same object as a GtkWidget, for gtk_container_add() (GTK 3) or
+/// gtk_window_set_child() (GTK 4) and friends.
 inline GtkWidget* widget(WebEngine& engine) { return static_cast<GtkWidget*>(nativeHandle(engine)); }
 
 }  // namespace websdk::webkitgtk

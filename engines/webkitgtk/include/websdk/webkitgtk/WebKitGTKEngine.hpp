@@ -7,6 +7,10 @@
 //   auto engine = std::make_unique<websdk::webkitgtk::WebKitGTKEngine>();
 //   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
 //   gtk_container_add(GTK_CONTAINER(window), websdk::webkitgtk::widget(view->engine()));
+//
+// The same header serves both engines: websdk_webkitgtk (WebKitGTK 4.1, GTK 3)
+// and websdk_webkitgtk6 (WebKitGTK 6.0, GTK 4, where the last line is
+// gtk_window_set_child). A process links one of them.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/LocalPages.hpp"

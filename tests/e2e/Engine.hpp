@@ -1,0 +1,60 @@
+#pragma once
+// What the real-engine suite needs of the engine it runs on, and nothing
+// more: make a view's engine, show it, run the loop. The suite is built once
+// per engine, each build with its engine's fixture (engines/*.cpp): GTK 3 and
+// GTK 4 cannot share a process. Tests name no engine.
+
+#include "websdk/webview/LocalPages.hpp"
+#include "websdk/webview/WebEngine.hpp"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace websdk::e2e::engine {
+
+/// The engine's name, as the suite's output and its CTest names show it.
+std::string_view name();
+/// Starts the engine's toolkit in this process; false without a display.
+bool start();
+
+/// A view's engine. Ephemeral, it has a web context (and network session) of
+/// its own; else it shares the process's, and costs no new web processes.
+std::unique_ptr<WebEngine> make(bool ephemeral = true, std::vector<LocalPages> localPages = {});
+
+/// Runs the UI thread's loop until `done()` holds or `bound` has passed.
+bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound);
+
+/// A top-level window that shows one view at a time.
+class Window {
+ public:
+  Window();
+  ~Window();
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+  /// Shows the engine's view in the window, in place of the one before.
+  void show(WebEngine& engine);
+  bool holdsAView() const;
+  /// Destroys the window now, as a user closing it would.
+  void destroy();
+
+ private:
+  struct Native;
+  std::unique_ptr<Native> native_;
+};
+
+/// A two-finger pinch on the view: its begin, a step to `scale`, its end.
+void pinch(WebEngine& engine, double scale);
+/// Whether the engine can watch pinches, and whether it lets them go on.
+bool hasPinchGesture(WebEngine& engine);
+bool pinchEnabled(WebEngine& engine);
+
+/// What a host does that leaves the view's next web process without the
+/// guard module: it points the web context's module directory at `directory`
+/// (holding no module) and ends the current web process.
+void restartWithoutGuardModule(WebEngine& engine, const std::string& directory);
+
+}  // namespace websdk::e2e::engine

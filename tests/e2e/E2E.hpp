@@ -24,7 +24,9 @@ namespace websdk::e2e {
 
 using namespace std::chrono_literals;
 
-inline constexpr auto kBound = 15s;
+// Generous: a loaded machine (CI, sanitizers) may take many seconds to start
+// a view's first web processes; a test that passes never waits this long.
+inline constexpr auto kBound = 30s;
 
 inline bool waitFor(const std::function<bool()>& done, std::chrono::milliseconds bound = kBound) {
   return engine::runUntil(done, bound);

@@ -2,7 +2,6 @@
 
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
-#include "websdk/webview/WebSDKWebView.hpp"
 
 #include <boost/json/basic_parser_impl.hpp>
 
@@ -125,16 +124,16 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
     if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
   const auto typed = F::Payload::validateRequest(request);
   if (!typed) return Trial::declined;
-  if ((handler.*F::delegate).expired()) {
+  if (!handler.subscribed<F>()) {
     failureMessage = F::failureMessage;
     return Trial::notSubscribed;
   }
   // Taken afresh: a host object released by now is not called.
-  const auto plugin = (handler.*F::delegate).lock();
+  const auto plugin = handler.plugin<F>();
   if (!plugin) return Trial::dropped;
   // Noted before the call: a plugin may answer from inside it.
   handler.expectAnswer(requestId, document);
-  ((*plugin).*F::operation)(request, *typed);
+  F::call(*plugin, request, *typed);
   return Trial::delivered;
 }
 
@@ -149,15 +148,13 @@ struct Route {
 // one of the first does.
 struct Routes {
   std::unordered_map<std::string_view, Route> byAction;
-  std::array<TrialFn, std::tuple_size_v<BridgeFamilies>> trials{};
+  std::array<TrialFn, kFamilyCount> trials{};
 
   Routes() {
-    std::uint16_t family = 0;
     forEachFamily([&]<class F>(F) {
-      trials[family] = &tryFamily<F>;
+      trials[F::slot] = &tryFamily<F>;
       for (const auto& entry : enumTable<typename F::Action>)
-        byAction.emplace(entry.raw, Route{family, static_cast<std::uint16_t>(entry.value)});
-      ++family;
+        byAction.emplace(entry.raw, Route{F::slot, static_cast<std::uint16_t>(entry.value)});
     });
   }
 };
@@ -194,10 +191,11 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   {
     // Not held past the check: a plugin may drop the host's last reference.
     const auto view = webview.lock();
-    const std::string& judged = view && view->webSDKConfig.judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
+    const WebSDKConfig* config = view ? &view->bridgeConfig() : nullptr;
+    const std::string& judged = config && config->judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
     // A refused page's text is never parsed: its request id is looked for
     // near the start only, so no size of message stalls the UI thread.
-    if (!view || judged.empty() || !isTrusted(view->webSDKConfig, judged)) {
+    if (!config || judged.empty() || !isTrusted(*config, judged)) {
       auto start = scanTheStart(text, kRefusedMessageStart);
       if (view && std::exchange(refusalLogged_, origin.topDocument) != origin.topDocument)
         log(LogLevel::warning, "trust",
@@ -209,10 +207,10 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       return;
     }
     // Only the start of a message the engine judged too large is here.
-    if (bytes > view->webSDKConfig.maximumMessageBytes || bytes > text.size()) {
+    if (bytes > config->maximumMessageBytes || bytes > text.size()) {
       answerFailure(requestIdNearTheStart(text), WebSDKStatusCode::notHandled,
                     "message too large: " + std::to_string(bytes) + " bytes, the limit is " +
-                        std::to_string(view->webSDKConfig.maximumMessageBytes),
+                        std::to_string(config->maximumMessageBytes),
                     origin.topDocument);
       return;
     }

@@ -1,6 +1,7 @@
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include "websdk/Log.hpp"
+#include "websdk/bridge/Families.hpp"
 
 #include <algorithm>
 #include <iostream>
@@ -88,12 +89,12 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
       });
   // Wiring needs the shared owner, so it happens once the view exists.
   WebSDKScriptHandler& h = *view->handler_;
-  h.webview = view;
-  h.genericDelegate = genericDelegate;
-  h.paymentsDelegate = paymentsDelegate;
+  h.webview = std::shared_ptr<BridgeView>(view, static_cast<BridgeView*>(view.get()));
+  view->setPlugin<GenericFamily>(genericDelegate);
+  view->setPlugin<PaymentsFamily>(paymentsDelegate);
   h.webJSCommunicationDelegate = webJSCommunicationDelegate;
   view->webSDKNavigationDelegate = webViewDelegate;
-  h.setRecipientInfoDelegate = setRecipientInfoDelegate;
+  view->setPlugin<SetRecipientInfoFamily>(setRecipientInfoDelegate);
   view->webJSCommunicatorDelegate = webJSCommunicationDelegate;
   view->engine_->setClient(view.get());
   return view;
@@ -133,27 +134,23 @@ void WebSDKWebView::removeWebSDKScriptHandler() {
 void WebSDKWebView::resetWebView() { handler_->webview.reset(); }
 
 void WebSDKWebView::setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& p) {
-  handler_->restaurantEmpathyDelegate = p;
+  setPlugin<RestaurantEmpathyFamily>(p);
 }
 void WebSDKWebView::setChatConversationPlugin(const std::shared_ptr<DvWebViewChatConversationCallsBacks>& p) {
-  handler_->chatConversationDelegate = p;
+  setPlugin<ChatConversationFamily>(p);
 }
-void WebSDKWebView::setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& p) { handler_->cartDelegate = p; }
-void WebSDKWebView::setPXCartPlugin(const std::shared_ptr<DvPXCartWebViewCallBacks>& p) {
-  handler_->pxCartDelegate = p;
-}
-void WebSDKWebView::setVRCartPlugin(const std::shared_ptr<DvVRCartWebViewCallBacks>& p) {
-  handler_->vrCartDelegate = p;
-}
+void WebSDKWebView::setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& p) { setPlugin<CartFamily>(p); }
+void WebSDKWebView::setPXCartPlugin(const std::shared_ptr<DvPXCartWebViewCallBacks>& p) { setPlugin<PXCartFamily>(p); }
+void WebSDKWebView::setVRCartPlugin(const std::shared_ptr<DvVRCartWebViewCallBacks>& p) { setPlugin<VRCartFamily>(p); }
 void WebSDKWebView::setGiftingCartPlugin(const std::shared_ptr<DvGiftingCartWebViewCallBacks>& p) {
-  handler_->giftingCartDelegate = p;
+  setPlugin<GiftingCartFamily>(p);
 }
-void WebSDKWebView::setZippaPlugin(const std::shared_ptr<DvZippaWebViewCallBacks>& p) { handler_->zippaDelegate = p; }
+void WebSDKWebView::setZippaPlugin(const std::shared_ptr<DvZippaWebViewCallBacks>& p) { setPlugin<ZippaFamily>(p); }
 void WebSDKWebView::setAccountsPlugin(const std::shared_ptr<DvAccountsWebViewCallBacks>& p) {
-  handler_->accountsDelegate = p;
+  setPlugin<AccountsFamily>(p);
 }
 void WebSDKWebView::setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCallbacks>& p) {
-  handler_->menuListDelegate = p;
+  setPlugin<MenuListFamily>(p);
 }
 
 void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,

@@ -1,6 +1,5 @@
+#include "FamilyRequests.hpp"
 #include "support/Harness.hpp"
-
-#include "websdk/bridge/Families.hpp"
 
 #include <gtest/gtest.h>
 
@@ -78,26 +77,16 @@ TEST(Intake, EveryFailureReachesThePageAsItsEnvelope) {
 }
 
 TEST(Intake, ARequestOfEveryFamilyWithoutItsPluginGetsTheFamilysMessage) {
-  // A request whose payload decodes for each family that has actions so far.
   std::set<std::string_view> messages;
-  forEachFamily([&]<class F>(F) {
-    messages.insert(F::failureMessage);
-    for (const auto& entry : enumTable<typename F::Action>) {
-      for (const char* payload : {"{}", R"({"tenant":{},"restaurantId":"1","orderId":"1","juspayParams":{}})"}) {
-        const std::string text =
-            std::string(R"({"type":")") + std::string(entry.raw) + R"(","requestId":"r","payload":)" + payload + "}";
-        typename F::Request request{entry.value, "r", parseJSON(payload).as_object()};
-        if (!F::Payload::validateRequest(request)) continue;
-        Harness h;
-        h.post(text);
-        const auto responses = h.pageResponses();
-        ASSERT_EQ(responses.size(), 1u) << text;
-        EXPECT_EQ(responses[0].at("statusMessage").as_string(), F::failureMessage) << text;
-        break;
-      }
-    }
-  });
-  EXPECT_EQ(messages.size(), std::tuple_size_v<BridgeFamilies>);
+  for (const auto& request : test::oneRequestPerFamily()) {
+    messages.insert(request.failureMessage);
+    Harness h;
+    h.post(request.text);
+    const auto responses = h.pageResponses();
+    ASSERT_EQ(responses.size(), 1u) << request.text;
+    EXPECT_EQ(responses[0].at("statusMessage").as_string(), request.failureMessage) << request.text;
+  }
+  EXPECT_EQ(messages.size(), kFamilyCount);
   EXPECT_TRUE(messages.contains("Gifting plugin not subscribed or not a valid request"));
 }
 

@@ -1,3 +1,4 @@
+#include "FamilyRequests.hpp"
 #include "support/Harness.hpp"
 #include "websdk/testing/EveryFamilyHost.hpp"
 
@@ -30,36 +31,13 @@ TEST(Intake, ARefusalForAPageWhoseURLIsNotUTF8IsDroppedRatherThanSentBroken) {
   EXPECT_EQ(h.pageResponses()[0].at("statusMessage"), "https://evil.test/");
 }
 
-struct FamilyRequest {
-  std::string_view family;
-  std::string_view failureMessage;
-  std::string text;
-};
-
-// One request per family that its decoding accepts.
-std::vector<FamilyRequest> oneRequestPerFamily() {
-  std::vector<FamilyRequest> out;
-  forEachFamily([&]<class F>(F) {
-    for (const auto& entry : enumTable<typename F::Action>) {
-      for (const char* payload : {"{}", R"({"tenant":{},"restaurantId":"1","orderId":"1","juspayParams":{}})"}) {
-        typename F::Request request{entry.value, "r", parseJSON(payload).as_object()};
-        if (!F::Payload::validateRequest(request)) continue;
-        out.push_back({F::name, F::failureMessage,
-                       R"({"type":")" + std::string(entry.raw) + R"(","requestId":"r","payload":)" + payload + "}"});
-        return;
-      }
-    }
-  });
-  return out;
-}
-
 // The host holds its plugin object on another thread and drops it while
 // requests of every family keep arriving on the main thread. Each request is
 // delivered while the object lives, answered with its family's failure once it
 // is gone, or (only in the instant between the bridge's two looks) dropped;
 // never delivered to a destroyed object.
 TEST(Lifetimes, HostObjectsReleasedOnAnotherThreadWhileTheirRequestsArrive) {
-  const auto requests = oneRequestPerFamily();
+  const auto requests = test::oneRequestPerFamily();
   ASSERT_EQ(requests.size(), std::tuple_size_v<BridgeFamilies>);
   Harness h;
   for (int round = 0; round < 100; ++round) {

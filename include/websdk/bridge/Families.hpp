@@ -1,73 +1,38 @@
 #pragma once
-// The twelve families of the bridge, in the order the bridge tries them, with
-// the name tools use and the answer the page gets when no host object is set.
+// All twelve families of the bridge, in the order the bridge tries them. Code
+// that walks every family (the bridge's routing, tools, tests) includes this;
+// a host that serves one family includes only that family's header.
 
-#include "websdk/Export.hpp"
-#include "websdk/bridge/WebSDKScriptHandler.hpp"
+#include "websdk/bridge/families/Accounts.hpp"
+#include "websdk/bridge/families/Cart.hpp"
+#include "websdk/bridge/families/ChatConversation.hpp"
+#include "websdk/bridge/families/Generic.hpp"
+#include "websdk/bridge/families/GiftingCart.hpp"
+#include "websdk/bridge/families/MenuList.hpp"
+#include "websdk/bridge/families/PXCart.hpp"
+#include "websdk/bridge/families/Payments.hpp"
+#include "websdk/bridge/families/RestaurantEmpathy.hpp"
+#include "websdk/bridge/families/SetRecipientInfo.hpp"
+#include "websdk/bridge/families/VRCart.hpp"
+#include "websdk/bridge/families/Zippa.hpp"
 
-#include <string_view>
+#include <cstddef>
 #include <tuple>
+#include <utility>
 
 namespace websdk {
-
-template <class ActionT, class PayloadT, class PluginT, std::weak_ptr<PluginT> WebSDKScriptHandler::*Delegate,
-          void (PluginT::*Operation)(const WebSDKBridgeRequest<ActionT>&, const PayloadT&)>
-struct WEBSDK_EXPORT BridgeFamily {
-  using Action = ActionT;
-  using Request = WebSDKBridgeRequest<ActionT>;
-  using Payload = PayloadT;
-  using Plugin = PluginT;
-  static constexpr auto delegate = Delegate;
-  static constexpr auto operation = Operation;
-};
-
-#define WEBSDK_DETAIL_FAMILY(F, A, P, Plugin, field, op, familyName, message)       \
-  struct F : BridgeFamily<A, P, Plugin, &WebSDKScriptHandler::field, &Plugin::op> { \
-    static constexpr std::string_view name = familyName;                            \
-    static constexpr std::string_view failureMessage = message;                     \
-  };
-
-WEBSDK_DETAIL_FAMILY(GenericFamily, WebSDKGenericAction, WebSDKGenericRequestPayload, DvWebViewGenericCallsBacks,
-                     genericDelegate, handleGenericRequest, "generic",
-                     "generic plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(PaymentsFamily, WebSDKPaymentsAction, WebSDKPaymentsRequestPayload, DvWebViewPaymentsCallsBacks,
-                     paymentsDelegate, handlePaymentsRequest, "payments",
-                     "payment plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(RestaurantEmpathyFamily, WebSDKRestaurantEmpathyAction, WebSDKRestaurantEmpathyRequestPayload,
-                     DvWebViewRestaurantEmpathyCallsBacks, restaurantEmpathyDelegate, handleRestaurantEmpathyRequest,
-                     "restaurantEmpathy", "restaurant empathy plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(ChatConversationFamily, WebSDKChatConversationAction, WebSDKChatConversationRequestPayload,
-                     DvWebViewChatConversationCallsBacks, chatConversationDelegate, handleChatConversationRequest,
-                     "chatConversation", "chat conversation plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(CartFamily, WebSDKCartAction, WebSDKCartRequestPayload, DvCartWebViewCallBacks, cartDelegate,
-                     handleCartRequest, "cart", "Cart Plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(PXCartFamily, WebSDKPXCartAction, WebSDKPXCartRequestPayload, DvPXCartWebViewCallBacks,
-                     pxCartDelegate, handlePXCartRequest, "pxCart",
-                     "PX Cart Plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(VRCartFamily, WebSDKVRCartAction, WebSDKVRCartRequestPayload, DvVRCartWebViewCallBacks,
-                     vrCartDelegate, handleVRCartRequest, "vrCart",
-                     "VR Cart Plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(GiftingCartFamily, WebSDKGiftingCartAction, WebSDKGiftingCartRequestPayload,
-                     DvGiftingCartWebViewCallBacks, giftingCartDelegate, handleGiftingCartRequest, "giftingCart",
-                     "Gifting Cart Plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(ZippaFamily, WebSDKZippaAction, WebSDKZippaRequestPayload, DvZippaWebViewCallBacks, zippaDelegate,
-                     handleZippaRequest, "zippa", "Zippa Plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(SetRecipientInfoFamily, WebSDKSetRecipientInfoAction, WebSDKSetRecipientInfoRequestPayload,
-                     DvWebViewSetRecipientInfoCallsBacks, setRecipientInfoDelegate, handleSetRecipientInfoRequest,
-                     "setRecipientInfo", "Gifting plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(AccountsFamily, WebSDKAccountsAction, WebSDKAccountsRequestPayload, DvAccountsWebViewCallBacks,
-                     accountsDelegate, handleAccountsRequest, "accounts",
-                     "Account plugin not subscribed or not a valid request")
-WEBSDK_DETAIL_FAMILY(MenuListFamily, WebSDKMenuListAction, WebSDKMenuListPayload, DvWebViewMenuListCallbacks,
-                     menuListDelegate, handleMenuListRequest, "menuList",
-                     "Menu List plugin not subscribed or not a valid request")
-
-#undef WEBSDK_DETAIL_FAMILY
 
 /// The families in trial order.
 using BridgeFamilies =
     std::tuple<GenericFamily, PaymentsFamily, RestaurantEmpathyFamily, ChatConversationFamily, CartFamily, PXCartFamily,
                VRCartFamily, GiftingCartFamily, ZippaFamily, SetRecipientInfoFamily, AccountsFamily, MenuListFamily>;
+
+// Each row's slot is its place here, so that one family's header alone knows
+// where its plugin is held.
+static_assert(std::tuple_size_v<BridgeFamilies> == kFamilyCount);
+static_assert([]<std::size_t... I>(std::index_sequence<I...>) {
+  return ((std::tuple_element_t<I, BridgeFamilies>::slot == I) && ...);
+}(std::make_index_sequence<kFamilyCount>{}));
 
 /// Calls f(Family{}) for each family, in trial order.
 template <class F>

@@ -4,17 +4,36 @@
 // the host object registered for the family, or answers the failure itself.
 
 #include "websdk/Export.hpp"
-#include "websdk/bridge/PluginProtocols.hpp"
+#include "websdk/bridge/Family.hpp"
+#include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
 #include "websdk/webview/WebEngine.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
+#include "websdk/webview/WebSDKResponseModel.hpp"
 
+#include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace websdk {
 
-class WebSDKWebView;
+/// What the bridge needs of the web view it serves: the trust settings it
+/// judges pages by, and the way answers reach the page.
+class WEBSDK_EXPORT BridgeView {
+ public:
+  /// The whitelist and limits, fixed when the view was made.
+  virtual const WebSDKConfig& bridgeConfig() const = 0;
+  /// Sends `response` to the page: into `document`, or, with none, into the
+  /// document that sent its request id.
+  virtual void deliver(WebSDKResponseModel response, std::optional<DocumentID> document) = 0;
+  /// Request `requestId` of `document` is being handed to a plugin: its
+  /// answer belongs to that document. UI thread.
+  virtual void expectAnswer(const std::string& requestId, DocumentID document) = 0;
+
+ protected:
+  ~BridgeView() = default;
+};
 
 /// The request id of a request's JSON text (its top-level "requestId", read
 /// leniently), looked for in the first `budget` bytes only; "" when not
@@ -24,20 +43,25 @@ WEBSDK_EXPORT std::string requestIdNearTheStart(std::string_view text, std::size
 class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
  public:
   // Everything the handler points at belongs to someone else: all weak.
-  std::weak_ptr<WebSDKWebView> webview;
-  std::weak_ptr<DvWebViewGenericCallsBacks> genericDelegate;
-  std::weak_ptr<DvWebViewPaymentsCallsBacks> paymentsDelegate;
-  std::weak_ptr<DvWebViewRestaurantEmpathyCallsBacks> restaurantEmpathyDelegate;
-  std::weak_ptr<DvWebViewChatConversationCallsBacks> chatConversationDelegate;
-  std::weak_ptr<DvCartWebViewCallBacks> cartDelegate;
-  std::weak_ptr<DvPXCartWebViewCallBacks> pxCartDelegate;
-  std::weak_ptr<DvVRCartWebViewCallBacks> vrCartDelegate;
-  std::weak_ptr<DvGiftingCartWebViewCallBacks> giftingCartDelegate;
-  std::weak_ptr<DvZippaWebViewCallBacks> zippaDelegate;
-  std::weak_ptr<DvWebViewSetRecipientInfoCallsBacks> setRecipientInfoDelegate;
-  std::weak_ptr<DvAccountsWebViewCallBacks> accountsDelegate;
-  std::weak_ptr<DvWebViewMenuListCallbacks> menuListDelegate;
+  std::weak_ptr<BridgeView> webview;
   std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicationDelegate;
+
+  /// Registers `plugin` for family F (weakly), replacing the one before.
+  template <class F>
+  void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
+    plugins_[F::slot] = plugin;
+  }
+  /// Family F's plugin, or nothing when it was never set or has been released.
+  template <class F>
+  std::shared_ptr<typename F::Plugin> plugin() const {
+    // Held as void, but only ever set from F::Plugin in F's own slot.
+    return std::static_pointer_cast<typename F::Plugin>(plugins_[F::slot].lock());
+  }
+  /// Whether family F has a plugin now.
+  template <class F>
+  bool subscribed() const {
+    return !plugins_[F::slot].expired();
+  }
 
   /// The one entry point: a script message from the page. Runs on the UI
   /// thread; never throws, whatever the page posted.
@@ -54,6 +78,8 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   void answerFailure(std::string requestId, WebSDKStatusCode code, std::optional<std::string> message,
                      DocumentID document);
 
+  // One plugin per family, at the family's slot.
+  std::array<std::weak_ptr<void>, kFamilyCount> plugins_;
   // The last page URL found trusted and the whitelist it was checked against:
   // a page posts many messages from one URL, so each URL is checked once.
   std::string trustedURL_;

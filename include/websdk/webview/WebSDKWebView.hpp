@@ -95,6 +95,7 @@ class WEBSDK_EXPORT WebSDKJSInteractionProtocol {
 
 class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
                                           private WebEngineClient,
+                                          private BridgeView,
                                           public std::enable_shared_from_this<WebSDKWebView> {
   // Only create() can make one: a view that is not wired (no bridge
   // back-reference, no engine client) must not exist.
@@ -136,6 +137,13 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// answer through. Plugins stay registered.
   void resetWebView();
 
+  /// Registers `plugin` for family F (a row of websdk/bridge/families/),
+  /// held weakly, replacing the one before; the next message uses it.
+  template <class F>
+  void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
+    handler_->setPlugin<F>(plugin);
+  }
+  // The same, by the names hosts know.
   void setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& plugin);
   void setChatConversationPlugin(const std::shared_ptr<DvWebViewChatConversationCallsBacks>& plugin);
   void setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& plugin);
@@ -191,7 +199,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// asked (`document`, or the one that sent `response.requestId`), and tells
   /// the listener on the calling thread. An answer whose document is gone is
   /// dropped. Every answer but the ready-encoded one goes this way.
-  void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt);
+  void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt) override;
 
   // ---- State -----------------------------------------------------------------
   const std::shared_ptr<WebSDKScriptHandler>& handler() const { return handler_; }
@@ -235,10 +243,8 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
     return true;
   }
 
-  friend class WebSDKScriptHandler;
-  /// The bridge hands request `requestId` of `document` to a plugin: its
-  /// answer belongs to that document. UI thread.
-  void expectAnswer(const std::string& requestId, DocumentID document);
+  const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
+  void expectAnswer(const std::string& requestId, DocumentID document) override;
   /// The document that asked `requestId` (forgotten once answered), or, for
   /// an id never asked, the document shown if it is whitelisted. UI thread.
   std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);

@@ -1,0 +1,10 @@
+#pragma once
+// The whole WebSDK for a host at once: the web view and every family's plugin
+// protocol and models. A host that serves a few families compiles faster with
+// websdk/webview/WebSDKWebView.hpp and those families' headers
+// (websdk/bridge/families/) alone.
+
+#include "websdk/bridge/Families.hpp"
+#include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
+#include "websdk/webview/WebSDKRequestHeaders.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"

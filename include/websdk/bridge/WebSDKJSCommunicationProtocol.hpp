@@ -1,0 +1,39 @@
+#pragma once
+// The host's listener for all bridge traffic: every request the page makes,
+// every answer sent to it, and what never ran there.
+
+#include "websdk/Export.hpp"
+#include "websdk/webview/WebSDKResponseModel.hpp"
+
+#include <string_view>
+
+namespace websdk {
+
+/// Why something sent to the page never ran there.
+enum class WebSDKDropReason {
+  /// The document it was meant for is gone: the page navigated (or was
+  /// navigated) after asking.
+  documentGone,
+  /// The document shown is not on a whitelisted host (or there is none).
+  pageNotWhitelisted,
+};
+
+/// The host's listener for bridge traffic.
+class WEBSDK_EXPORT WebSDKJSCommunicationProtocol {
+ public:
+  virtual ~WebSDKJSCommunicationProtocol() = default;
+  /// Every envelope sent through the main-queue path; called on the sender's thread.
+  virtual void didSendResponse(const WebSDKResponseModel& response) = 0;
+  /// The text of every well-formed request, before the host check.
+  virtual void didReceiveRequest(std::string_view request) = 0;
+  /// An envelope already reported by didSendResponse that was not evaluated,
+  /// and why. Called on the UI thread.
+  virtual void didDropResponse(const WebSDKResponseModel& response, WebSDKDropReason reason) {
+    (void)response, (void)reason;
+  }
+  /// A pushed page-function call that was not evaluated (`script` is its call
+  /// text), and why. Called on the UI thread.
+  virtual void didDropPush(std::string_view script, WebSDKDropReason reason) { (void)script, (void)reason; }
+};
+
+}  // namespace websdk

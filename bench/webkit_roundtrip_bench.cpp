@@ -7,6 +7,7 @@
 // webkit6_roundtrip_bench (WebKitGTK 6.0, GTK 4), each against its own floor.
 
 #include "Compat.hpp"
+#include "websdk/bridge/families/Cart.hpp"
 #include "websdk/webkitgtk/Native.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 

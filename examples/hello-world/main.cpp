@@ -1,6 +1,7 @@
 // hello-world: one page, one plugin, the real engine. The page asks for its
 // cart; the app answers; the page shows it. `hello-world --once` quits when
 // the page has its answer (for CI).
+#include <websdk/bridge/families/Cart.hpp>
 #include <websdk/webkitgtk/Native.hpp>
 #include <websdk/webview/LocalPages.hpp>
 #include <websdk/webview/WebSDKWebView.hpp>

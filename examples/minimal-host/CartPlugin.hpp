@@ -2,6 +2,7 @@
 // The host app's cart: it answers the page's cart requests. The WebSDK calls
 // handleCartRequest on the UI thread; the answer may go back from any thread.
 
+#include <websdk/bridge/families/Cart.hpp>
 #include <websdk/webview/WebSDKWebView.hpp>
 
 #include <memory>

@@ -2,6 +2,7 @@
 // A web view over the in-memory engine, shown on a trusted page, with a
 // listener that records all traffic.
 
+#include "websdk/WebSDK.hpp"
 #include "websdk/testing/TestingEngine.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 

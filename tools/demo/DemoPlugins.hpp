@@ -3,6 +3,9 @@
 // plugin that knows the user and where they are, a payments plugin that plays a
 // payment provider, and a listener that prints all traffic.
 
+#include "websdk/bridge/families/Cart.hpp"
+#include "websdk/bridge/families/Generic.hpp"
+#include "websdk/bridge/families/Payments.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include <map>

@@ -1,6 +1,7 @@
 // Payments requests as a page sends them, through the real bridge: what the
 // payments plugin receives for each action, and which payloads are declined.
 
+#include "websdk/bridge/families/Payments.hpp"
 #include "websdk/plugins/payments/PaymentsCatalogue.hpp"
 #include "websdk/testing/TestingEngine.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"

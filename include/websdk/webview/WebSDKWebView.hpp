@@ -4,7 +4,7 @@
 // sends answers and events to the page.
 
 #include "websdk/Export.hpp"
-#include "websdk/bridge/PluginProtocols.hpp"
+#include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 #include "websdk/json/Record.hpp"
 #include "websdk/webview/WebEngine.hpp"
@@ -23,6 +23,22 @@
 #include <vector>
 
 namespace websdk {
+
+// The plugin protocols that the named setters and create() take. Each is
+// declared by its family's header (websdk/bridge/families/), which a host
+// includes for the families it serves; websdk/WebSDK.hpp brings them all.
+class DvWebViewGenericCallsBacks;
+class DvWebViewPaymentsCallsBacks;
+class DvWebViewRestaurantEmpathyCallsBacks;
+class DvWebViewChatConversationCallsBacks;
+class DvCartWebViewCallBacks;
+class DvPXCartWebViewCallBacks;
+class DvVRCartWebViewCallBacks;
+class DvGiftingCartWebViewCallBacks;
+class DvZippaWebViewCallBacks;
+class DvWebViewSetRecipientInfoCallsBacks;
+class DvAccountsWebViewCallBacks;
+class DvWebViewMenuListCallbacks;
 
 /// A response payload: any response model (a record) or a dictionary of
 /// strings, rendered to JSON when the answer is sent.

@@ -2,6 +2,7 @@
 
 #include "websdk/bridge/Families.hpp"
 #include "websdk/json/Readings.hpp"
+#include "websdk/json/Schema.hpp"
 #include "websdk/webview/WebSDKJSFunctionType.hpp"
 
 #include <algorithm>
@@ -304,15 +305,39 @@ class FamilyExplorer final : public Explorer {
   typename F::Action action_;
 };
 
+// A family declared by its action table: every row says its case and model,
+// and each model's declaration says what it reads.
+template <class Row>
+JSONObject declaredAction() {
+  using Model = typename Row::Type;
+  JSONObject out;
+  out.emplace("action", rawValue(Row::action));
+  out.emplace("case", rawValue(Row::tag));
+  if constexpr (std::is_void_v<Model>) {
+    out.emplace("payload", "optional");
+    out.emplace("fields", JSONArray{});
+  } else {
+    using M = detail::UnwrappedT<Model>;
+    out.emplace("payload", acceptsNoPayload<M>() ? "optional" : "required");
+    out.emplace("fields", modelSchema<M>());
+  }
+  return out;
+}
+
 template <class F>
 JSON family() {
   JSONArray actions;
-  for (auto action : allCases<typename F::Action>()) {
-    FamilyExplorer<F> explorer(action);
-    JSONObject entry;
-    entry.emplace("action", rawValue(action));
-    for (auto& m : explorer.describe()) entry.emplace(m.key(), std::move(m.value()));
-    actions.push_back(std::move(entry));
+  if constexpr (requires { typename F::Payload::Table; }) {
+    std::apply([&](auto... row) { (actions.push_back(declaredAction<decltype(row)>()), ...); },
+               typename F::Payload::Table{});
+  } else {
+    for (auto action : allCases<typename F::Action>()) {
+      FamilyExplorer<F> explorer(action);
+      JSONObject entry;
+      entry.emplace("action", rawValue(action));
+      for (auto& m : explorer.describe()) entry.emplace(m.key(), std::move(m.value()));
+      actions.push_back(std::move(entry));
+    }
   }
   JSONObject out;
   out.emplace("name", F::name);

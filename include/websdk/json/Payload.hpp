@@ -12,7 +12,8 @@
 //     static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel&);
 //   };
 //
-// Cases not named in a Carries carry nothing.
+// Cases not named in a Carries (or carrying void) carry nothing. A family's
+// typed payload is usually declared by its action table (ActionTable.hpp).
 
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
@@ -36,6 +37,10 @@ struct Carries {
 };
 
 namespace detail {
+// A case that carries nothing (void) holds nothing.
+template <class T>
+using Stored = std::conditional_t<std::is_void_v<T>, std::monostate, T>;
+
 template <class T>
 bool equalCarried(const T& a, const T& b) {
   if constexpr (requires {
@@ -55,7 +60,7 @@ class TaggedPayload {
   using Case = CaseT;
 
  private:
-  using Storage = std::variant<std::monostate, typename Cs::Type...>;
+  using Storage = std::variant<std::monostate, detail::Stored<typename Cs::Type>...>;
 
  public:
   // Position of case C among the Carries (1-based; 0 = carries nothing).
@@ -63,7 +68,7 @@ class TaggedPayload {
   template <Case C>
   static constexpr std::size_t slot() {
     std::size_t i = 0, found = 0;
-    ((++i, found = (Cs::tag == C && found == 0) ? i : found), ...);
+    ((++i, found = (Cs::tag == C && found == 0 && !std::is_void_v<typename Cs::Type>) ? i : found), ...);
     return found;
   }
 

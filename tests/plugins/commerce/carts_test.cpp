@@ -117,10 +117,10 @@ TEST(Carts, ActionsMatchExactlyAndOnlyTheirOwnFamily) {
 }
 
 TEST(Carts, PublicReadersDecodeAPayloadTheHostHolds) {
-  const auto payload = parseJSON(R"({"restaurantId":"5"})").as_object();
-  const auto coupon = WebSDKApplyCouponRequestModel::from(payload);
-  ASSERT_TRUE(coupon);
-  EXPECT_EQ(*coupon, (WebSDKApplyCouponRequestModel{std::nullopt, 0, "5", std::nullopt}));
+  const auto payload = parseJSON(R"({"flowType":"5"})").as_object();
+  const auto cart = WebSDKGetVRCartRequestModel::from(payload);
+  ASSERT_TRUE(cart);
+  EXPECT_EQ(*cart, (WebSDKGetVRCartRequestModel{"5"}));
   EXPECT_FALSE(WebSDKGetVRCartRequestModel::from(std::nullopt));
 }
 

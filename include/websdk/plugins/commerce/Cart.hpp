@@ -4,7 +4,8 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 #include "websdk/plugins/commerce/CartModels.hpp"
 
 #include <optional>
@@ -12,51 +13,34 @@
 
 namespace websdk {
 
-enum class WebSDKCartAction { getCart, updateCart, customiseCartItem, clearCart, applyCoupon, switchToNativeCart };
-constexpr auto rawValues(WebSDKCartAction) {
-  using enum WebSDKCartAction;
-  return rawValueTable<WebSDKCartAction>({{getCart, "GET_LOCAL_CART"},
-                                          {updateCart, "UPDATE_LOCAL_CART"},
-                                          {customiseCartItem, "CUSTOMISE_CART_ITEM"},
-                                          {clearCart, "CLEAR_LOCAL_CART"},
-                                          {applyCoupon, "APPLY_COUPON"},
-                                          {switchToNativeCart, "SWITCH_TO_NATIVE_CART"}});
-}
-
-using WebSDKCartRequestModel = WebSDKBridgeRequest<WebSDKCartAction>;
-
 /// Same fields and rules as WebSDKUpdateCartRequestModel.
 struct WEBSDK_EXPORT WebSDKCustomiseCartItemsRequestModel {
   std::optional<JSONObject> tenant;
   std::optional<JSONObject> data;
 
-  static std::optional<WebSDKCustomiseCartItemsRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKCustomiseCartItemsRequestModel, tenant, data)
+  WEBSDK_MODEL(WebSDKCustomiseCartItemsRequestModel, anyPayload, (tenant, object), (data, object))
 };
 
-/// Fails without a payload or without a string "restaurantId". `cartValue`
-/// comes from "cart_total_shown_to_coupon".
+/// Fails without a payload or without a string "restaurantId".
 struct WEBSDK_EXPORT WebSDKApplyCouponRequestModel {
   std::optional<JSONObject> tenant;
   double cartValue = 0;
   std::string restaurantId;
   std::optional<std::string> couponListingVersion;
 
-  static std::optional<WebSDKApplyCouponRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKApplyCouponRequestModel, tenant, cartValue, restaurantId, couponListingVersion)
+  WEBSDK_MODEL(WebSDKApplyCouponRequestModel, needsEntries, (tenant, object),
+               (cartValue, number, "cart_total_shown_to_coupon"), (restaurantId, strictString, required),
+               (couponListingVersion, strictString))
 };
 
-WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, updateCart, customiseCartItem, applyCoupon, clearCart,
-                   switchToNativeCart)
-class WEBSDK_EXPORT WebSDKCartRequestPayload
-    : public TaggedPayload<
-          WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
-          Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>,
-          Carries<WebSDKCartRequestPayloadCase::updateCart, WebSDKUpdateCartRequestModel>,
-          Carries<WebSDKCartRequestPayloadCase::customiseCartItem, WebSDKCustomiseCartItemsRequestModel>,
-          Carries<WebSDKCartRequestPayloadCase::applyCoupon, WebSDKApplyCouponRequestModel>> {
- public:
-  static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel& request);
-};
+WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
+               (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
+               (updateCart, "UPDATE_LOCAL_CART", updateCart, WebSDKUpdateCartRequestModel),
+               (customiseCartItem, "CUSTOMISE_CART_ITEM", customiseCartItem, WebSDKCustomiseCartItemsRequestModel),
+               (clearCart, "CLEAR_LOCAL_CART", clearCart),
+               (applyCoupon, "APPLY_COUPON", applyCoupon, WebSDKApplyCouponRequestModel),
+               (switchToNativeCart, "SWITCH_TO_NATIVE_CART", switchToNativeCart))
+
+using WebSDKCartRequestModel = WebSDKBridgeRequest<WebSDKCartAction>;
 
 }  // namespace websdk

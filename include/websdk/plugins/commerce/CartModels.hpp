@@ -2,8 +2,7 @@
 // The request models that the cart and the gifting cart families both carry.
 
 #include "websdk/Export.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
@@ -16,8 +15,9 @@ struct WEBSDK_EXPORT WebSDKGetCartRequestModel {
   std::string marketplaceCategory;
   std::string marketplaceBusinessLine;
 
-  static std::optional<WebSDKGetCartRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetCartRequestModel, marketplaceId, marketplaceCategory, marketplaceBusinessLine)
+  WEBSDK_MODEL(WebSDKGetCartRequestModel, within("tenant"), (marketplaceId, lenientString, "tenant.marketplaceId"),
+               (marketplaceCategory, lenientString, "tenant.marketplaceCategory"),
+               (marketplaceBusinessLine, lenientString, "tenant.marketplaceBusinessLine"))
 };
 
 /// Never fails; with no payload both fields are absent.
@@ -25,8 +25,7 @@ struct WEBSDK_EXPORT WebSDKUpdateCartRequestModel {
   std::optional<JSONObject> tenant;
   std::optional<JSONObject> data;
 
-  static std::optional<WebSDKUpdateCartRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKUpdateCartRequestModel, tenant, data)
+  WEBSDK_MODEL(WebSDKUpdateCartRequestModel, anyPayload, (tenant, object), (data, object))
 };
 
 }  // namespace websdk

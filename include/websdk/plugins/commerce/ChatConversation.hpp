@@ -6,30 +6,19 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 
 namespace websdk {
 
-enum class WebSDKChatConversationAction { getSupportUnreadConversationData, updateConversationId };
-constexpr auto rawValues(WebSDKChatConversationAction) {
-  using enum WebSDKChatConversationAction;
-  return rawValueTable<WebSDKChatConversationAction>(
-      {{getSupportUnreadConversationData, "GET_SUPPORT_UNREAD_CONVERSATION_DATA"},
-       {updateConversationId, "UPDATE_CONVERSATION_ID"}});
-}
+// One case per action, carrying nothing.
+WEBSDK_ACTIONS(WebSDKChatConversationAction, WebSDKChatConversationRequestPayload,
+               (getSupportUnreadConversationData, "GET_SUPPORT_UNREAD_CONVERSATION_DATA",
+                getSupportUnreadConversationData),
+               (updateConversationId, "UPDATE_CONVERSATION_ID", updateConversationId))
 
 using WebSDKChatConversationRequestModel = WebSDKBridgeRequest<WebSDKChatConversationAction>;
-
-// One case per action, carrying nothing.
-WEBSDK_NAMED_CASES(WebSDKChatConversationRequestPayloadCase, getSupportUnreadConversationData, updateConversationId)
-class WEBSDK_EXPORT WebSDKChatConversationRequestPayload
-    : public TaggedPayload<WebSDKChatConversationRequestPayload, WebSDKChatConversationRequestPayloadCase> {
- public:
-  /// The case of the request's action; never yields nothing.
-  static std::optional<WebSDKChatConversationRequestPayload> validateRequest(
-      const WebSDKChatConversationRequestModel& request);
-};
 
 }  // namespace websdk

@@ -3,59 +3,42 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
 
 namespace websdk {
 
-enum class WebSDKPXCartAction { getPXCart, updatePXCart, updatePXCartV2, clearPXCart, pxSharedPreference };
-constexpr auto rawValues(WebSDKPXCartAction) {
-  using enum WebSDKPXCartAction;
-  return rawValueTable<WebSDKPXCartAction>({{getPXCart, "PX_GET_LOCAL_CART"},
-                                            {updatePXCart, "PX_UPDATE_LOCAL_CART"},
-                                            {updatePXCartV2, "PX_UPDATE_LOCAL_CART_ITEMS"},
-                                            {clearPXCart, "PX_CLEAR_LOCAL_CART"},
-                                            {pxSharedPreference, "UPDATE_PX_SHARED_PREFERENCE"}});
-}
-
-using WebSDKPXCartRequestModel = WebSDKBridgeRequest<WebSDKPXCartAction>;
-
 /// `data` from {"payload": {"data": {...}}} inside the payload; never fails.
 struct WEBSDK_EXPORT WebSDKUpdatePXCartRequestModel {
   std::optional<JSONObject> data;
 
-  static std::optional<WebSDKUpdatePXCartRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKUpdatePXCartRequestModel, data)
+  WEBSDK_MODEL(WebSDKUpdatePXCartRequestModel, anyPayload, (data, object, "payload.data"))
 };
 
 /// The whole payload dictionary as received; never fails.
 struct WEBSDK_EXPORT WebSDKUpdatePXCartV2RequestModel {
   std::optional<JSONObject> data;
 
-  static std::optional<WebSDKUpdatePXCartV2RequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKUpdatePXCartV2RequestModel, data)
+  WEBSDK_MODEL(WebSDKUpdatePXCartV2RequestModel, anyPayload, (data, wholePayload))
 };
 
 /// The payload's "data" value as it stands; never fails.
 struct WEBSDK_EXPORT WebSDKPXSharedPreferenceRequestModel {
   std::optional<JSON> sharedDict;
 
-  static std::optional<WebSDKPXSharedPreferenceRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPXSharedPreferenceRequestModel, sharedDict)
+  WEBSDK_MODEL(WebSDKPXSharedPreferenceRequestModel, anyPayload, (sharedDict, raw, "data"))
 };
 
-WEBSDK_NAMED_CASES(WebSDKPXCartRequestPayloadCase, updatePXCart, updatePXCartV2, sharedPreference, getPXCart,
-                   clearPXCart)
-class WEBSDK_EXPORT WebSDKPXCartRequestPayload
-    : public TaggedPayload<
-          WebSDKPXCartRequestPayload, WebSDKPXCartRequestPayloadCase,
-          Carries<WebSDKPXCartRequestPayloadCase::updatePXCart, WebSDKUpdatePXCartRequestModel>,
-          Carries<WebSDKPXCartRequestPayloadCase::updatePXCartV2, WebSDKUpdatePXCartV2RequestModel>,
-          Carries<WebSDKPXCartRequestPayloadCase::sharedPreference, WebSDKPXSharedPreferenceRequestModel>> {
- public:
-  static std::optional<WebSDKPXCartRequestPayload> validateRequest(const WebSDKPXCartRequestModel& request);
-};
+WEBSDK_ACTIONS(WebSDKPXCartAction, WebSDKPXCartRequestPayload, (getPXCart, "PX_GET_LOCAL_CART", getPXCart),
+               (updatePXCart, "PX_UPDATE_LOCAL_CART", updatePXCart, WebSDKUpdatePXCartRequestModel),
+               (updatePXCartV2, "PX_UPDATE_LOCAL_CART_ITEMS", updatePXCartV2, WebSDKUpdatePXCartV2RequestModel),
+               (clearPXCart, "PX_CLEAR_LOCAL_CART", clearPXCart),
+               (pxSharedPreference, "UPDATE_PX_SHARED_PREFERENCE", sharedPreference,
+                WebSDKPXSharedPreferenceRequestModel))
+
+using WebSDKPXCartRequestModel = WebSDKBridgeRequest<WebSDKPXCartAction>;
 
 }  // namespace websdk

@@ -4,21 +4,13 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
 
 namespace websdk {
-
-enum class WebSDKRestaurantEmpathyAction { getRestaurantEmpathyData, shareSocialMediaMessage };
-constexpr auto rawValues(WebSDKRestaurantEmpathyAction) {
-  using enum WebSDKRestaurantEmpathyAction;
-  return rawValueTable<WebSDKRestaurantEmpathyAction>(
-      {{getRestaurantEmpathyData, "GET_RESTAURANT_EMPATHY_DATA"}, {shareSocialMediaMessage, "SHARE_ON_SOCIAL_MEDIA"}});
-}
-
-using WebSDKRestaurantEmpathyRequestModel = WebSDKBridgeRequest<WebSDKRestaurantEmpathyAction>;
 
 /// What the page asks to share; read from the request despite its name. Never
 /// fails. A missing `message` or `title` stays absent, while a missing
@@ -30,8 +22,8 @@ struct WEBSDK_EXPORT WebSDKShareSocialMediaResponseModel {
   std::optional<std::string> url;
   std::optional<std::string> image;
 
-  static std::optional<WebSDKShareSocialMediaResponseModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKShareSocialMediaResponseModel, message, title, platform, url, image)
+  WEBSDK_MODEL(WebSDKShareSocialMediaResponseModel, anyPayload, (message, strictString), (title, strictString),
+               (platform, strictString, orEmpty), (url, strictString, orEmpty), (image, strictString, orEmpty))
 };
 
 /// The data of a restaurant's message, for hosts to build and send (the
@@ -46,8 +38,8 @@ struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
 
     /// Nothing unless "buttonText" and "header" are strings and each optional
     /// key is a string, null or missing.
-    static std::optional<ShareMessage> from(const std::optional<JSONObject>& json);
-    WEBSDK_RECORD(ShareMessage, buttonText, header, message, title, url)
+    WEBSDK_MODEL(ShareMessage, needsPayload | strict, (buttonText, strictString, required),
+                 (header, strictString, required), (message, strictString), (title, strictString), (url, strictString))
   };
 
   std::string imageId;
@@ -60,20 +52,17 @@ struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
 
   /// Nothing unless every key is present with its type ("share" a valid
   /// ShareMessage object).
-  static std::optional<WebSDKRestaurantEmpathyDataRequestModel> from(const std::optional<JSONObject>& json);
-  WEBSDK_RECORD(WebSDKRestaurantEmpathyDataRequestModel, imageId, header, message, share, userName, restaurantName,
-                orderId)
+  WEBSDK_MODEL(WebSDKRestaurantEmpathyDataRequestModel, needsPayload | strict, (imageId, strictString, required),
+               (header, strictString, required), (message, strictString, required), (share, model, required),
+               (userName, strictString, required), (restaurantName, strictString, required),
+               (orderId, strictString, required))
 };
 
-WEBSDK_NAMED_CASES(WebSDKRestaurantEmpathyRequestPayloadCase, shareSocialMediaMessage, getRestaurantEmpathyData)
-class WEBSDK_EXPORT WebSDKRestaurantEmpathyRequestPayload
-    : public TaggedPayload<WebSDKRestaurantEmpathyRequestPayload, WebSDKRestaurantEmpathyRequestPayloadCase,
-                           Carries<WebSDKRestaurantEmpathyRequestPayloadCase::shareSocialMediaMessage,
-                                   WebSDKShareSocialMediaResponseModel>> {
- public:
-  /// Never yields nothing: both actions decode from any payload.
-  static std::optional<WebSDKRestaurantEmpathyRequestPayload> validateRequest(
-      const WebSDKRestaurantEmpathyRequestModel& request);
-};
+WEBSDK_ACTIONS(WebSDKRestaurantEmpathyAction, WebSDKRestaurantEmpathyRequestPayload,
+               (getRestaurantEmpathyData, "GET_RESTAURANT_EMPATHY_DATA", getRestaurantEmpathyData),
+               (shareSocialMediaMessage, "SHARE_ON_SOCIAL_MEDIA", shareSocialMediaMessage,
+                WebSDKShareSocialMediaResponseModel))
+
+using WebSDKRestaurantEmpathyRequestModel = WebSDKBridgeRequest<WebSDKRestaurantEmpathyAction>;
 
 }  // namespace websdk

@@ -4,21 +4,15 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
 
 namespace websdk {
 
-enum class WebSDKSetRecipientInfoAction { SetRecipientInfo };
-constexpr auto rawValues(WebSDKSetRecipientInfoAction) {
-  return rawValueTable<WebSDKSetRecipientInfoAction>(
-      {{WebSDKSetRecipientInfoAction::SetRecipientInfo, "SET_RECIPIENT_INFO"}});
-}
-
 /// Its `type` is always SetRecipientInfo, the family's one action.
-using WebSDKSetRecipientInfoRequestModel = WebSDKBridgeRequest<WebSDKSetRecipientInfoAction>;
 
 /// The recipient's details; each field absent unless its key holds a string.
 struct WEBSDK_EXPORT WebSDKRecipientInfoUserDataResponseModel {
@@ -27,8 +21,8 @@ struct WEBSDK_EXPORT WebSDKRecipientInfoUserDataResponseModel {
   std::optional<std::string> createdTs;
   std::optional<std::string> expiredTs;
 
-  static std::optional<WebSDKRecipientInfoUserDataResponseModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKRecipientInfoUserDataResponseModel, messageId, recipientName, createdTs, expiredTs)
+  WEBSDK_MODEL(WebSDKRecipientInfoUserDataResponseModel, anyPayload, (messageId, strictString),
+               (recipientName, strictString), (createdTs, strictString), (expiredTs, strictString))
 };
 
 /// Read from the request despite its name. Never fails; `flowData` is always
@@ -37,19 +31,12 @@ struct WEBSDK_EXPORT WebSDKRecipientInfoUserFlowResponseModel {
   std::optional<std::string> flowType;
   std::optional<WebSDKRecipientInfoUserDataResponseModel> flowData;
 
-  static std::optional<WebSDKRecipientInfoUserFlowResponseModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKRecipientInfoUserFlowResponseModel, flowType, flowData)
+  WEBSDK_MODEL(WebSDKRecipientInfoUserFlowResponseModel, anyPayload, (flowType, strictString), (flowData, model))
 };
 
-WEBSDK_NAMED_CASES(WebSDKSetRecipientInfoRequestPayloadCase, SetRecipientInfo)
-class WEBSDK_EXPORT WebSDKSetRecipientInfoRequestPayload
-    : public TaggedPayload<WebSDKSetRecipientInfoRequestPayload, WebSDKSetRecipientInfoRequestPayloadCase,
-                           Carries<WebSDKSetRecipientInfoRequestPayloadCase::SetRecipientInfo,
-                                   WebSDKRecipientInfoUserFlowResponseModel>> {
- public:
-  /// Never yields nothing.
-  static std::optional<WebSDKSetRecipientInfoRequestPayload> validateRequest(
-      const WebSDKSetRecipientInfoRequestModel& request);
-};
+WEBSDK_ACTIONS(WebSDKSetRecipientInfoAction, WebSDKSetRecipientInfoRequestPayload,
+               (SetRecipientInfo, "SET_RECIPIENT_INFO", SetRecipientInfo, WebSDKRecipientInfoUserFlowResponseModel))
+
+using WebSDKSetRecipientInfoRequestModel = WebSDKBridgeRequest<WebSDKSetRecipientInfoAction>;
 
 }  // namespace websdk

@@ -3,37 +3,26 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
 
 namespace websdk {
 
-enum class WebSDKVRCartAction { getVRCart, updateVRCart, clearVRCart };
-constexpr auto rawValues(WebSDKVRCartAction) {
-  using enum WebSDKVRCartAction;
-  return rawValueTable<WebSDKVRCartAction>({{getVRCart, "VERANDO_GET_LOCAL_CART"},
-                                            {updateVRCart, "VERANDO_UPDATE_LOCAL_CART"},
-                                            {clearVRCart, "VERANDO_CLEAR_LOCAL_CART"}});
-}
-
-using WebSDKVRCartRequestModel = WebSDKBridgeRequest<WebSDKVRCartAction>;
-
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKGetVRCartRequestModel {
   std::optional<std::string> flowType;
 
-  static std::optional<WebSDKGetVRCartRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetVRCartRequestModel, flowType)
+  WEBSDK_MODEL(WebSDKGetVRCartRequestModel, needsPayload, (flowType, strictString))
 };
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKClearVRCartRequestModel {
   std::optional<std::string> flowType;
 
-  static std::optional<WebSDKClearVRCartRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKClearVRCartRequestModel, flowType)
+  WEBSDK_MODEL(WebSDKClearVRCartRequestModel, needsPayload, (flowType, strictString))
 };
 
 /// Fails only without a payload dictionary.
@@ -45,18 +34,15 @@ struct WEBSDK_EXPORT WebSDKUpdateVRCartRequestModel {
   std::optional<std::string> flowType;
   bool forceRefresh = false;
 
-  static std::optional<WebSDKUpdateVRCartRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKUpdateVRCartRequestModel, items, cartMetaData, location, cartType, flowType, forceRefresh)
+  WEBSDK_MODEL(WebSDKUpdateVRCartRequestModel, needsPayload, (items, array), (cartMetaData, raw), (location, raw),
+               (cartType, strictString), (flowType, strictString), (forceRefresh, strictBool))
 };
 
-WEBSDK_NAMED_CASES(WebSDKVRCartRequestPayloadCase, getVRCart, updateVRCart, clearVRCart)
-class WEBSDK_EXPORT WebSDKVRCartRequestPayload
-    : public TaggedPayload<WebSDKVRCartRequestPayload, WebSDKVRCartRequestPayloadCase,
-                           Carries<WebSDKVRCartRequestPayloadCase::getVRCart, WebSDKGetVRCartRequestModel>,
-                           Carries<WebSDKVRCartRequestPayloadCase::updateVRCart, WebSDKUpdateVRCartRequestModel>,
-                           Carries<WebSDKVRCartRequestPayloadCase::clearVRCart, WebSDKClearVRCartRequestModel>> {
- public:
-  static std::optional<WebSDKVRCartRequestPayload> validateRequest(const WebSDKVRCartRequestModel& request);
-};
+WEBSDK_ACTIONS(WebSDKVRCartAction, WebSDKVRCartRequestPayload,
+               (getVRCart, "VERANDO_GET_LOCAL_CART", getVRCart, WebSDKGetVRCartRequestModel),
+               (updateVRCart, "VERANDO_UPDATE_LOCAL_CART", updateVRCart, WebSDKUpdateVRCartRequestModel),
+               (clearVRCart, "VERANDO_CLEAR_LOCAL_CART", clearVRCart, WebSDKClearVRCartRequestModel))
+
+using WebSDKVRCartRequestModel = WebSDKBridgeRequest<WebSDKVRCartAction>;
 
 }  // namespace websdk

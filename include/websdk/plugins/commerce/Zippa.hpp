@@ -4,32 +4,20 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
-#include "websdk/json/Payload.hpp"
+#include "websdk/json/ActionTable.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
 
 namespace websdk {
 
-enum class WebSDKZippaAction { imageUpload, googleImageUpload, proccedOrder, kycInit, makeZippaPayment };
-constexpr auto rawValues(WebSDKZippaAction) {
-  using enum WebSDKZippaAction;
-  return rawValueTable<WebSDKZippaAction>({{imageUpload, "IMAGE_UPLOAD"},
-                                           {googleImageUpload, "GOOGLE_IMAGE_UPLOAD"},
-                                           {proccedOrder, "PROCEED_ORDER"},
-                                           {kycInit, "KYC_INIT"},
-                                           {makeZippaPayment, "MAKE_ZIPPA_PAYMENT"}});
-}
-
-using WebSDKZippaRequestModel = WebSDKBridgeRequest<WebSDKZippaAction>;
-
 /// Never fails. `funcName` comes from "func_name".
 struct WEBSDK_EXPORT WebSDKImageUploadRequestModel {
   std::string name;
   std::string funcName;
 
-  static std::optional<WebSDKImageUploadRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKImageUploadRequestModel, name, funcName)
+  WEBSDK_MODEL(WebSDKImageUploadRequestModel, anyPayload, (name, lenientString), (funcName, lenientString, "func_name"))
 };
 
 /// Same fields and rules as WebSDKImageUploadRequestModel.
@@ -37,24 +25,22 @@ struct WEBSDK_EXPORT WebSDKGoogleImageUploadRequestModel {
   std::string name;
   std::string funcName;
 
-  static std::optional<WebSDKGoogleImageUploadRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGoogleImageUploadRequestModel, name, funcName)
+  WEBSDK_MODEL(WebSDKGoogleImageUploadRequestModel, anyPayload, (name, lenientString),
+               (funcName, lenientString, "func_name"))
 };
 
 /// Fails without a string "orderId".
 struct WEBSDK_EXPORT WebSDKProceedOrderRequestModel {
   std::string orderId;
 
-  static std::optional<WebSDKProceedOrderRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKProceedOrderRequestModel, orderId)
+  WEBSDK_MODEL(WebSDKProceedOrderRequestModel, anyPayload, (orderId, strictString, required))
 };
 
 /// Never fails, also without a payload.
 struct WEBSDK_EXPORT WebSDKKycInitRequestModel {
   std::string docType;
 
-  static std::optional<WebSDKKycInitRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKKycInitRequestModel, docType)
+  WEBSDK_MODEL(WebSDKKycInitRequestModel, anyPayload, (docType, lenientString))
 };
 
 /// Never fails. `zippaCallouts` keeps each entry as the page sent it, and is
@@ -65,23 +51,17 @@ struct WEBSDK_EXPORT WebSDKMakeZippaPaymentRequestModel {
   bool isOrderAnything = false;
   std::optional<JSONObject> zippaCallouts;
 
-  static std::optional<WebSDKMakeZippaPaymentRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKMakeZippaPaymentRequestModel, link, serviceLine, isOrderAnything, zippaCallouts)
+  WEBSDK_MODEL(WebSDKMakeZippaPaymentRequestModel, anyPayload, (link, lenientString), (serviceLine, lenientString),
+               (isOrderAnything, lenientBool), (zippaCallouts, object))
 };
 
-WEBSDK_NAMED_CASES(WebSDKZippaRequestPayloadCase, imageUpload, googleImageUpload, proccedOrder, kycInit,
-                   makeZippaPayment)
-class WEBSDK_EXPORT WebSDKZippaRequestPayload
-    : public TaggedPayload<
-          WebSDKZippaRequestPayload, WebSDKZippaRequestPayloadCase,
-          Carries<WebSDKZippaRequestPayloadCase::imageUpload, WebSDKImageUploadRequestModel>,
-          Carries<WebSDKZippaRequestPayloadCase::googleImageUpload, WebSDKGoogleImageUploadRequestModel>,
-          Carries<WebSDKZippaRequestPayloadCase::proccedOrder, WebSDKProceedOrderRequestModel>,
-          Carries<WebSDKZippaRequestPayloadCase::kycInit, WebSDKKycInitRequestModel>,
-          Carries<WebSDKZippaRequestPayloadCase::makeZippaPayment, WebSDKMakeZippaPaymentRequestModel>> {
- public:
-  /// Nothing only for "PROCEED_ORDER" without a string "orderId".
-  static std::optional<WebSDKZippaRequestPayload> validateRequest(const WebSDKZippaRequestModel& request);
-};
+WEBSDK_ACTIONS(WebSDKZippaAction, WebSDKZippaRequestPayload,
+               (imageUpload, "IMAGE_UPLOAD", imageUpload, WebSDKImageUploadRequestModel),
+               (googleImageUpload, "GOOGLE_IMAGE_UPLOAD", googleImageUpload, WebSDKGoogleImageUploadRequestModel),
+               (proccedOrder, "PROCEED_ORDER", proccedOrder, WebSDKProceedOrderRequestModel),
+               (kycInit, "KYC_INIT", kycInit, WebSDKKycInitRequestModel),
+               (makeZippaPayment, "MAKE_ZIPPA_PAYMENT", makeZippaPayment, WebSDKMakeZippaPaymentRequestModel))
+
+using WebSDKZippaRequestModel = WebSDKBridgeRequest<WebSDKZippaAction>;
 
 }  // namespace websdk

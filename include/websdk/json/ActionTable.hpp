@@ -1,0 +1,132 @@
+#pragma once
+// A family's actions, written once as a table: each row is the action's case,
+// the string pages send, the typed payload's case and the model it carries
+// (none for an action that carries nothing).
+//
+//   WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
+//                  (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
+//                  (clearCart, "CLEAR_LOCAL_CART", clearCart))
+//
+// declares the action enumeration with its raw values, the payload's case
+// enumeration (named by the cases: WebSDKCartRequestPayloadCase) and the typed
+// payload, whose validateRequest decodes a request's payload into the row's
+// model by the model's reader.
+
+#include "websdk/Export.hpp"
+#include "websdk/json/Enum.hpp"
+#include "websdk/json/Payload.hpp"
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <tuple>
+#include <type_traits>
+
+namespace websdk {
+
+/// One row of a family's table: action A decodes to case C carrying Model
+/// (void: carries nothing).
+template <auto A, auto C, class Model>
+struct ActionRow {
+  static constexpr auto action = A;
+  static constexpr auto tag = C;
+  using Type = Model;
+};
+
+namespace detail {
+/// A row's model read from a payload by the model's own reader.
+template <class Model>
+std::optional<Model> readCarried(const std::optional<JSONObject>& payload) {
+  if constexpr (requires { typename Model::element_type; }) {
+    auto model = Model::element_type::from(payload);
+    if (!model) return std::nullopt;
+    return std::make_shared<typename Model::element_type>(std::move(*model));
+  } else {
+    return Model::from(payload);
+  }
+}
+}  // namespace detail
+
+template <class Self, class ActionT, class CaseT, class... Rows>
+class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
+  using Base = TaggedPayload<Self, CaseT, Rows...>;
+
+ public:
+  using Action = ActionT;
+  using Table = std::tuple<Rows...>;
+
+  /// The typed payload of `request` (an action of this family with its
+  /// payload dictionary), or nothing when the row's model does not decode.
+  template <class Request>
+  static std::optional<Self> validateRequest(const Request& request) {
+    const auto i = static_cast<std::size_t>(request.type);
+    if (i >= sizeof...(Rows)) return std::nullopt;
+    return decoders[i](request.payload);
+  }
+
+ private:
+  using Decoder = std::optional<Self> (*)(const std::optional<JSONObject>&);
+
+  template <class Row>
+  static std::optional<Self> decodeRow(const std::optional<JSONObject>& payload) {
+    if constexpr (std::is_void_v<typename Row::Type>)
+      return Base::template make<Row::tag>();
+    else
+      return Base::template whenDecoded<Row::tag>(detail::readCarried<typename Row::Type>(payload));
+  }
+
+  static constexpr bool inActionOrder() {
+    std::size_t i = 0;
+    return ((static_cast<std::size_t>(Rows::action) == i++) && ...);
+  }
+  static_assert(inActionOrder(), "one row per action, in the action enumeration's order");
+  static constexpr std::array<Decoder, sizeof...(Rows)> decoders{&decodeRow<Rows>...};
+};
+
+}  // namespace websdk
+
+#define WEBSDK_DETAIL_ROW_ACTION(_, row) WEBSDK_DETAIL_ROW_ACTION_I(WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_ROW_ACTION_I(...) WEBSDK_DETAIL_ROW_ACTION_II(__VA_ARGS__)
+#define WEBSDK_DETAIL_ROW_ACTION_II(a, raw, c, ...) a,
+
+#define WEBSDK_DETAIL_ROW_RAW(A, row) WEBSDK_DETAIL_ROW_RAW_I(A, WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_ROW_RAW_I(A, ...) WEBSDK_DETAIL_ROW_RAW_II(A, __VA_ARGS__)
+#define WEBSDK_DETAIL_ROW_RAW_II(A, a, raw, c, ...) ::websdk::RawValue<A>{A::a, raw},
+
+#define WEBSDK_DETAIL_ROW_CASE(_, row) WEBSDK_DETAIL_ROW_CASE_I(WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_ROW_CASE_I(...) WEBSDK_DETAIL_ROW_CASE_II(__VA_ARGS__)
+#define WEBSDK_DETAIL_ROW_CASE_II(a, raw, c, ...) c,
+
+#define WEBSDK_DETAIL_ROW_CASE_NAME(C, row) WEBSDK_DETAIL_ROW_CASE_NAME_I(C, WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_ROW_CASE_NAME_I(C, ...) WEBSDK_DETAIL_ROW_CASE_NAME_II(C, __VA_ARGS__)
+#define WEBSDK_DETAIL_ROW_CASE_NAME_II(C, a, raw, c, ...) ::websdk::RawValue<C>{C::c, #c},
+
+#define WEBSDK_DETAIL_ROW_TYPE(AC, row) WEBSDK_DETAIL_ROW_TYPE_I(AC, WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_ROW_TYPE_I(AC, ...) WEBSDK_DETAIL_ROW_TYPE_II(AC, __VA_ARGS__)
+#define WEBSDK_DETAIL_ROW_TYPE_II(AC, a, raw, c, ...) \
+  , ::websdk::ActionRow<WEBSDK_DETAIL_FIRST AC::a, WEBSDK_DETAIL_SECOND AC::c, WEBSDK_DETAIL_MODEL_OR_VOID(__VA_ARGS__)>
+#define WEBSDK_DETAIL_FIRST(a, b) a
+#define WEBSDK_DETAIL_SECOND(a, b) b
+#define WEBSDK_DETAIL_MODEL_OR_VOID(...) __VA_OPT__(__VA_ARGS__) WEBSDK_DETAIL_VOID_UNLESS(__VA_ARGS__)
+#define WEBSDK_DETAIL_VOID_UNLESS(...) WEBSDK_DETAIL_VOID_UNLESS_I(__VA_OPT__(, ) void)
+#define WEBSDK_DETAIL_VOID_UNLESS_I(...) WEBSDK_DETAIL_VOID_UNLESS_II(__VA_ARGS__, )
+#define WEBSDK_DETAIL_VOID_UNLESS_II(x, ...) x
+
+/// Declares a family's action enumeration, its typed payload and the payload's
+/// case enumeration from one table of (action, "RAW", case[, Model]) rows.
+#define WEBSDK_ACTIONS(Action, Payload, ...)                                                     \
+  enum class Action { WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_ACTION, _, __VA_ARGS__) };           \
+  constexpr auto rawValues(Action) {                                                             \
+    return std::to_array<::websdk::RawValue<Action>>(                                            \
+        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_RAW, Action, __VA_ARGS__)});                      \
+  }                                                                                              \
+  enum class Payload##Case{WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_CASE, _, __VA_ARGS__)};         \
+  constexpr auto rawValues(Payload##Case) {                                                      \
+    return std::to_array<::websdk::RawValue<Payload##Case>>(                                     \
+        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_CASE_NAME, Payload##Case, __VA_ARGS__)});         \
+  }                                                                                              \
+  class WEBSDK_EXPORT Payload                                                                    \
+      : public ::websdk::ActionPayload<Payload, Action,                                          \
+                                       Payload##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_TYPE, \
+                                                                         (Action, Payload##Case), __VA_ARGS__)> {};

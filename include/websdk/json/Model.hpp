@@ -1,0 +1,278 @@
+#pragma once
+// Models: records whose fields are declared once with the JSON key each one is
+// read from and the reading that takes it. Decoding, equality, encoding, the
+// description and the contract tools print all come from that one list.
+//
+//   struct WebSDKApplyCouponRequestModel {
+//     std::optional<JSONObject> tenant;
+//     double cartValue = 0;
+//     std::string restaurantId;
+//     std::optional<std::string> couponListingVersion;
+//
+//     WEBSDK_MODEL(WebSDKApplyCouponRequestModel, needsEntries,
+//                  (tenant, object),
+//                  (cartValue, number, "cart_total_shown_to_coupon"),
+//                  (restaurantId, strictString, required),
+//                  (couponListingVersion, strictString))
+//   };
+//
+// Each field is (member, reading, options...). Options: a string gives the key
+// when it is not the member's name ("a.b" reads b inside the object under a);
+// `required` makes the model fail when the reading gives nothing; `orEmpty`
+// gives an optional member its type's empty value instead of nothing. A field that
+// is not required and reads nothing keeps its default. A lenient reading into
+// an optional member is taken only when the key is present.
+//
+// The second argument is the model's own rule: `anyPayload` (never fails for
+// the payload as a whole), `needsPayload` (fails without a payload object),
+// `needsEntries` (fails without one or with an empty one), `within("tenant")`
+// (fails unless "tenant" holds an object), `strict` (a present, non-null value
+// that its reading refuses fails the model: for records hosts decode from
+// their own stored JSON).
+
+#include "websdk/json/Readings.hpp"
+#include "websdk/json/Record.hpp"
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+namespace websdk {
+
+/// What makes a whole model fail, before its fields are read.
+struct ModelRule {
+  bool needsPayload = false;
+  bool needsEntries = false;
+  bool strict = false;
+  std::string_view within;  // a key that must hold an object
+
+  constexpr ModelRule operator|(ModelRule o) const {
+    return {needsPayload || o.needsPayload, needsEntries || o.needsEntries, strict || o.strict,
+            within.empty() ? o.within : within};
+  }
+};
+
+namespace rules {
+inline constexpr ModelRule anyPayload{};
+inline constexpr ModelRule needsPayload{true, false, false, {}};
+inline constexpr ModelRule needsEntries{false, true, false, {}};
+inline constexpr ModelRule strict{false, false, true, {}};
+constexpr ModelRule within(std::string_view key) { return {false, false, false, key}; }
+}  // namespace rules
+
+/// A field option: the model fails when this field's reading gives nothing.
+struct Required {};
+inline constexpr Required required{};
+/// A field option for an optional member: it holds its type's empty value
+/// (not nothing) when the reading gives nothing.
+struct OrEmpty {};
+inline constexpr OrEmpty orEmpty{};
+
+template <class T>
+concept Declared = requires {
+  T::modelRule();
+};
+
+template <Declared T>
+std::optional<T> decodeModel(Fields payload);
+
+namespace detail {
+template <class T>
+struct Unwrapped {
+  using type = T;
+};
+template <class T>
+struct Unwrapped<std::optional<T>> {
+  using type = T;
+};
+template <class T>
+struct Unwrapped<std::shared_ptr<T>> {
+  using type = T;
+};
+template <class T>
+using UnwrappedT = typename Unwrapped<T>::type;
+}  // namespace detail
+
+// The readings a field can be declared with. Each one knows its name in the
+// contract and reads a possibly absent value into the member's type `V`.
+namespace reading {
+
+#define WEBSDK_DETAIL_SCALAR_READING(name)                 \
+  struct name##Reading {                                   \
+    static constexpr ReadingKind kind = ReadingKind::name; \
+    template <class V>                                     \
+    static auto read(const JSON* v) {                      \
+      return ::websdk::name(v);                            \
+    }                                                      \
+  };                                                       \
+  inline constexpr name##Reading name {}
+
+WEBSDK_DETAIL_SCALAR_READING(lenientString);
+WEBSDK_DETAIL_SCALAR_READING(strictString);
+WEBSDK_DETAIL_SCALAR_READING(lenientBool);
+WEBSDK_DETAIL_SCALAR_READING(strictBool);
+WEBSDK_DETAIL_SCALAR_READING(lenientInt);
+WEBSDK_DETAIL_SCALAR_READING(lenientDouble);
+WEBSDK_DETAIL_SCALAR_READING(number);
+WEBSDK_DETAIL_SCALAR_READING(integer);
+WEBSDK_DETAIL_SCALAR_READING(object);
+WEBSDK_DETAIL_SCALAR_READING(array);
+WEBSDK_DETAIL_SCALAR_READING(stringMap);
+WEBSDK_DETAIL_SCALAR_READING(raw);
+#undef WEBSDK_DETAIL_SCALAR_READING
+
+/// One of the member's enumeration's raw values.
+struct EnumerationReading {
+  static constexpr ReadingKind kind = ReadingKind::enumeration;
+  template <class V>
+  static auto read(const JSON* v) {
+    return ::websdk::enumeration<V>(v);
+  }
+};
+inline constexpr EnumerationReading enumeration{};
+
+/// An array's elements, each by the lenient string reading.
+struct StringListReading {
+  template <class V>
+  static auto read(const JSON* v) {
+    return ::websdk::stringList(v);
+  }
+};
+inline constexpr StringListReading stringList{};
+
+/// The member's own model, read from the object under the key (from an absent
+/// dictionary when there is none, so a model that never fails is always there).
+struct ModelReading {
+  template <class V>
+  static auto read(const JSON* v) {
+    return decodeModel<V>(Fields::of(v));
+  }
+};
+inline constexpr ModelReading model{};
+
+/// The payload dictionary itself, as received (no key of its own).
+struct WholePayloadReading {};
+inline constexpr WholePayloadReading wholePayload{};
+
+}  // namespace reading
+
+template <class T, class M, class R>
+struct ModelField {
+  std::string_view name;  // the member's name: descriptions use it
+  M T::*member;
+  std::string_view key;   // the key encoding writes: the member's name
+  std::string_view path;  // the key decoding reads ("a.b": b inside the object under a)
+  bool required = false;
+  bool orEmpty = false;
+  using Reading = R;
+};
+
+namespace detail {
+
+template <class F>
+constexpr void applyOption(F& f, std::string_view key) {
+  f.path = key;
+}
+template <class F>
+constexpr void applyOption(F& f, Required) {
+  f.required = true;
+}
+template <class F>
+constexpr void applyOption(F& f, OrEmpty) {
+  f.orEmpty = true;
+}
+
+template <class T, class M, class R, class... O>
+constexpr ModelField<T, M, R> modelField(std::string_view name, M T::*member, R, O... options) {
+  ModelField<T, M, R> f{name, member, name, name, false, false};
+  (applyOption(f, options), ...);
+  return f;
+}
+
+/// The value under `path`, stepping into objects at each '.'.
+inline const JSON* lookUp(Fields fields, std::string_view path) {
+  for (auto dot = path.find('.'); dot != std::string_view::npos; dot = path.find('.')) {
+    fields = fields.nested(path.substr(0, dot));
+    path.remove_prefix(dot + 1);
+  }
+  return fields[path];
+}
+
+template <class M, class V>
+void assign(M& member, V&& value) {
+  if constexpr (requires { member = std::forward<V>(value); })
+    member = std::forward<V>(value);
+  else
+    member = static_cast<M>(value);
+}
+
+template <class T, class M, class R>
+bool readField(Fields fields, const ModelField<T, M, R>& f, T& out, bool strict) {
+  M& member = out.*(f.member);
+  if constexpr (std::is_same_v<R, reading::WholePayloadReading>) {
+    if (fields.dictionary() != nullptr) member = *fields.dictionary();
+    return true;
+  } else {
+    const JSON* v = lookUp(fields, f.path);
+    auto value = R::template read<UnwrappedT<M>>(v);
+    if constexpr (IsOptional<decltype(value)>::value) {
+      if (value) {
+        if constexpr (requires { typename M::element_type; })
+          member = std::make_shared<UnwrappedT<M>>(std::move(*value));
+        else
+          assign(member, std::move(*value));
+        return true;
+      }
+      if (f.required) return false;
+      if constexpr (IsOptional<M>::value)
+        if (f.orEmpty) member.emplace();
+      return !(strict && v != nullptr && !v->is_null());
+    } else {
+      // A lenient reading always gives a value; an optional member takes it
+      // only when the key is there.
+      if (!IsOptional<M>::value || v != nullptr) assign(member, std::move(value));
+      return true;
+    }
+  }
+}
+
+}  // namespace detail
+
+template <Declared T>
+std::optional<T> decodeModel(Fields payload) {
+  constexpr ModelRule rule = T::modelRule();
+  if (rule.needsPayload && payload.absent()) return std::nullopt;
+  if (rule.needsEntries && payload.empty()) return std::nullopt;
+  if (!rule.within.empty() && payload.nested(rule.within).absent()) return std::nullopt;
+  T out{};
+  const bool ok = std::apply([&](const auto&... f) { return (detail::readField(payload, f, out, rule.strict) && ...); },
+                             T::fields());
+  if (!ok) return std::nullopt;
+  return out;
+}
+
+}  // namespace websdk
+
+#define WEBSDK_DETAIL_MODEL_FIELD(T, spec) , WEBSDK_DETAIL_MODEL_FIELD_I(T, WEBSDK_PP_IDENTITY spec)
+#define WEBSDK_DETAIL_MODEL_FIELD_I(T, ...) WEBSDK_DETAIL_MODEL_FIELD_II(T, __VA_ARGS__)
+#define WEBSDK_DETAIL_MODEL_FIELD_II(T, m, r, ...) \
+  ::websdk::detail::modelField(#m, &T::m, ::websdk::reading::r __VA_OPT__(, ) __VA_ARGS__)
+
+/// Declares a model: its rule, its fields with their readings, its reader
+/// `from` and its memberwise equality.
+#define WEBSDK_MODEL(T, rule, ...)                                                                         \
+  static constexpr ::websdk::ModelRule modelRule() {                                                       \
+    using namespace ::websdk::rules;                                                                       \
+    return rule;                                                                                           \
+  }                                                                                                        \
+  static constexpr auto fields() {                                                                         \
+    using namespace ::websdk;                                                                              \
+    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_MODEL_FIELD, T, __VA_ARGS__)); \
+  }                                                                                                        \
+  static std::optional<T> from(const std::optional<::websdk::JSONObject>& payload) {                       \
+    return ::websdk::decodeModel<T>(payload);                                                              \
+  }                                                                                                        \
+  friend bool operator==(const T&, const T&) = default;

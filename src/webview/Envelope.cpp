@@ -4,6 +4,7 @@
 // once. Both passes test sixteen bytes at a time; plain runs are copied a
 // block at a time.
 
+#include "websdk/webview/ScriptBuffers.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <array>
@@ -288,7 +289,7 @@ std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view
   if (r.payload) quoted(R"(,"payload":)", *r.payload);
   if (!utf8) return std::nullopt;
 
-  std::string out;
+  std::string out = scriptBuffers::take(size);
   out.resize(size);
   char* p = out.data();
   p = writeLiteral(p, prefix);

@@ -43,6 +43,15 @@ TEST_F(E2ETest, APageCannotSteerTheGuardAndNoServerSeesIt) {
     EXPECT_TRUE(echo.header(name).has_value()) << name;
   EXPECT_EQ(echo.header("token"), "page") << "the page's own field of the same name is its own";
   EXPECT_EQ(echo.header("x-websdk-confined"), forged);
+
+  // Nor does a load mark: a page cannot know a real one, one it makes up wins
+  // it no app field, and no server sees the mark, whoever set it.
+  server.page("/marked", "ok");
+  evaluate("fetch('/marked', {headers: {'X-WebSDK-Load': '0000000000000001'}}); 0");
+  ASSERT_TRUE(waitFor([&] { return !server.requestsTo("/marked").empty(); }));
+  const auto marked = server.requestsTo("/marked")[0];
+  EXPECT_FALSE(marked.header("x-websdk-load").has_value());
+  EXPECT_FALSE(marked.header("token").has_value());
 }
 
 // The app's headers go only from a web process the guard module is in. The

@@ -1,3 +1,4 @@
+#include "websdk/webview/ScriptBuffers.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <gtest/gtest.h>
@@ -85,6 +86,26 @@ TEST(UTF8, ValidationRejectsMalformedBytes) {
   EXPECT_TRUE(isValidUTF8("\xC3\xA9\xE2\x80\xA8\xF0\x9F\x98\x80"));
   for (const char* bad : {"\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "abc\xFF", "\x80"})
     EXPECT_FALSE(isValidUTF8(bad)) << bad;
+}
+
+// A big answer's buffer, given back after sending, carries the next big
+// answer: none of the old text may show through, and a buffer too large to
+// keep is not kept.
+TEST(Envelope, BigAnswersReuseAGivenBackBufferWholly) {
+  const std::string first(300'000, 'a');
+  std::string sent = nativeResponseScript({"SUCCESS", 0, std::nullopt, "1", first}).value();
+  const char* memory = sent.data();
+  scriptBuffers::give(std::move(sent));
+
+  const std::string second(299'000, 'b');
+  const std::string next = nativeResponseScript({"FAILED", 1, std::nullopt, "2", second}).value();
+  EXPECT_EQ(next.data(), memory) << "the given-back buffer was not reused";
+  EXPECT_EQ(next, "nativeResponse(" + encodeEnvelope({"FAILED", 1, std::nullopt, "2", second}).value() + ")");
+
+  std::string huge = scriptBuffers::take(64u << 20);
+  ASSERT_GE(huge.capacity(), 64u << 20);
+  scriptBuffers::give(std::move(huge));
+  EXPECT_LT(scriptBuffers::take(1u << 20).capacity(), 64u << 20) << "a 64 MB buffer was kept";
 }
 
 }  // namespace

@@ -109,6 +109,13 @@ gboolean sendRequest(WebKitWebPage* page, WebKitURIRequest* request, WebKitURIRe
 gboolean extensionMessage(WebProcessExtension*, WebKitUserMessage* message, gpointer) {
   if (std::strcmp(webkit_user_message_get_name(message), guard::kRules) != 0) return FALSE;
   rules() = guard::decode(webkit_user_message_get_parameters(message));
+  // A load no rule names any longer can never be matched again: forget it, so
+  // a long-lived process does not keep every load it ever sent.
+  std::erase_if(sentLoads(), [](guint64 load) {
+    for (const auto& rule : rules())
+      if (rule.load == load) return false;
+    return true;
+  });
   return TRUE;
 }
 
@@ -270,13 +277,16 @@ gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) 
     webkit_user_message_send_reply(message, webkit_user_message_new(guard::kReady, nullptr));
     return TRUE;
   }
-  if (std::strcmp(name, channel::kEvaluate) != 0) return FALSE;
+  std::uint64_t document = 0;
+  bool wantsReply = false;
+  if (!channel::readEvaluateName(name, document, wantsReply)) return FALSE;
   GVariant* params = webkit_user_message_get_parameters(message);
-  if (params == nullptr || !g_variant_is_of_type(params, G_VARIANT_TYPE("(tsb)"))) return FALSE;
-  guint64 document = 0;
-  const char* script = nullptr;
-  gboolean wantsReply = FALSE;
-  g_variant_get(params, "(t&sb)", &document, &script, &wantsReply);
+  if (params == nullptr || !g_variant_is_of_type(params, G_VARIANT_TYPE_BYTESTRING)) return FALSE;
+  gsize length = 0;
+  const auto* bytes = static_cast<const char*>(g_variant_get_fixed_array(params, &length, 1));
+  // Read by its length, in place: JavaScriptCore checks the UTF-8 as it
+  // converts, so the bytes are not scanned a second time here.
+  const char* script = length != 0 ? bytes : "";
   TopDocument& top = topOf(page);
   auto* frame = static_cast<WebKitFrame*>(g_weak_ref_get(&top.frame));
   JSCContext* shown =
@@ -288,7 +298,7 @@ gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) 
     if (wantsReply) reply(message, TRUE, FALSE, "");
     return TRUE;
   }
-  JSCValue* result = jsc_context_evaluate(top.context, script, -1);
+  JSCValue* result = jsc_context_evaluate(top.context, script, static_cast<gssize>(length));
   if (JSCException* exception = jsc_context_get_exception(top.context)) {
     if (wantsReply) reply(message, FALSE, TRUE, jsc_exception_get_message(exception));
     jsc_context_clear_exception(top.context);
@@ -303,6 +313,11 @@ gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) 
 }
 
 void pageCreated(WebProcessExtension*, WebKitWebPage* page, gpointer) {
+  // A page that is gone shows no view any longer.
+  static_assert(sizeof(guint64) <= sizeof(gpointer));
+  g_object_weak_ref(
+      G_OBJECT(page), [](gpointer id, GObject*) { viewOfPage().erase(reinterpret_cast<guintptr>(id)); },
+      reinterpret_cast<gpointer>(static_cast<guintptr>(webkit_web_page_get_id(page))));
   g_signal_connect(page, "send-request", G_CALLBACK(sendRequest), nullptr);
   g_signal_connect(page, "user-message-received", G_CALLBACK(userMessage), nullptr);
 }

@@ -6,7 +6,12 @@
 #include <glib.h>
 #include <jsc/jsc.h>
 
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
 
 namespace websdk::webkitgtk::channel {
 
@@ -57,8 +62,28 @@ inline constexpr char kPost[] = "websdk:post";
 /// Page -> view: a new top document, (id). The UI process keeps the URL it
 /// saw committed; the stamp carries each document's own.
 inline constexpr char kDocument[] = "websdk:document";
-/// View -> page: (top document, script, wants a reply); evaluated only there.
-inline constexpr char kEvaluate[] = "websdk:evaluate";
+/// View -> page: a script as its bytes ("ay"), evaluated only in one top
+/// document. The document and whether a reply is wanted ride in the name, so
+/// the script is sent as it stands: never copied into a larger value first,
+/// nor scanned again on arrival.
+inline constexpr char kEvaluate[] = "websdk:evaluate:";
+
+/// kEvaluate's full name: "websdk:evaluate:<r|n>:<document>".
+inline std::string evaluateName(std::uint64_t document, bool wantsReply) {
+  return std::string(kEvaluate) + (wantsReply ? "r:" : "n:") + std::to_string(document);
+}
+
+/// Reads a name evaluateName made; false for any other name.
+inline bool readEvaluateName(std::string_view name, std::uint64_t& document, bool& wantsReply) {
+  const std::string_view prefix(kEvaluate);
+  if (name.size() < prefix.size() + 3 || name.substr(0, prefix.size()) != prefix) return false;
+  name.remove_prefix(prefix.size());
+  if ((name[0] != 'r' && name[0] != 'n') || name[1] != ':') return false;
+  wantsReply = name[0] == 'r';
+  name.remove_prefix(2);
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), document);
+  return error == std::errc() && end == name.data() + name.size();
+}
 /// Page -> view, the reply: (dropped, failed, result JSON text or error message).
 inline constexpr char kEvaluated[] = "websdk:evaluated";
 

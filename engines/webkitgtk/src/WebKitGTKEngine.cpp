@@ -10,6 +10,7 @@
 #include "LocalSchemes.hpp"
 #include "PageChannel.hpp"
 #include "websdk/Log.hpp"
+#include "websdk/webview/ScriptBuffers.hpp"
 
 #include <cmath>
 #include <limits>
@@ -818,7 +819,8 @@ void WebKitGTKEngine::evaluateJavaScript(std::string script, ScriptCompletion co
   if (!completion) {
     webkit_web_view_evaluate_javascript(s.view, script.data(), static_cast<gssize>(script.size()), nullptr, nullptr,
                                         s.cancellable, nullptr, nullptr);
-    return;
+    // WebKit has taken its own copy.
+    return scriptBuffers::give(std::move(script));
   }
   struct Pending {
     State::Weak state;
@@ -841,6 +843,7 @@ void WebKitGTKEngine::evaluateJavaScript(std::string script, ScriptCompletion co
         if (auto state = pending->state.lock(); state && state->view) pending->completion(std::move(outcome));
       },
       new Pending{state_, std::move(completion)});
+  scriptBuffers::give(std::move(script));
 }
 
 void WebKitGTKEngine::addUserScript(const UserScript& script) {
@@ -872,11 +875,15 @@ void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script
   // The module runs it only if `document` is the page's top document when it
   // arrives: a navigation racing the answer cannot carry it into the next one.
   auto* text = new std::string(std::move(script));
-  GVariant* source = g_variant_new_from_data(
-      G_VARIANT_TYPE_STRING, text->c_str(), text->size() + 1, TRUE,
-      [](gpointer p) { delete static_cast<std::string*>(p); }, text);
-  GVariant* params = g_variant_new("(t@sb)", document, source, static_cast<gboolean>(completion != nullptr));
-  WebKitUserMessage* message = webkit_user_message_new(channel::kEvaluate, params);
+  GVariant* params = g_variant_new_from_data(
+      G_VARIANT_TYPE_BYTESTRING, text->data(), text->size(), TRUE,
+      [](gpointer p) {
+        std::unique_ptr<std::string> sent(static_cast<std::string*>(p));
+        scriptBuffers::give(std::move(*sent));
+      },
+      text);
+  WebKitUserMessage* message =
+      webkit_user_message_new(channel::evaluateName(document, completion != nullptr).c_str(), params);
   if (!completion) {
     webkit_web_view_send_message_to_page(s.view, message, nullptr, nullptr, nullptr);
     return;

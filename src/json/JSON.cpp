@@ -110,16 +110,6 @@ std::string formatDouble(double d) {
 
 namespace {
 
-constexpr char kHex[] = "0123456789abcdef";
-
-void appendEscape(std::string& out, unsigned code) {
-  out += "\\u";
-  out += kHex[(code >> 12) & 0xF];
-  out += kHex[(code >> 8) & 0xF];
-  out += kHex[(code >> 4) & 0xF];
-  out += kHex[code & 0xF];
-}
-
 // False when the value held a number JSON has no text for (NaN or an
 // infinity); "null" then stands in its place.
 bool write(std::string& out, const JSON& v, int indent, int depth);
@@ -187,37 +177,6 @@ bool write(std::string& out, const JSON& v, int indent, int depth) {
 }
 
 }  // namespace
-
-void appendQuoted(std::string& out, std::string_view s) {
-  out += '"';
-  std::size_t run = 0;  // start of the current run of plain text
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    const auto c = static_cast<unsigned char>(s[i]);
-    const bool lineSeparator = c == 0xE2 && i + 2 < s.size() && static_cast<unsigned char>(s[i + 1]) == 0x80 &&
-                               (static_cast<unsigned char>(s[i + 2]) & 0xFE) == 0xA8;
-    if (c >= 0x20 && c != '"' && c != '\\' && !lineSeparator) continue;
-    out.append(s.data() + run, i - run);
-    switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
-      case '\b': out += "\\b"; break;
-      case '\f': out += "\\f"; break;
-      default:
-        if (lineSeparator) {
-          appendEscape(out, static_cast<unsigned char>(s[i + 2]) == 0xA8 ? 0x2028 : 0x2029);
-          i += 2;
-        } else {
-          appendEscape(out, c);
-        }
-    }
-    run = i + 1;
-  }
-  out.append(s.data() + run, s.size() - run);
-  out += '"';
-}
 
 void serializeTo(std::string& out, const JSON& value) { write(out, value, -1, 0); }
 

@@ -3,6 +3,7 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
+#include "websdk/json/Quoted.hpp"  // isValidUTF8
 #include "websdk/json/Record.hpp"
 
 #include <cstdint>
@@ -55,8 +56,5 @@ WEBSDK_EXPORT std::optional<std::string> encodeEnvelope(const WebSDKResponseMode
 /// "nativeResponse(" + envelope + ")", built in one allocation; nothing when
 /// the envelope is nothing.
 WEBSDK_EXPORT std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& response);
-
-/// Whether `bytes` is well-formed UTF-8.
-WEBSDK_EXPORT bool isValidUTF8(std::string_view bytes);
 
 }  // namespace websdk

@@ -1,0 +1,27 @@
+#pragma once
+// JSON string literals: the one writer of them, for answers' envelopes and
+// every serialisation. A literal is also a valid JavaScript string literal:
+// control characters, quotes, backslashes, U+2028 and U+2029 are escaped,
+// everything else stays as it is.
+
+#include "websdk/Export.hpp"
+
+#include <cstddef>
+#include <string_view>
+
+namespace websdk {
+
+inline constexpr std::size_t kNotUTF8 = static_cast<std::size_t>(-1);
+
+/// The length of `s` written as a literal, quotes included, or kNotUTF8 when
+/// `s` is not well-formed UTF-8.
+WEBSDK_EXPORT std::size_t quotedSize(std::string_view s);
+
+/// Writes `s` as a literal at `out`, which has room for quotedSize(s) bytes;
+/// returns the end of what it wrote.
+WEBSDK_EXPORT char* writeQuoted(char* out, std::string_view s);
+
+/// Whether `bytes` is well-formed UTF-8.
+WEBSDK_EXPORT bool isValidUTF8(std::string_view bytes);
+
+}  // namespace websdk

@@ -132,7 +132,7 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   const auto plugin = handler.plugin<F>();
   if (!plugin) return Trial::dropped;
   // Noted before the call: a plugin may answer from inside it.
-  handler.expectAnswer(requestId, document);
+  handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
   F::call(*plugin, request, *typed);
   return Trial::delivered;
 }
@@ -286,8 +286,9 @@ void WebSDKScriptHandler::answerFailure(std::string requestId, WebSDKStatusCode 
                 document);
 }
 
-void WebSDKScriptHandler::expectAnswer(std::string_view requestId, DocumentID document) {
-  if (const auto view = webview.lock()) view->expectAnswer(std::string(requestId), document);
+void WebSDKScriptHandler::expectAnswer(std::string_view requestId, DocumentID document, std::string_view family,
+                                       std::string_view action) {
+  if (const auto view = webview.lock()) view->expectAnswer(std::string(requestId), document, family, action);
 }
 
 }  // namespace websdk

@@ -4,8 +4,8 @@
 // that it is UTF-8), a second writes it into storage sized once. Both passes
 // test sixteen bytes at a time; plain runs are copied a block at a time.
 
-#include "websdk/json/JSON.hpp"
 #include "websdk/json/Quoted.hpp"
+#include "websdk/json/JSON.hpp"
 
 #include <array>
 #include <bit>
@@ -77,7 +77,6 @@ inline char* writeEscaped(char* out, std::string_view s, std::size_t& i) {
   out[1] = e;
   return out + 2;
 }
-
 
 // Checks the UTF-8 sequences from s[i] (a byte of 0x80 or more) up to the
 // next ASCII byte; the index of that byte (or the end), or kNotUTF8.
@@ -266,7 +265,6 @@ char* writeQuoted(char* out, std::string_view s) {
   return out;
 }
 
-
 void appendQuoted(std::string& out, std::string_view s) {
   const std::size_t at = out.size();
   out.resize(at + sizeOf<false>(s));
@@ -294,6 +292,5 @@ bool isValidUTF8(std::string_view s) {
   }
   return true;
 }
-
 
 }  // namespace websdk

@@ -219,14 +219,15 @@ void WebSDKWebView::scrollViewWillBeginZooming() {
 
 // ---- Answers -----------------------------------------------------------------
 
-void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID document) {
+void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                                 std::string_view action) {
   // A page that asks and never hears back must not grow this without bound:
   // past the limit the oldest documents' requests are forgotten first.
   constexpr std::size_t kLimit = std::size_t{1} << 16;
   if (awaitingCount_ >= kLimit) {
     const DocumentID shown = engine_->document();
     for (auto it = awaiting_.begin(); it != awaiting_.end();) {
-      awaitingCount_ -= std::erase_if(it->second, [&](DocumentID d) { return d != shown; });
+      awaitingCount_ -= std::erase_if(it->second, [&](const Awaiting& a) { return a.document != shown; });
       it = it->second.empty() ? awaiting_.erase(it) : std::next(it);
     }
     if (awaitingCount_ >= kLimit) {
@@ -234,20 +235,39 @@ void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID docume
       awaitingCount_ = 0;
     }
   }
-  awaiting_[requestId].push_back(document);
+  awaiting_[requestId].push_back({document, family, action, std::chrono::steady_clock::now()});
   ++awaitingCount_;
+}
+
+std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const {
+  std::vector<WebSDKPendingRequest> out;
+  const DocumentID shown = engine_->document();
+  for (const auto& [id, asked] : awaiting_)
+    for (const auto& a : asked)
+      if (a.document == shown) out.push_back({id, a.family, a.action, a.askedAt});
+  std::ranges::stable_sort(out, {}, &WebSDKPendingRequest::askedAt);
+  return out;
 }
 
 std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& requestId, WebSDKDropReason& why) {
   if (const auto it = awaiting_.find(requestId); it != awaiting_.end()) {
-    const DocumentID document = it->second.front();
+    const DocumentID document = it->second.front().document;
     it->second.pop_front();
     --awaitingCount_;
     if (it->second.empty()) awaiting_.erase(it);
+    ++answerCounts_.expected;
     why = WebSDKDropReason::documentGone;
     return document;
   }
-  // Not asked (or answered already): only a trusted page shown now may see it.
+  ++answerCounts_.unasked;
+  if (webSDKConfig.dropsUnaskedAnswers) {
+    log(LogLevel::warning, "answer",
+        "an answer to request id \"" + requestId +
+            "\", which no page asked or which was answered already; dropped (dropsUnaskedAnswers)");
+    why = WebSDKDropReason::notAsked;
+    return std::nullopt;
+  }
+  // Otherwise only a trusted page shown now may see it.
   log(LogLevel::warning, "answer",
       "an answer to request id \"" + requestId +
           "\", which no page asked or which was answered already; it goes to the page shown, if trusted");

@@ -85,7 +85,7 @@ struct StandInView final : BridgeView {
   void deliver(WebSDKResponseModel response, std::optional<DocumentID> document) override {
     delivered.emplace_back(std::move(response), document);
   }
-  void expectAnswer(const std::string& requestId, DocumentID document) override {
+  void expectAnswer(const std::string& requestId, DocumentID document, std::string_view, std::string_view) override {
     expected.emplace_back(requestId, document);
   }
 };

@@ -60,6 +60,14 @@ struct Harness {
                                  listener, plugins.setRecipientInfo, whitelistAll);
   }
 
+  /// A view made with `config`, on https://localhost/checkout.
+  explicit Harness(const WebSDKConfig& config) {
+    auto owned = std::make_unique<testing::TestingEngine>();
+    engine = owned.get();
+    engine->setURL("https://localhost/checkout");
+    view = WebSDKWebView::create(std::move(owned), config, nullptr, nullptr, nullptr, listener);
+  }
+
   /// Posts a request as the page would, runs the main queue, and returns
   /// every envelope the page has received so far.
   std::vector<JSON> post(std::string_view requestText) {

@@ -330,6 +330,46 @@ TEST(Documents, AnAnswerReachesOnlyTheDocumentThatAsked) {
   }
 }
 
+// Every answer is accounted for: one a page waits for leaves the pending list;
+// one nobody waits for (never asked, or a second answer) is counted, then goes
+// to the trusted page shown or, with the switch, nowhere.
+TEST(Documents, EachAnswerMeetsAWaitingRequestOrIsCountedAsUnasked) {
+  for (const bool drops : {false, true}) {
+    WebSDKConfig config{{"localhost"}};
+    config.dropsUnaskedAnswers = drops;
+    Harness h(config);
+    const auto cart = std::make_shared<RecordingCart>();
+    h.view->setCartPlugin(cart);
+    h.post(R"({"type":"CLEAR_LOCAL_CART","requestId":"r1"})");
+    h.post(R"({"type":"GET_LOCAL_CART","requestId":"r2","payload":{"tenant":{"marketplaceId":"m"}}})");
+    h.post(R"({"type":"NO_SUCH_ACTION","requestId":"r3"})");  // answered by the bridge, never pending
+
+    const auto waiting = [&] {
+      std::vector<std::string> out;
+      for (const auto& p : h.view->pendingRequests()) out.push_back(p.requestId + " " + std::string(p.action));
+      return out;
+    };
+    EXPECT_EQ(waiting(), (std::vector<std::string>{"r1 CLEAR_LOCAL_CART", "r2 GET_LOCAL_CART"})) << drops;
+    EXPECT_EQ(h.view->pendingRequests().front().family, "cart");
+    const auto before = h.pageResponses().size();
+
+    h.view->sendSuccess("r1");
+    h.view->sendSuccess("r1");      // a second answer
+    h.view->sendFailure("nobody");  // an id never asked
+    h.engine->queue().drain();
+    EXPECT_EQ(waiting(), (std::vector<std::string>{"r2 GET_LOCAL_CART"})) << drops;
+    EXPECT_EQ(h.view->answerCounts(), (WebSDKAnswerCounts{1, 2})) << drops;
+    EXPECT_EQ(h.pageResponses().size(), before + (drops ? 1 : 3)) << drops;
+    EXPECT_EQ(std::ranges::count(h.listener->dropped, WebSDKDropReason::notAsked,
+                                 &std::pair<std::string, WebSDKDropReason>::second),
+              drops ? 2 : 0);
+
+    // What the page waited for belongs to its document: a new one waits for nothing.
+    h.engine->navigate("https://localhost/checkout");
+    EXPECT_TRUE(h.view->pendingRequests().empty()) << drops;
+  }
+}
+
 TEST(Documents, PushesAndTheirCompletionsNeedATrustedCommittedPage) {
   const std::optional<std::string> pages[] = {std::nullopt, "https://evil.test/", "about:blank"};
   for (const auto& url : pages) {

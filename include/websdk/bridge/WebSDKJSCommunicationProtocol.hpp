@@ -16,6 +16,9 @@ enum class WebSDKDropReason {
   documentGone,
   /// The document shown is not on a whitelisted host (or there is none).
   pageNotWhitelisted,
+  /// No page is waiting for it: its id was never asked, or was answered
+  /// already (dropped only with `WebSDKConfig::dropsUnaskedAnswers`).
+  notAsked,
 };
 
 /// The host's listener for bridge traffic.

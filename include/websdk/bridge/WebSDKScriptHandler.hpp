@@ -27,9 +27,11 @@ class WEBSDK_EXPORT BridgeView {
   /// Sends `response` to the page: into `document`, or, with none, into the
   /// document that sent its request id.
   virtual void deliver(WebSDKResponseModel response, std::optional<DocumentID> document) = 0;
-  /// Request `requestId` of `document` is being handed to a plugin: its
-  /// answer belongs to that document. UI thread.
-  virtual void expectAnswer(const std::string& requestId, DocumentID document) = 0;
+  /// Request `requestId` of `document`, an `action` of `family`, is being
+  /// handed to a plugin: its answer belongs to that document. Both names are
+  /// the bridge's own, valid for the program's life. UI thread.
+  virtual void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                            std::string_view action) = 0;
 
  protected:
   ~BridgeView() = default;
@@ -69,7 +71,7 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
 
   /// Notes that a request `document` sent, being handed to a plugin now, is
   /// answered into that document. UI thread, during userContentController.
-  void expectAnswer(std::string_view requestId, DocumentID document);
+  void expectAnswer(std::string_view requestId, DocumentID document, std::string_view family, std::string_view action);
 
  private:
   bool isTrusted(const WebSDKConfig& config, std::string_view url);

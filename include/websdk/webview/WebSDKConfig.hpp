@@ -47,6 +47,12 @@ struct WEBSDK_EXPORT WebSDKConfig {
   /// A service worker sees the app's headers on the requests it serves and
   /// can send them on anywhere, beyond the header guard's reach.
   bool allowsServiceWorkers = false;
+  /// Off (the default): an answer to a request id no page is waiting for
+  /// (never asked, or answered already) goes to the page shown if it is
+  /// trusted, as a page that reuses ids expects. On: it is not evaluated, and
+  /// the listener hears `WebSDKDropReason::notAsked`. Either way it is
+  /// counted (`WebSDKWebView::answerCounts`) and logged.
+  bool dropsUnaskedAnswers = false;
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry matches:

@@ -13,6 +13,7 @@
 #include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -42,6 +43,21 @@ class DvWebViewMenuListCallbacks;
 
 /// A response payload: any response model (a record) or a dictionary of
 /// strings, rendered to JSON when the answer is sent.
+/// A request handed to a plugin that has not been answered yet.
+struct WEBSDK_EXPORT WebSDKPendingRequest {
+  std::string requestId;
+  std::string_view family;  // the family's name ("cart", "payments", ...)
+  std::string_view action;  // the action string the page sent
+  std::chrono::steady_clock::time_point askedAt;
+};
+
+/// The answers a view was given, by whether a page was waiting for them.
+struct WEBSDK_EXPORT WebSDKAnswerCounts {
+  std::uint64_t expected = 0;  // to a request handed to a plugin and not answered before
+  std::uint64_t unasked = 0;   // to an id never asked, or answered already
+  bool operator==(const WebSDKAnswerCounts&) const = default;
+};
+
 class WEBSDK_EXPORT WebSDKResponseProtocol {
  public:
   template <Record T>
@@ -231,6 +247,12 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   }
   WebEngine& engine() { return *engine_; }
 
+  /// The requests of the document shown that plugins have not answered yet,
+  /// oldest first: what a page is still waiting for. UI thread.
+  std::vector<WebSDKPendingRequest> pendingRequests() const;
+  /// How the answers given so far matched the page's requests. UI thread.
+  WebSDKAnswerCounts answerCounts() const { return answerCounts_; }
+
   // The engine's events (also callable by a host that drives zooming itself).
   void scrollViewWillBeginZooming() override;
 
@@ -260,7 +282,8 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   }
 
   const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
-  void expectAnswer(const std::string& requestId, DocumentID document) override;
+  void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                    std::string_view action) override;
   /// The document that asked `requestId` (forgotten once answered), or, for
   /// an id never asked, the document shown if it is whitelisted. UI thread.
   std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
@@ -277,10 +300,16 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   bool suppressesIncrementalRendering_ = true;
   const std::shared_ptr<WebSDKScriptHandler> handler_;
   const std::unique_ptr<WebEngine> engine_;
-  // Requests handed to plugins and not yet answered: the documents that sent
-  // them, oldest first per id (a page may reuse an id). UI thread only.
-  std::unordered_map<std::string, std::deque<DocumentID>> awaiting_;
+  // Requests handed to plugins and not yet answered, oldest first per id (a
+  // page may reuse an id). UI thread only.
+  struct Awaiting {
+    DocumentID document;
+    std::string_view family, action;
+    std::chrono::steady_clock::time_point askedAt;
+  };
+  std::unordered_map<std::string, std::deque<Awaiting>> awaiting_;
   std::size_t awaitingCount_ = 0;
+  WebSDKAnswerCounts answerCounts_;
   // The last document found on a whitelisted host. UI thread only.
   DocumentID trustedDocument_ = 0;
   // Whether a navigation was seen waiting for want of a delegate. UI thread only.

@@ -22,6 +22,22 @@ std::size_t TestingMainQueue::drain() {
   }
 }
 
+void TestingMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
+  std::lock_guard lock(mutex_);
+  delayed_.emplace(now_ + delay, std::move(task));
+}
+
+std::size_t TestingMainQueue::advance(std::chrono::milliseconds by) {
+  {
+    std::lock_guard lock(mutex_);
+    now_ += by;
+    const auto due = delayed_.upper_bound(now_);
+    for (auto it = delayed_.begin(); it != due; ++it) tasks_.push_back(std::move(it->second));
+    delayed_.erase(delayed_.begin(), due);
+  }
+  return drain();
+}
+
 std::size_t TestingMainQueue::pending() const {
   std::lock_guard lock(mutex_);
   return tasks_.size();

@@ -235,8 +235,43 @@ void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID docume
       awaitingCount_ = 0;
     }
   }
-  awaiting_[requestId].push_back({document, family, action, std::chrono::steady_clock::now()});
+  const std::uint64_t serial = ++lastSerial_;
+  awaiting_[requestId].push_back({document, family, action, std::chrono::steady_clock::now(), serial});
   ++awaitingCount_;
+  const auto& deadlines = webSDKConfig.answerDeadlines;
+  auto deadline = deadlines.find(family);
+  if (deadline == deadlines.end()) deadline = deadlines.find("*");
+  if (deadline == deadlines.end()) return;
+  engine_->mainQueue().postAfter(deadline->second,
+                                 [weak = weak_from_this(), requestId, serial, limit = deadline->second] {
+                                   if (const auto view = weak.lock()) view->answerOverdue(requestId, serial, limit);
+                                 });
+}
+
+void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit) {
+  const auto it = awaiting_.find(requestId);
+  if (it == awaiting_.end()) return;
+  const auto asked = std::ranges::find(it->second, serial, &Awaiting::serial);
+  if (asked == it->second.end()) return;  // answered in time
+  ++answerCounts_.overdue;
+  const WebSDKPendingRequest request{requestId, asked->family, asked->action, asked->askedAt};
+  const DocumentID document = asked->document;
+  const bool fails = webSDKConfig.failsOverdueRequests;
+  if (fails) {
+    // Settled now: the plugin's own answer, if it ever comes, is unasked.
+    it->second.erase(asked);
+    --awaitingCount_;
+    if (it->second.empty()) awaiting_.erase(it);
+  }
+  const std::string waited = std::to_string(limit.count()) + " ms";
+  log(LogLevel::warning, "answer",
+      "request id \"" + requestId + "\" (" + std::string(request.family) + " " + std::string(request.action) +
+          ") has no answer after " + waited + (fails ? "; the page is told it failed" : "; it still waits"));
+  if (auto listener = webJSCommunicatorDelegate.lock()) listener->didMissAnswerDeadline(request);
+  if (fails)
+    deliver(WebSDKResponseModel{std::string(rawValue(WebSDKResponseType::failure)), rawValue(WebSDKStatusCode::unknown),
+                                "no answer within " + waited, requestId, std::nullopt},
+            document);
 }
 
 std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const {

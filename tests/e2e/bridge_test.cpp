@@ -57,6 +57,24 @@ TEST_F(BridgeTest, APageRequestReachesItsPluginAndTheAnswerReachesNativeResponse
   EXPECT_EQ(listener->responses.size(), 1u);
 }
 
+// A plugin that never answers: at its family's deadline the engine's own timer
+// fails the request, so the page's promise settles and nothing stays pending.
+TEST_F(BridgeTest, ARequestNoPluginAnswersIsFailedAtItsFamilysDeadline) {
+  WebSDKConfig config{{"127.0.0.1"}};
+  config.answerDeadlines = {{"cart", std::chrono::milliseconds(200)}};
+  config.failsOverdueRequests = true;
+  makeView(config, delegate);
+  ASSERT_TRUE(loadAndWait(server.url("/page")));
+  view->setCartPlugin(cart);  // it never answers
+  postFromPage(std::string(kGetCart));
+  ASSERT_TRUE(waitForResponses(1));
+  EXPECT_EQ(responses()[0].at("type"), JSON("FAILED"));
+  EXPECT_EQ(responses()[0].at("requestId"), JSON("7"));
+  EXPECT_EQ(responses()[0].at("statusMessage"), JSON("no answer within 200 ms"));
+  EXPECT_EQ(view->answerCounts().overdue, 1u);
+  EXPECT_TRUE(view->pendingRequests().empty());
+}
+
 TEST_F(BridgeTest, TheBridgesOwnFailuresReachThePage) {
   postFromPage(R"({"type":"NO_SUCH_ACTION","requestId":"a"})");
   postFromPage(std::string(kGetCart));  // no cart plugin registered

@@ -30,6 +30,10 @@ struct RecordingListener final : WebSDKJSCommunicationProtocol {
     dropped.emplace_back(r.requestId, why);
   }
   void didDropPush(std::string_view script, WebSDKDropReason why) override { dropped.emplace_back(script, why); }
+  std::vector<std::string> missed;  // "id family action" of each request past its deadline
+  void didMissAnswerDeadline(const WebSDKPendingRequest& r) override {
+    missed.push_back(r.requestId + " " + std::string(r.family) + " " + std::string(r.action));
+  }
 };
 
 struct RecordingCart final : DvCartWebViewCallBacks {

@@ -370,6 +370,48 @@ TEST(Documents, EachAnswerMeetsAWaitingRequestOrIsCountedAsUnasked) {
   }
 }
 
+// A family's deadline: a request unanswered by then is reported once; with the
+// switch it is also failed, so the page hears back and the plugin's late answer
+// counts as unasked. One answered in time, or another family's, is untouched.
+TEST(Documents, ARequestPastItsFamilysDeadlineIsReportedAndByTheSwitchFailed) {
+  using namespace std::chrono_literals;
+  for (const bool fails : {false, true}) {
+    WebSDKConfig config{{"localhost"}};
+    config.answerDeadlines = {{"cart", 100ms}, {"*", 1000ms}};
+    config.failsOverdueRequests = fails;
+    Harness h(config);
+    const auto& listener = h.listener;
+    auto* engine = h.engine;
+    const auto& view = h.view;
+    const auto cart = std::make_shared<RecordingCart>();
+    view->setCartPlugin(cart);
+    const auto ask = [&](const char* id) {
+      engine->postRequest(R"({"type":"CLEAR_LOCAL_CART","requestId":")" + std::string(id) + "\"}");
+      engine->queue().drain();
+    };
+    ask("slow");
+    ask("quick");
+    view->sendSuccess("quick");
+    engine->queue().advance(99ms);
+    EXPECT_TRUE(listener->missed.empty()) << fails;
+    engine->queue().advance(1ms);
+    EXPECT_EQ(listener->missed, (std::vector<std::string>{"slow cart CLEAR_LOCAL_CART"})) << fails;
+    EXPECT_EQ(view->answerCounts().overdue, 1u) << fails;
+    const auto responses = engine->nativeResponses();
+    ASSERT_EQ(responses.size(), fails ? 2u : 1u) << fails;
+    if (fails) {
+      EXPECT_EQ(responses[1].at("requestId"), "slow");
+      EXPECT_EQ(responses[1].at("type"), "FAILED");
+      EXPECT_EQ(responses[1].at("statusMessage"), "no answer within 100 ms");
+    }
+    EXPECT_EQ(view->pendingRequests().size(), fails ? 0u : 1u) << fails;
+    view->sendSuccess("slow");  // the plugin, late
+    engine->queue().advance(1000ms);
+    EXPECT_EQ(view->answerCounts(), (WebSDKAnswerCounts{fails ? 1u : 2u, fails ? 1u : 0u, 1})) << fails;
+    EXPECT_EQ(listener->missed.size(), 1u) << fails;
+  }
+}
+
 TEST(Documents, PushesAndTheirCompletionsNeedATrustedCommittedPage) {
   const std::optional<std::string> pages[] = {std::nullopt, "https://evil.test/", "about:blank"};
   for (const auto& url : pages) {

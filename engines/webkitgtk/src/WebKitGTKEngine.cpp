@@ -92,6 +92,21 @@ void GLibMainQueue::post(std::function<void()> task) {
   g_source_unref(source);
 }
 
+void GLibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
+  using Task = std::function<void()>;
+  GSource* source = g_timeout_source_new(static_cast<guint>(std::clamp<std::int64_t>(delay.count(), 0, G_MAXUINT)));
+  g_source_set_priority(source, G_PRIORITY_DEFAULT);
+  g_source_set_callback(
+      source,
+      [](gpointer data) -> gboolean {
+        (*static_cast<Task*>(data))();
+        return G_SOURCE_REMOVE;
+      },
+      new Task(std::move(task)), [](gpointer data) { delete static_cast<Task*>(data); });
+  g_source_attach(source, static_cast<GMainContext*>(context_));
+  g_source_unref(source);
+}
+
 bool GLibMainQueue::isCurrent() const { return g_main_context_is_owner(static_cast<GMainContext*>(context_)) != FALSE; }
 bool GLibMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
 

@@ -5,9 +5,19 @@
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
+#include <chrono>
+#include <string>
 #include <string_view>
 
 namespace websdk {
+
+/// A request handed to a plugin that has not been answered yet.
+struct WEBSDK_EXPORT WebSDKPendingRequest {
+  std::string requestId;
+  std::string_view family;  // the family's name ("cart", "payments", ...)
+  std::string_view action;  // the action string the page sent
+  std::chrono::steady_clock::time_point askedAt;
+};
 
 /// Why something sent to the page never ran there.
 enum class WebSDKDropReason {
@@ -37,6 +47,9 @@ class WEBSDK_EXPORT WebSDKJSCommunicationProtocol {
   /// A pushed page-function call that was not evaluated (`script` is its call
   /// text), and why. Called on the UI thread.
   virtual void didDropPush(std::string_view script, WebSDKDropReason reason) { (void)script, (void)reason; }
+  /// A request its family's plugin had not answered by the family's deadline
+  /// (`WebSDKConfig::answerDeadlines`). Called on the UI thread.
+  virtual void didMissAnswerDeadline(const WebSDKPendingRequest& request) { (void)request; }
 };
 
 }  // namespace websdk

@@ -7,6 +7,7 @@
 #include "websdk/json/JSON.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -96,6 +97,8 @@ class WEBSDK_EXPORT MainQueue {
  public:
   virtual ~MainQueue() = default;
   virtual void post(std::function<void()> task) = 0;
+  /// Runs `task` on the UI thread once `delay` has passed (UI thread only).
+  virtual void postAfter(std::chrono::milliseconds delay, std::function<void()> task) = 0;
   /// Whether the calling thread is the UI thread (an engine with no thread
   /// of its own says yes everywhere).
   virtual bool isUIThread() const { return true; }

@@ -2,7 +2,9 @@
 
 #include "websdk/Export.hpp"
 
+#include <chrono>
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,6 +55,16 @@ struct WEBSDK_EXPORT WebSDKConfig {
   /// the listener hears `WebSDKDropReason::notAsked`. Either way it is
   /// counted (`WebSDKWebView::answerCounts`) and logged.
   bool dropsUnaskedAnswers = false;
+  /// How long each family's plugin may take to answer, by family name
+  /// ("cart", "payments", ...; "*" for every family not named). None by
+  /// default. A request still unanswered then is logged, counted
+  /// (`answerCounts().overdue`) and told to the listener
+  /// (`didMissAnswerDeadline`).
+  std::map<std::string, std::chrono::milliseconds, std::less<>> answerDeadlines = {};
+  /// With a deadline: on, an overdue request is also answered with a failure
+  /// (status 1, "no answer within N ms"), so the page's promise settles; the
+  /// plugin's own answer after that counts as unasked.
+  bool failsOverdueRequests = false;
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry matches:

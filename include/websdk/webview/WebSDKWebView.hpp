@@ -43,18 +43,11 @@ class DvWebViewMenuListCallbacks;
 
 /// A response payload: any response model (a record) or a dictionary of
 /// strings, rendered to JSON when the answer is sent.
-/// A request handed to a plugin that has not been answered yet.
-struct WEBSDK_EXPORT WebSDKPendingRequest {
-  std::string requestId;
-  std::string_view family;  // the family's name ("cart", "payments", ...)
-  std::string_view action;  // the action string the page sent
-  std::chrono::steady_clock::time_point askedAt;
-};
-
 /// The answers a view was given, by whether a page was waiting for them.
 struct WEBSDK_EXPORT WebSDKAnswerCounts {
   std::uint64_t expected = 0;  // to a request handed to a plugin and not answered before
   std::uint64_t unasked = 0;   // to an id never asked, or answered already
+  std::uint64_t overdue = 0;   // requests still unanswered at their family's deadline
   bool operator==(const WebSDKAnswerCounts&) const = default;
 };
 
@@ -306,7 +299,12 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
     DocumentID document;
     std::string_view family, action;
     std::chrono::steady_clock::time_point askedAt;
+    std::uint64_t serial;  // tells a reused id's requests apart at their deadline
   };
+  std::uint64_t lastSerial_ = 0;
+  /// Request `serial` (id `requestId`) reached its family's deadline `limit`:
+  /// reported if still unanswered, and failed when the view is set to.
+  void answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit);
   std::unordered_map<std::string, std::deque<Awaiting>> awaiting_;
   std::size_t awaitingCount_ = 0;
   WebSDKAnswerCounts answerCounts_;

@@ -6,6 +6,7 @@
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -18,17 +19,24 @@
 
 namespace websdk::testing {
 
-/// A main queue that runs nothing until drained. post() is thread-safe.
+/// A main queue that runs nothing until drained, on a clock that moves only
+/// when a test advances it. post() is thread-safe.
 class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
  public:
   void post(std::function<void()> task) override;
+  void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
   /// Runs queued tasks (also those they post) until none is left; returns how many ran.
   std::size_t drain();
+  /// Moves the clock on by `by`, queues every delayed task then due (earliest
+  /// first) and drains; returns how many tasks ran.
+  std::size_t advance(std::chrono::milliseconds by);
   std::size_t pending() const;
 
  private:
   mutable std::mutex mutex_;
   std::deque<std::function<void()>> tasks_;
+  std::chrono::milliseconds now_{0};
+  std::multimap<std::chrono::milliseconds, std::function<void()>> delayed_;
 };
 
 class WEBSDK_EXPORT TestingEngine final : public WebEngine {

@@ -104,6 +104,7 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   GLibMainQueue(const GLibMainQueue&) = delete;
   GLibMainQueue& operator=(const GLibMainQueue&) = delete;
   void post(std::function<void()> task) override;
+  void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
   /// Whether the calling thread is running this queue's context now.
   bool isCurrent() const;
   /// Whether the calling thread is the one that made the queue.

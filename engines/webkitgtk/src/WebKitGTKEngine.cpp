@@ -73,13 +73,12 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
 GLibMainQueue::GLibMainQueue() : context_(g_main_context_ref_thread_default()) {}
 GLibMainQueue::~GLibMainQueue() { g_main_context_unref(static_cast<GMainContext*>(context_)); }
 
-void GLibMainQueue::post(std::function<void()> task) {
+namespace {
+
+// Runs `task` once from `source` on `context`. The destroy-notify frees the
+// task also when its context goes away before it runs.
+void attachOnce(GSource* source, void* context, std::function<void()> task) {
   using Task = std::function<void()>;
-  // An idle source rather than g_main_context_invoke: a task posted from the
-  // UI thread must still run later, after the caller has returned. Sources of
-  // one priority run in the order attached. The destroy-notify frees the task
-  // also when its context goes away before it runs.
-  GSource* source = g_idle_source_new();
   g_source_set_priority(source, G_PRIORITY_DEFAULT);
   g_source_set_callback(
       source,
@@ -88,23 +87,22 @@ void GLibMainQueue::post(std::function<void()> task) {
         return G_SOURCE_REMOVE;
       },
       new Task(std::move(task)), [](gpointer data) { delete static_cast<Task*>(data); });
-  g_source_attach(source, static_cast<GMainContext*>(context_));
+  g_source_attach(source, static_cast<GMainContext*>(context));
   g_source_unref(source);
 }
 
+}  // namespace
+
+void GLibMainQueue::post(std::function<void()> task) {
+  // An idle source rather than g_main_context_invoke: a task posted from the
+  // UI thread must still run later, after the caller has returned. Sources of
+  // one priority run in the order attached.
+  attachOnce(g_idle_source_new(), context_, std::move(task));
+}
+
 void GLibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
-  using Task = std::function<void()>;
-  GSource* source = g_timeout_source_new(static_cast<guint>(std::clamp<std::int64_t>(delay.count(), 0, G_MAXUINT)));
-  g_source_set_priority(source, G_PRIORITY_DEFAULT);
-  g_source_set_callback(
-      source,
-      [](gpointer data) -> gboolean {
-        (*static_cast<Task*>(data))();
-        return G_SOURCE_REMOVE;
-      },
-      new Task(std::move(task)), [](gpointer data) { delete static_cast<Task*>(data); });
-  g_source_attach(source, static_cast<GMainContext*>(context_));
-  g_source_unref(source);
+  const auto ms = std::clamp<std::int64_t>(delay.count(), 0, G_MAXUINT);
+  attachOnce(g_timeout_source_new(static_cast<guint>(ms)), context_, std::move(task));
 }
 
 bool GLibMainQueue::isCurrent() const { return g_main_context_is_owner(static_cast<GMainContext*>(context_)) != FALSE; }

@@ -128,6 +128,9 @@ class Client {
         this.slots = [];
         this.prefix = `wsdk-${randomTag()}-`;
         this.counter = 0;
+        this.answered = 0;
+        this.late = 0;
+        this.unasked = 0;
         this.responseSlot = new Slot(target, "nativeResponse", (envelope) => this.answer(envelope));
         this.slots.push(this.responseSlot);
         for (const name of PAGE_FUNCTIONS) {
@@ -167,6 +170,9 @@ class Client {
             }
         });
     }
+    counts() {
+        return { pending: this.pending.size, answered: this.answered, late: this.late, unasked: this.unasked };
+    }
     on(name, handler) {
         if (!PAGE_FUNCTIONS.includes(name))
             throw new TypeError(`not a page function: ${name}`);
@@ -205,6 +211,7 @@ class Client {
         const waiting = requestId === undefined ? undefined : this.pending.get(requestId);
         if (requestId !== undefined && waiting) {
             this.pending.delete(requestId);
+            this.answered++;
             if (waiting.timer !== undefined)
                 clearTimeout(waiting.timer);
             if (e.type === "SUCCESS")
@@ -213,8 +220,14 @@ class Client {
                 waiting.reject(new WebSDKRequestError(typeof e.statusCode === "number" ? e.statusCode : 1, e.statusMessage, requestId));
             return undefined;
         }
-        if (requestId !== undefined && this.expired.delete(requestId))
-            return undefined; // ours, too late
+        if (requestId !== undefined && this.expired.delete(requestId)) {
+            this.late++; // ours, too late
+            return undefined;
+        }
+        if (requestId?.startsWith(this.prefix)) {
+            this.unasked++; // ours, answered already
+            return undefined;
+        }
         return this.responseSlot.own?.(received);
     }
     call(slot, name, args) {

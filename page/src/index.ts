@@ -79,6 +79,20 @@ export interface WebSDKClient {
   on<N extends WebSDKPageFunctionName>(name: N, handler: WebSDKPageFunctions[N]): () => void;
   /** Gives the page its own functions back and rejects what is still waiting. */
   dispose(): void;
+  /** What this client has asked and heard back so far: for a page's diagnostics and tests. */
+  counts(): WebSDKClientCounts;
+}
+
+/** Every request this client made, by what became of its answer. */
+export interface WebSDKClientCounts {
+  /** Requests still waiting for their answer. */
+  pending: number;
+  /** Answers that settled a waiting request. */
+  answered: number;
+  /** Answers that came after their request had timed out. */
+  late: number;
+  /** Answers to one of this client's ids that nothing was waiting for (a second answer). */
+  unasked: number;
 }
 
 export interface ClientOptions {
@@ -204,6 +218,9 @@ class Client implements WebSDKClient {
   private readonly responseSlot: Slot;
   private readonly prefix = `wsdk-${randomTag()}-`;
   private counter = 0;
+  private answered = 0;
+  private late = 0;
+  private unasked = 0;
 
   constructor(
     private readonly target: Target,
@@ -249,6 +266,10 @@ class Client implements WebSDKClient {
     });
   }
 
+  counts(): WebSDKClientCounts {
+    return { pending: this.pending.size, answered: this.answered, late: this.late, unasked: this.unasked };
+  }
+
   on(name: string, handler: Handler): () => void {
     if (!(PAGE_FUNCTIONS as readonly string[]).includes(name)) throw new TypeError(`not a page function: ${name}`);
     const list = this.handlers.get(name) ?? [];
@@ -284,12 +305,20 @@ class Client implements WebSDKClient {
     const waiting = requestId === undefined ? undefined : this.pending.get(requestId);
     if (requestId !== undefined && waiting) {
       this.pending.delete(requestId);
+      this.answered++;
       if (waiting.timer !== undefined) clearTimeout(waiting.timer);
       if (e.type === "SUCCESS") waiting.resolve(parsePayload(e.payload));
       else waiting.reject(new WebSDKRequestError(typeof e.statusCode === "number" ? e.statusCode : 1, e.statusMessage, requestId));
       return undefined;
     }
-    if (requestId !== undefined && this.expired.delete(requestId)) return undefined;  // ours, too late
+    if (requestId !== undefined && this.expired.delete(requestId)) {
+      this.late++;  // ours, too late
+      return undefined;
+    }
+    if (requestId?.startsWith(this.prefix)) {
+      this.unasked++;  // ours, answered already
+      return undefined;
+    }
     return this.responseSlot.own?.(received);
   }
 

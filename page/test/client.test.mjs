@@ -84,6 +84,26 @@ test("failures and timeouts reject with statusCode, statusMessage and requestId"
   assert.equal(pageHandler.mock.callCount(), 0);
 });
 
+test("counts say what became of every answer: settled, late, or to an id already answered", async (t) => {
+  t.mock.timers.enable({ apis: ["setTimeout"] });
+  const pageHandler = t.mock.fn();
+  const { client, posted, answer } = page({ nativeResponse: pageHandler });
+  const quick = client.request("CLEAR_LOCAL_CART");
+  const slow = rejection(client.request("LOGOUT", undefined, { timeoutMs: 50 }));
+  client.request("CLEAR_LOCAL_CART");
+  assert.deepEqual(client.counts(), { pending: 3, answered: 0, late: 0, unasked: 0 });
+  const ok = (id) => answer({ type: "SUCCESS", statusCode: 0, requestId: id });
+  ok(posted[0].requestId);
+  await quick;
+  t.mock.timers.tick(50);
+  await slow;
+  ok(posted[1].requestId);  // after its timeout
+  ok(posted[0].requestId);  // a second answer
+  ok(posted[1].requestId);  // and another, past the late one
+  assert.deepEqual(client.counts(), { pending: 1, answered: 1, late: 1, unasked: 2 });
+  assert.equal(pageHandler.mock.callCount(), 0, "answers to this client's ids never reach the page's own handler");
+});
+
 test("nativeResponse passes answers it did not ask for to the page's own handler", () => {
   const earlier = [];
   const { win, client, posted, answer } = page({ nativeResponse: (e) => earlier.push(e.requestId) });

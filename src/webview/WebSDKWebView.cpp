@@ -275,12 +275,16 @@ void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t se
 }
 
 std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const {
-  std::vector<WebSDKPendingRequest> out;
+  // In the order asked: serials never tie, as two clock readings may.
+  std::vector<std::pair<std::uint64_t, WebSDKPendingRequest>> asked;
   const DocumentID shown = engine_->document();
-  for (const auto& [id, asked] : awaiting_)
-    for (const auto& a : asked)
-      if (a.document == shown) out.push_back({id, a.family, a.action, a.askedAt});
-  std::ranges::stable_sort(out, {}, &WebSDKPendingRequest::askedAt);
+  for (const auto& [id, requests] : awaiting_)
+    for (const auto& a : requests)
+      if (a.document == shown) asked.push_back({a.serial, {id, a.family, a.action, a.askedAt}});
+  std::ranges::sort(asked, {}, &std::pair<std::uint64_t, WebSDKPendingRequest>::first);
+  std::vector<WebSDKPendingRequest> out;
+  out.reserve(asked.size());
+  for (auto& [serial, request] : asked) out.push_back(std::move(request));
   return out;
 }
 

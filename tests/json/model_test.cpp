@@ -2,9 +2,9 @@
 // field's key, reading and options, the model's own rule) and what the
 // contract tools print of it.
 
+#include "websdk/json/Model.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
-#include "websdk/json/Model.hpp"
 #include "websdk/json/Schema.hpp"
 
 #include <gtest/gtest.h>
@@ -36,14 +36,9 @@ struct Sample {
   std::optional<Size> size;
   Inner inner;
 
-  WEBSDK_MODEL(Sample, needsEntries,
-               (id, strictString, required),
-               (total, number, "cart_total"),
-               (market, lenientString, "tenant.marketplaceId"),
-               (note, lenientString),
-               (tags, stringList, orEmpty),
-               (size, enumeration),
-               (inner, model))
+  WEBSDK_MODEL(Sample, needsEntries, (id, strictString, required), (total, number, "cart_total"),
+               (market, lenientString, "tenant.marketplaceId"), (note, lenientString), (tags, stringList, orEmpty),
+               (size, enumeration), (inner, model))
 };
 
 struct Strict {

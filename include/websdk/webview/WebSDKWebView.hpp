@@ -41,8 +41,6 @@ class DvWebViewSetRecipientInfoCallsBacks;
 class DvAccountsWebViewCallBacks;
 class DvWebViewMenuListCallbacks;
 
-/// A response payload: any response model (a record) or a dictionary of
-/// strings, rendered to JSON when the answer is sent.
 /// The answers a view was given, by whether a page was waiting for them.
 struct WEBSDK_EXPORT WebSDKAnswerCounts {
   std::uint64_t expected = 0;  // to a request handed to a plugin and not answered before
@@ -51,6 +49,8 @@ struct WEBSDK_EXPORT WebSDKAnswerCounts {
   bool operator==(const WebSDKAnswerCounts&) const = default;
 };
 
+/// A response payload: any response model (a record) or a dictionary of
+/// strings, rendered to JSON when the answer is sent.
 class WEBSDK_EXPORT WebSDKResponseProtocol {
  public:
   template <Record T>

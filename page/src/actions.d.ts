@@ -861,8 +861,6 @@ export interface WebSDKActionPayloads {
   "ORDER_FAILED_EVENT": {
     /** object; required */
     paymentMethodData: {
-      /** lenientInt */
-      preferredPriority?: number | string | boolean;
       /** lenientString */
       name?: string | number | boolean;
       /** lenientString */
@@ -879,6 +877,8 @@ export interface WebSDKActionPayloads {
       preferred?: boolean | number | string;
       /** lenientBool */
       splitPayEnabled?: boolean | number | string;
+      /** lenientInt */
+      preferredPriority?: number | string | boolean;
     };
     /** strictString */
     orderId?: string;
@@ -922,8 +922,8 @@ export interface WebSDKActionPayloads {
   };
   /** payments: isUPIIntentMethodAvailable; payload required */
   "IS_UPI_INTENT_METHOD_AVAILABLE": {
-    /** array; required */
-    methods: Array<string | number | boolean>;
+    /** array */
+    methods?: Array<string | number | boolean>;
   };
   /** payments: payUsingUPIIntent; payload required */
   "PAY_USING_UPI_INTENT": {
@@ -945,13 +945,13 @@ export interface WebSDKActionPayloads {
   "ORDER_CONFIRMED_EVENT": Record<string, unknown>;
   /** payments: getOneClickCardEligibility; payload required */
   "GET_ONE_CLICK_CARD_ELIGIBILITY": {
-    /** looked up; required */
+    /** array; required */
     cardDetails: Array<{
       /** strictString; required */
       cardFingerPrint: string;
       /** strictString; required */
       cardBin: string;
-      /** looked up; required */
+      /** array; required */
       checkType: Array<string>;
     }>;
     /** strictString */
@@ -963,7 +963,7 @@ export interface WebSDKActionPayloads {
   "ONE_CLICK_DE_ENROLL": {
     /** enumeration; required */
     action: "VIES_DELETE_CARD" | "VIES_DISENROLL";
-    /** looked up; required */
+    /** object; required */
     cardDetail: {
       /** strictString; required */
       cardBin: string;
@@ -979,7 +979,7 @@ export interface WebSDKActionPayloads {
   "DELETE_CARD": {
     /** enumeration; required */
     action: "VIES_DELETE_CARD" | "VIES_DISENROLL";
-    /** looked up; required */
+    /** object; required */
     cardDetail: {
       /** strictString; required */
       cardBin: string;

@@ -98,7 +98,7 @@ TEST(Model, ItsSchemaIsTheDeclarationAsData) {
     {"key":"tenant","readings":["object"],"required":false,
      "fields":[{"key":"marketplaceId","readings":["lenientString"],"required":false}]},
     {"key":"note","readings":["lenientString"],"required":false},
-    {"key":"tags","elements":{"readings":["lenientString"]},"required":false,"readings":[]},
+    {"key":"tags","readings":["array"],"elements":{"readings":["lenientString"]},"required":false},
     {"key":"size","readings":["enumeration"],"values":["S","L"],"required":false},
     {"key":"inner","readings":["object"],"fields":[{"key":"name","readings":["lenientString"],"required":false}],
      "required":false}

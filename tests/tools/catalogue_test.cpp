@@ -89,12 +89,12 @@ TEST(Catalogue, LearnsKeysReadingsAndRequirementsFromTheReaders) {
        "required",
        {"tenant!:object ", "tenant.marketplaceId:lenientString ", "tenant.marketplaceCategory:lenientString ",
         "tenant.marketplaceBusinessLine:lenientString "}},
-      // Arrays of objects read through raw lookups, nested arrays of strings.
+      // A list of strict records, one of whose members is a list of strings.
       {"GET_ONE_CLICK_CARD_ELIGIBILITY",
        "getOneClickCardEligibility",
        "required",
-       {"cardDetails!:", "cardDetails[].cardFingerPrint!:strictString ", "cardDetails[].cardBin!:strictString ",
-        "cardDetails[].checkType!:", "action:strictString ", "amount:strictString "}},
+       {"cardDetails!:array ", "cardDetails[].cardFingerPrint!:strictString ", "cardDetails[].cardBin!:strictString ",
+        "cardDetails[].checkType!:array ", "action:strictString ", "amount:strictString "}},
       // Elements copied out of an array, then read by the element's own reader.
       {"DIALOG_CONFIRM",
        "dialogConfirm",

@@ -312,6 +312,12 @@ JSONObject declaredAction() {
   using Model = typename Row::Type;
   JSONObject out;
   out.emplace("action", rawValue(Row::action));
+  if constexpr (Row::refused) {
+    out.emplace("case", nullptr);  // no payload ever reaches it
+    out.emplace("payload", "never");
+    out.emplace("fields", JSONArray{});
+    return out;
+  }
   out.emplace("case", rawValue(Row::tag));
   if constexpr (std::is_void_v<Model>) {
     out.emplace("payload", "optional");

@@ -1,7 +1,8 @@
 #pragma once
 // A family's actions, written once as a table: each row is the action's case,
 // the string pages send, the typed payload's case and the model it carries
-// (none for an action that carries nothing).
+// (none for an action that carries nothing, `Refused` for one that is never
+// decoded).
 //
 //   WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
 //                  (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
@@ -25,13 +26,18 @@
 
 namespace websdk {
 
+/// A row's model for an action that is known but never decoded: the request
+/// is always declined, whatever it carries.
+struct Refused {};
+
 /// One row of a family's table: action A decodes to case C carrying Model
-/// (void: carries nothing).
+/// (void: carries nothing; Refused: never decodes).
 template <auto A, auto C, class Model>
 struct ActionRow {
   static constexpr auto action = A;
   static constexpr auto tag = C;
-  using Type = Model;
+  static constexpr bool refused = std::is_same_v<Model, Refused>;
+  using Type = std::conditional_t<refused, void, Model>;
 };
 
 namespace detail {
@@ -70,7 +76,9 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
 
   template <class Row>
   static std::optional<Self> decodeRow(const std::optional<JSONObject>& payload) {
-    if constexpr (std::is_void_v<typename Row::Type>)
+    if constexpr (Row::refused)
+      return std::nullopt;
+    else if constexpr (std::is_void_v<typename Row::Type>)
       return Base::template make<Row::tag>();
     else
       return Base::template whenDecoded<Row::tag>(detail::readCarried<typename Row::Type>(payload));

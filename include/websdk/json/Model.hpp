@@ -18,10 +18,12 @@
 //
 // Each field is (member, reading, options...). Options: a string gives the key
 // when it is not the member's name ("a.b" reads b inside the object under a);
-// `required` makes the model fail when the reading gives nothing; `orEmpty`
+// `required` makes the model fail when the reading gives nothing (for a lenient
+// reading, which always gives something: when the key is absent); `orEmpty`
 // gives an optional member its type's empty value instead of nothing. A field that
 // is not required and reads nothing keeps its default. A lenient reading into
-// an optional member is taken only when the key is present.
+// an optional member is taken only when the key is present. A string reading
+// into an enumeration member takes the case whose raw value it is.
 //
 // The second argument is the model's own rule: `anyPayload` (never fails for
 // the payload as a whole), `needsPayload` (fails without a payload object),
@@ -134,15 +136,6 @@ struct EnumerationReading {
 };
 inline constexpr EnumerationReading enumeration{};
 
-/// An array's elements, each by the lenient string reading.
-struct StringListReading {
-  template <class V>
-  static auto read(const JSON* v) {
-    return ::websdk::stringList(v);
-  }
-};
-inline constexpr StringListReading stringList{};
-
 /// The member's own model, read from the object under the key (from an absent
 /// dictionary when there is none, so a model that never fails is always there).
 struct ModelReading {
@@ -152,6 +145,35 @@ struct ModelReading {
   }
 };
 inline constexpr ModelReading model{};
+
+/// An array whose every element the element reading takes; nothing unless the
+/// value is an array, and nothing when a reading that can refuse refuses one.
+template <class Element>
+struct ListReading {
+  static constexpr ReadingKind kind = ReadingKind::array;
+  using ElementReading = Element;
+  template <class V>
+  static std::optional<V> read(const JSON* v) {
+    const auto* list = v != nullptr ? v->if_array() : nullptr;
+    if (list == nullptr) return std::nullopt;
+    V out;
+    out.reserve(list->size());
+    for (const auto& e : *list) {
+      auto item = Element::template read<typename V::value_type>(&e);
+      if constexpr (detail::IsOptional<decltype(item)>::value) {
+        if (!item) return std::nullopt;
+        out.push_back(std::move(*item));
+      } else {
+        out.push_back(std::move(item));
+      }
+    }
+    return out;
+  }
+};
+inline constexpr ListReading<lenientStringReading> stringList{};
+inline constexpr ListReading<strictStringReading> strictStringList{};
+inline constexpr ListReading<lenientIntReading> intList{};
+inline constexpr ListReading<ModelReading> modelList{};
 
 /// The payload dictionary itself, as received (no key of its own).
 struct WholePayloadReading {};
@@ -203,7 +225,11 @@ inline const JSON* lookUp(Fields fields, std::string_view path) {
 
 template <class M, class V>
 void assign(M& member, V&& value) {
-  if constexpr (requires { member = std::forward<V>(value); })
+  using E = UnwrappedT<M>;
+  if constexpr (std::is_enum_v<E> && std::is_same_v<std::remove_cvref_t<V>, std::string>) {
+    // Text into an enumeration: the case of that raw value; other text keeps the default.
+    if (auto c = fromRawValue<E>(std::string_view(value))) member = *c;
+  } else if constexpr (requires { member = std::forward<V>(value); })
     member = std::forward<V>(value);
   else
     member = static_cast<M>(value);
@@ -232,7 +258,8 @@ bool readField(Fields fields, const ModelField<T, M, R>& f, T& out, bool strict)
       return !(strict && v != nullptr && !v->is_null());
     } else {
       // A lenient reading always gives a value; an optional member takes it
-      // only when the key is there.
+      // only when the key is there, and a required one needs the key.
+      if (f.required && v == nullptr) return false;
       if (!IsOptional<M>::value || v != nullptr) assign(member, std::move(value));
       return true;
     }
@@ -261,8 +288,8 @@ std::optional<T> decodeModel(Fields payload) {
 #define WEBSDK_DETAIL_MODEL_FIELD_II(T, m, r, ...) \
   ::websdk::detail::modelField(#m, &T::m, ::websdk::reading::r __VA_OPT__(, ) __VA_ARGS__)
 
-/// Declares a model: its rule, its fields with their readings, its reader
-/// `from` and its memberwise equality.
+/// Declares a model: its rule, its fields with their readings, its readers
+/// `from` (a payload) and `decode` (one JSON value) and its memberwise equality.
 #define WEBSDK_MODEL(T, rule, ...)                                                                         \
   static constexpr ::websdk::ModelRule modelRule() {                                                       \
     using namespace ::websdk::rules;                                                                       \
@@ -274,5 +301,9 @@ std::optional<T> decodeModel(Fields payload) {
   }                                                                                                        \
   static std::optional<T> from(const std::optional<::websdk::JSONObject>& payload) {                       \
     return ::websdk::decodeModel<T>(payload);                                                              \
+  }                                                                                                        \
+  /** The model from one JSON value (nothing unless the rule accepts it). */                               \
+  static std::optional<T> decode(const ::websdk::JSON& value) {                                            \
+    return ::websdk::decodeModel<T>(::websdk::Fields::of(&value));                                         \
   }                                                                                                        \
   friend bool operator==(const T&, const T&) = default;

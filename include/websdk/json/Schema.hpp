@@ -43,10 +43,9 @@ JSONObject readingSchema(bool reached) {
     JSONArray fields = modelSchema<V>(reached);
     if (!fields.empty()) out.emplace("fields", std::move(fields));
   }
-  if constexpr (std::is_same_v<R, reading::StringListReading>) {
-    JSONObject element;
-    element.emplace("readings", JSONArray{JSON(rawValue(ReadingKind::lenientString))});
-    out.emplace("elements", std::move(element));
+  if constexpr (requires { typename R::ElementReading; }) {
+    using Element = typename V::value_type;
+    out.emplace("elements", readingSchema<Element, typename R::ElementReading>(reached));
   }
   return out;
 }
@@ -81,11 +80,17 @@ void addField(JSONArray& fields, const ModelField<T, M, R>& f, bool reached, std
     into = &entry["fields"].get_array();
     path.remove_prefix(dot + 1);
   }
+  // A key the model's rule already needs as an object (`within`) keeps its
+  // place and its requirement.
+  JSONObject* existing = findKey(*into, path);
   JSONObject entry;
   entry.emplace("key", path);
   for (auto& m : readingSchema<M, R>(reached && f.required)) entry.emplace(m.key(), std::move(m.value()));
-  entry.emplace("required", reached && f.required);
-  into->push_back(std::move(entry));
+  entry.emplace("required", (reached && f.required) || (existing != nullptr && existing->at("required").as_bool()));
+  if (existing != nullptr)
+    *existing = std::move(entry);
+  else
+    into->push_back(std::move(entry));
 }
 
 }  // namespace detail

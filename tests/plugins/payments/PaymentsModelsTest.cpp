@@ -17,7 +17,7 @@ std::optional<JSONObject> payloadOf(std::string_view text) {
 }
 
 std::optional<WebSDKPaymentsRequestPayload> decode(WebSDKPaymentsAction action, std::string_view payload) {
-  return WebSDKPaymentsRequestPayload::validateRequest({action, "1", payloadOf(payload)});
+  return WebSDKPaymentsRequestPayload::validateRequest(WebSDKPaymentsRequestModel{action, "1", payloadOf(payload)});
 }
 
 TEST(PaymentsReaders, ForceEnableSDKIsAbsentUnlessSentThenReadLeniently) {

@@ -6,8 +6,7 @@
 // null, and members the record does not know are ignored.
 
 #include "websdk/Export.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
@@ -26,16 +25,16 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityRequestModel {
     std::vector<std::string> checkType;
 
     /// Strict: all three members required.
-    static std::optional<Card> decode(const JSON& value);
-    WEBSDK_RECORD(Card, cardFingerPrint, cardBin, checkType)
+    WEBSDK_MODEL(Card, needsPayload | strict, (cardFingerPrint, strictString, required),
+                 (cardBin, strictString, required), (checkType, strictStringList, required))
   };
 
   std::string action;
   std::string amount;
   std::vector<Card> cardDetails;
 
-  static std::optional<WebSDKGetOneClickCardEligibilityRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetOneClickCardEligibilityRequestModel, action, amount, cardDetails)
+  WEBSDK_MODEL(WebSDKGetOneClickCardEligibilityRequestModel, anyPayload, (action, strictString), (amount, strictString),
+               (cardDetails, modelList, required))
 };
 
 /// What the provider is to do with the card, whichever page action asked.
@@ -51,8 +50,8 @@ struct WEBSDK_EXPORT CardDetail {
   std::string maskedCardNumber;
 
   /// Strict: all three members required.
-  static std::optional<CardDetail> decode(const JSON& value);
-  WEBSDK_RECORD(CardDetail, cardBin, cardFingerPrint, maskedCardNumber)
+  WEBSDK_MODEL(CardDetail, needsPayload | strict, (cardBin, strictString, required),
+               (cardFingerPrint, strictString, required), (maskedCardNumber, strictString, required))
 };
 
 /// "ONE_CLICK_DE_ENROLL" and "DELETE_CARD". Fails unless "action" is exactly a
@@ -63,8 +62,8 @@ struct WEBSDK_EXPORT WebSDKOneClickManageCardRequestModel {
   CardDetail cardDetail;
   std::string juspayClientAuthToken;
 
-  static std::optional<WebSDKOneClickManageCardRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKOneClickManageCardRequestModel, action, cardDetail, juspayClientAuthToken)
+  WEBSDK_MODEL(WebSDKOneClickManageCardRequestModel, anyPayload, (action, enumeration, required),
+               (cardDetail, model, required), (juspayClientAuthToken, strictString))
 };
 
 // ---- Responses -----------------------------------------------------------------
@@ -79,15 +78,14 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityResponseModel {
     std::optional<std::string> responseMsg{};
     bool expired = false;
 
-    static std::optional<Vies> decode(const JSON& value);
-    WEBSDK_RECORD(Vies, eligibility, enrolled, responseMsg, expired)
+    WEBSDK_MODEL(Vies, needsPayload | strict, (eligibility, strictBool, required), (enrolled, strictBool, required),
+                 (responseMsg, strictString), (expired, strictBool, required))
   };
 
   struct CheckType {
     Vies vies{};
 
-    static std::optional<CheckType> decode(const JSON& value);
-    WEBSDK_RECORD(CheckType, vies)
+    WEBSDK_MODEL(CheckType, needsPayload | strict, (vies, model, required))
   };
 
   struct CardEligiblityDetail {
@@ -95,8 +93,8 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityResponseModel {
     std::string cardBin{};
     std::string cardFingerPrint{};
 
-    static std::optional<CardEligiblityDetail> decode(const JSON& value);
-    WEBSDK_RECORD(CardEligiblityDetail, checkType, cardBin, cardFingerPrint)
+    WEBSDK_MODEL(CardEligiblityDetail, needsPayload | strict, (checkType, model, required),
+                 (cardBin, strictString, required), (cardFingerPrint, strictString, required))
   };
 
   std::vector<CardEligiblityDetail> cardEligiblityDetails{};
@@ -119,8 +117,7 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityResponseModel {
 struct WEBSDK_EXPORT WebSDKOneClickDeEnrollResponseModel {
   bool isDeEnrolled = false;
 
-  static std::optional<WebSDKOneClickDeEnrollResponseModel> decode(const JSON& value);
-  WEBSDK_RECORD(WebSDKOneClickDeEnrollResponseModel, isDeEnrolled)
+  WEBSDK_MODEL(WebSDKOneClickDeEnrollResponseModel, needsPayload | strict, (isDeEnrolled, strictBool, required))
 };
 
 struct WEBSDK_EXPORT WebSDKOneClickDeleteResponseModel {
@@ -128,8 +125,8 @@ struct WEBSDK_EXPORT WebSDKOneClickDeleteResponseModel {
   std::string errorMessage{};
   std::string errorCode{};
 
-  static std::optional<WebSDKOneClickDeleteResponseModel> decode(const JSON& value);
-  WEBSDK_RECORD(WebSDKOneClickDeleteResponseModel, isDeleted, errorMessage, errorCode)
+  WEBSDK_MODEL(WebSDKOneClickDeleteResponseModel, needsPayload | strict, (isDeleted, strictBool, required),
+               (errorMessage, strictString, required), (errorCode, strictString, required))
 };
 
 }  // namespace websdk

@@ -4,8 +4,7 @@
 // UPI flows. Amounts and card data stay the strings the page sent.
 
 #include "websdk/Export.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 #include "websdk/plugins/generic/Tenant.hpp"
 
 #include <cstdint>
@@ -30,8 +29,9 @@ struct WEBSDK_EXPORT WebSDKJuspayInitRequestModel {
   std::string authToken;
   std::string extendedCustomerId;
 
-  static std::optional<WebSDKJuspayInitRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKJuspayInitRequestModel, environment, merchantId, authToken, extendedCustomerId)
+  WEBSDK_MODEL(WebSDKJuspayInitRequestModel, anyPayload, (environment, strictString),
+               (merchantId, strictString, required), (authToken, lenientString, "clientAuthToken"),
+               (extendedCustomerId, strictString))
 };
 
 /// "PAY_USING_JUSPAY_NB", read from "juspayParams". Fails without that object
@@ -42,8 +42,10 @@ struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
   std::string bankCode;
   std::string juspayClientAuthToken;
 
-  static std::optional<WebSDKJuspayNBRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKJuspayNBRequestModel, orderId, returnUrl, bankCode, juspayClientAuthToken)
+  WEBSDK_MODEL(WebSDKJuspayNBRequestModel, within("juspayParams"),
+               (orderId, strictString, "juspayParams.orderId", required),
+               (returnUrl, strictString, "juspayParams.returnUrl"), (bankCode, strictString, "juspayParams.bankCode"),
+               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken"))
 };
 
 /// "PAY_USING_JUSPAY_NEW_CARD", read from "juspayParams". Fails without that
@@ -74,11 +76,21 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
   std::optional<std::string> emiType;
   std::optional<std::int64_t> emiTenure;
 
-  static std::optional<WebSDKJuspayNewCardRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKJuspayNewCardRequestModel, cardToken, returnUrl, orderId, cardSecurityCode, paymentMethodType,
-                cardNumber, cardExpMonth, cardExpYear, nameOnCard, saveToLocker, juspayClientAuthToken, authTypeForCard,
-                tokenize, cardBin, paymentMethod, nickname, orderAmount, emiBank, isEmi, supportedGatewayIds, emiType,
-                emiTenure)
+  WEBSDK_MODEL(
+      WebSDKJuspayNewCardRequestModel, within("juspayParams"), (cardToken, strictString, "juspayParams.cardToken"),
+      (returnUrl, strictString, "juspayParams.returnUrl"), (orderId, strictString, "juspayParams.orderId", required),
+      (cardSecurityCode, strictString, "juspayParams.cardSecurityCode"),
+      (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
+      (cardNumber, strictString, "juspayParams.cardNumber"), (cardExpMonth, strictString, "juspayParams.cardExpMonth"),
+      (cardExpYear, strictString, "juspayParams.cardExpYear"), (nameOnCard, strictString, "juspayParams.nameOnCard"),
+      (saveToLocker, strictBool, "juspayParams.saveToLocker"),
+      (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken"),
+      (authTypeForCard, strictString, "juspayParams.authTypeForCard"), (tokenize, lenientBool, "juspayParams.tokenize"),
+      (cardBin, strictString, "juspayParams.cardBin"), (paymentMethod, strictString, "juspayParams.paymentMethod"),
+      (nickname, strictString, "juspayParams.nickname"), (orderAmount, strictString, "juspayParams.orderAmount"),
+      (emiBank, strictString, "juspayParams.emiBank"), (isEmi, strictBool, "juspayParams.isEmi"),
+      (supportedGatewayIds, intList, "juspayParams.supportedGatewayIds", orEmpty),
+      (emiType, strictString, "juspayParams.emiType"), (emiTenure, integer, "juspayParams.emiTenure"))
 };
 
 /// A saved card's network-token metadata. Never fails: every field is set,
@@ -91,9 +103,10 @@ struct WEBSDK_EXPORT JuspayMetaDataModel {
   std::optional<std::string> providerCategory;
   std::optional<std::string> providerReferenceId;
 
-  static JuspayMetaDataModel from(Fields metaData);
-  WEBSDK_RECORD(JuspayMetaDataModel, tokenType, temporaryToken, requesterId, provider, providerCategory,
-                providerReferenceId)
+  WEBSDK_MODEL(JuspayMetaDataModel, anyPayload, (tokenType, strictString, orEmpty),
+               (temporaryToken, strictString, orEmpty), (requesterId, strictString, orEmpty),
+               (provider, strictString, orEmpty), (providerCategory, strictString, orEmpty),
+               (providerReferenceId, strictString, orEmpty))
 };
 
 /// "PAY_USING_SAVED_CARD", read from "juspayParams"; the new-card rules, except
@@ -120,10 +133,22 @@ struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
   std::optional<std::string> tokenRequester;
   std::optional<JuspayMetaDataModel> juspayMetaData;
 
-  static std::optional<WebSDKJuspaySavedCardRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKJuspaySavedCardRequestModel, cardToken, returnUrl, orderId, cardSecurityCode, paymentMethodType,
-                juspayClientAuthToken, authTypeForCard, tokenize, cardBin, paymentMethod, saveToLocker, orderAmount,
-                emiBank, isEmi, supportedGatewayIds, emiType, emiTenure, tokenRequester, juspayMetaData)
+  WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, within("juspayParams"),
+               (cardToken, strictString, "juspayParams.cardToken"), (returnUrl, strictString, "juspayParams.returnUrl"),
+               (orderId, strictString, "juspayParams.orderId", required),
+               (cardSecurityCode, strictString, "juspayParams.cardSecurityCode"),
+               (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
+               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken"),
+               (authTypeForCard, strictString, "juspayParams.authTypeForCard"),
+               (tokenize, lenientBool, "juspayParams.tokenize"), (cardBin, strictString, "juspayParams.cardBin"),
+               (paymentMethod, strictString, "juspayParams.paymentMethod"),
+               (saveToLocker, lenientBool, "juspayParams.saveToLocker"),
+               (orderAmount, strictString, "juspayParams.orderAmount"), (emiBank, strictString, "juspayParams.emiBank"),
+               (isEmi, strictBool, "juspayParams.isEmi"),
+               (supportedGatewayIds, intList, "juspayParams.supportedGatewayIds", orEmpty),
+               (emiType, strictString, "juspayParams.emiType"), (emiTenure, integer, "juspayParams.emiTenure"),
+               (tokenRequester, strictString, "juspayParams.tokenRequester"),
+               (juspayMetaData, model, "juspayParams.juspayMetaData"))
 };
 
 /// The CRED wallet's payment parameters; `authToken` from "clientAuthToken".
@@ -135,8 +160,8 @@ struct WEBSDK_EXPORT JuspayParams {
   std::string authToken;
   std::string mobileNumber;
 
-  static JuspayParams from(Fields params);
-  WEBSDK_RECORD(JuspayParams, orderId, paymentMethodType, returnUrl, authToken, mobileNumber)
+  WEBSDK_MODEL(JuspayParams, anyPayload, (orderId, lenientString), (paymentMethodType, lenientString),
+               (returnUrl, lenientString), (authToken, lenientString, "clientAuthToken"), (mobileNumber, lenientString))
 };
 
 /// "PAY_USING_JUSPAY_WALLET_CRED". Fails unless "juspayParams" is an object.
@@ -144,8 +169,8 @@ struct WEBSDK_EXPORT WebSDKPayUsingJuspayWalletCredRequestModel {
   std::optional<std::string> callbackUrl;
   JuspayParams juspayParams;
 
-  static std::optional<WebSDKPayUsingJuspayWalletCredRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPayUsingJuspayWalletCredRequestModel, callbackUrl, juspayParams)
+  WEBSDK_MODEL(WebSDKPayUsingJuspayWalletCredRequestModel, within("juspayParams"), (callbackUrl, lenientString),
+               (juspayParams, model))
 };
 
 /// A UPI intent payment's parameters. Never fails: lenient strings, "" when
@@ -156,8 +181,8 @@ struct WEBSDK_EXPORT JuspayUPIParams {
   std::string url;
   std::string methodName;
 
-  static JuspayUPIParams from(Fields params);
-  WEBSDK_RECORD(JuspayUPIParams, orderId, orderAmount, url, methodName)
+  WEBSDK_MODEL(JuspayUPIParams, anyPayload, (orderId, lenientString), (orderAmount, lenientString),
+               (url, lenientString), (methodName, lenientString))
 };
 
 /// "PAY_USING_UPI_INTENT". Fails unless "upiParams" is an object.
@@ -165,8 +190,8 @@ struct WEBSDK_EXPORT WebSDKPayUsingUPIIntentRequestModel {
   std::optional<std::string> callbackUrl;
   JuspayUPIParams juspayUPIParams;
 
-  static std::optional<WebSDKPayUsingUPIIntentRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPayUsingUPIIntentRequestModel, callbackUrl, juspayUPIParams)
+  WEBSDK_MODEL(WebSDKPayUsingUPIIntentRequestModel, within("upiParams"), (callbackUrl, lenientString),
+               (juspayUPIParams, model, "upiParams"))
 };
 
 /// "IS_UPI_INTENT_METHOD_AVAILABLE". Fails on an absent or empty payload;
@@ -174,15 +199,15 @@ struct WEBSDK_EXPORT WebSDKPayUsingUPIIntentRequestModel {
 struct WEBSDK_EXPORT WebSDKIsUPIIntentMethodAvailableRequestModel {
   std::optional<std::vector<std::string>> methods;
 
-  static std::optional<WebSDKIsUPIIntentMethodAvailableRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKIsUPIIntentMethodAvailableRequestModel, methods)
+  WEBSDK_MODEL(WebSDKIsUPIIntentMethodAvailableRequestModel, needsEntries, (methods, stringList))
 };
 
-/// "IS_JUSPAY_AVAILABLE"; built by the payments decoding itself, never fails.
+/// "IS_JUSPAY_AVAILABLE". Never fails; `forceEnableSDK` is absent unless sent,
+/// and read leniently, so "true" and 1 force the SDK on.
 struct WEBSDK_EXPORT WebSDKIsJuspayAvailableRequestModel {
   std::optional<bool> forceEnableSDK;
 
-  WEBSDK_RECORD(WebSDKIsJuspayAvailableRequestModel, forceEnableSDK)
+  WEBSDK_MODEL(WebSDKIsJuspayAvailableRequestModel, anyPayload, (forceEnableSDK, lenientBool))
 };
 
 /// The in-app UPI onboarding, cached-data and add-account requests. Fails
@@ -194,8 +219,9 @@ struct WEBSDK_EXPORT WebSDKJuspayInAppUpiRequestModel {
   std::string extendedCustomerId;
   Tenant tenant = Tenant::meals;
 
-  static std::optional<WebSDKJuspayInAppUpiRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKJuspayInAppUpiRequestModel, merchantId, token, extendedCustomerId, tenant)
+  WEBSDK_MODEL(WebSDKJuspayInAppUpiRequestModel, anyPayload, (merchantId, strictString, required),
+               (token, strictString, "clientAuthToken", required), (extendedCustomerId, strictString, required),
+               (tenant, enumeration))
 };
 
 /// "PAY_USING_INAPP_UPI". Fails unless "merchantId", "clientAuthToken",
@@ -212,9 +238,11 @@ struct WEBSDK_EXPORT WebSDKJuspayInAppUpiPayRequestModel {
   Tenant tenant = Tenant::meals;
   std::optional<JSON> credData;
 
-  static std::optional<WebSDKJuspayInAppUpiPayRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKJuspayInAppUpiPayRequestModel, merchantId, token, extendedCustomerId, orderId, referenceId,
-                amount, tenant, credData)
+  WEBSDK_MODEL(WebSDKJuspayInAppUpiPayRequestModel, anyPayload, (merchantId, strictString, required),
+               (token, strictString, "clientAuthToken", required), (extendedCustomerId, strictString, required),
+               (orderId, strictString, required), (referenceId, strictString, "accountRefId", required),
+               (amount, strictString, "orderAmount", required), (tenant, enumeration),
+               (credData, raw, "credOfferLayerDetails"))
 };
 
 }  // namespace websdk

@@ -3,8 +3,7 @@
 // answers about the checkout and about Juspay and UPI.
 
 #include "websdk/Export.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <cstdint>
 #include <map>
@@ -22,8 +21,8 @@ struct WEBSDK_EXPORT WebSDKPostOrderRequestModel {
   std::optional<std::string> businessLine;
   std::optional<bool> showTrack;
 
-  static std::optional<WebSDKPostOrderRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPostOrderRequestModel, orderData, businessLine, showTrack)
+  WEBSDK_MODEL(WebSDKPostOrderRequestModel, anyPayload, (orderData, object, required), (businessLine, lenientString),
+               (showTrack, lenientBool))
 };
 
 /// "STORE_ORDER_INFO_EVENT": the order event plus where the order can be read.
@@ -33,8 +32,8 @@ struct WEBSDK_EXPORT WebSDKStoreOrderInfoRequestModel {
   std::optional<bool> showTrack;
   std::optional<std::string> orderInfoUrl;
 
-  static std::optional<WebSDKStoreOrderInfoRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKStoreOrderInfoRequestModel, orderData, businessLine, showTrack, orderInfoUrl)
+  WEBSDK_MODEL(WebSDKStoreOrderInfoRequestModel, anyPayload, (orderData, object, required),
+               (businessLine, lenientString), (showTrack, lenientBool), (orderInfoUrl, lenientString))
 };
 
 /// The payment method that failed, as the checkout page lists it.
@@ -49,10 +48,11 @@ struct WEBSDK_EXPORT PaymentMethodData {
   bool splitPayEnabled = false;
   std::optional<std::int64_t> preferredPriority;
 
-  /// Nothing when there is no object; otherwise never fails.
-  static std::optional<PaymentMethodData> from(Fields method);
-  WEBSDK_RECORD(PaymentMethodData, name, displayName, paymentCode, enabled, groupName, couponApplicable, preferred,
-                splitPayEnabled, preferredPriority)
+  /// Fails only when there is no object.
+  WEBSDK_MODEL(PaymentMethodData, needsPayload, (name, lenientString), (displayName, lenientString),
+               (paymentCode, lenientString), (enabled, lenientBool), (groupName, lenientString),
+               (couponApplicable, lenientBool), (preferred, lenientBool), (splitPayEnabled, lenientBool),
+               (preferredPriority, lenientInt))
 };
 
 /// "ORDER_FAILED_EVENT". Fails unless "paymentMethodData" is an object.
@@ -63,8 +63,8 @@ struct WEBSDK_EXPORT WebSDKOrderFailedRequestModel {
   std::string errorText;
   std::string totalBill;
 
-  static std::optional<WebSDKOrderFailedRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKOrderFailedRequestModel, paymentMethodData, orderId, errorCode, errorText, totalBill)
+  WEBSDK_MODEL(WebSDKOrderFailedRequestModel, anyPayload, (paymentMethodData, model, required), (orderId, strictString),
+               (errorCode, lenientString), (errorText, lenientString), (totalBill, lenientString))
 };
 
 /// "PAYMENT_IN_PENDING_STATE". Shared with the host by reference. Never
@@ -75,9 +75,9 @@ struct WEBSDK_EXPORT WebSDKPaymentPendingStateRequestModel {
   std::string marketplaceCategory;
   JSONObject data;
 
-  static std::optional<WebSDKPaymentPendingStateRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPaymentPendingStateRequestModel, paymentMethodName, marketplaceBusinessLine, marketplaceCategory,
-                data)
+  WEBSDK_MODEL(WebSDKPaymentPendingStateRequestModel, anyPayload, (paymentMethodName, lenientString),
+               (marketplaceBusinessLine, lenientString), (marketplaceCategory, lenientString),
+               (data, object, "requestObj"))
 };
 
 // ---- Responses -----------------------------------------------------------------

@@ -3,8 +3,7 @@
 // the host answers.
 
 #include "websdk/Export.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <optional>
 #include <string>
@@ -40,8 +39,7 @@ struct WEBSDK_EXPORT WebSDKPayUsingAmazonPayRequestModel {
   WebSDKAmazonPayRequestState state = WebSDKAmazonPayRequestState::unknown;
   JSONObject data;
 
-  static std::optional<WebSDKPayUsingAmazonPayRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKPayUsingAmazonPayRequestModel, state, data)
+  WEBSDK_MODEL(WebSDKPayUsingAmazonPayRequestModel, anyPayload, (state, enumeration), (data, object))
 };
 
 enum class WebSDKLinkRequestSource { payments, accounts };
@@ -60,17 +58,17 @@ struct WEBSDK_EXPORT WebSDKSendLinkStatusRequestModel {
   std::optional<WebSDKLinkRequestSource> linkRequestSource;
   std::optional<std::string> corporateEmail;
 
-  static std::optional<WebSDKSendLinkStatusRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSendLinkStatusRequestModel, paymentCode, status, token, linkedMobileNumber, linkRequestSource,
-                corporateEmail)
+  WEBSDK_MODEL(WebSDKSendLinkStatusRequestModel, anyPayload, (paymentCode, lenientString, required),
+               (status, strictString), (token, strictString), (linkedMobileNumber, strictString),
+               (linkRequestSource, enumeration, "source"), (corporateEmail, strictString))
 };
 
-/// The wallet a wallet-data, linked-wallet or add-money request is about;
-/// filled from the page's "walletCode" by the payments decoding itself.
+/// The wallet a wallet-data, linked-wallet or add-money request is about: the
+/// page names it "walletCode". Fails without that key.
 struct WEBSDK_EXPORT WebSDKGetLinkWalletDataRequestModel {
   std::string paymentCode;
 
-  WEBSDK_RECORD(WebSDKGetLinkWalletDataRequestModel, paymentCode)
+  WEBSDK_MODEL(WebSDKGetLinkWalletDataRequestModel, anyPayload, (paymentCode, lenientString, "walletCode", required))
 };
 
 /// "WALLET_DELINKED". Fails without "walletCode".
@@ -79,8 +77,8 @@ struct WEBSDK_EXPORT WebSDKWalletDelinkedRequestModel {
   std::optional<std::vector<std::string>> walletCodes;
   std::optional<std::string> mobileNumber;
 
-  static std::optional<WebSDKWalletDelinkedRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKWalletDelinkedRequestModel, walletCode, walletCodes, mobileNumber)
+  WEBSDK_MODEL(WebSDKWalletDelinkedRequestModel, anyPayload, (walletCode, lenientString, required),
+               (walletCodes, stringList), (mobileNumber, strictString))
 };
 
 /// "GET_CRED_ELIGIBILTY". Never fails: missing values are "". `authToken`
@@ -91,8 +89,8 @@ struct WEBSDK_EXPORT WebSDKGetCredEligibilityRequestModel {
   std::string amount;
   std::string mobileNumber;
 
-  static std::optional<WebSDKGetCredEligibilityRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetCredEligibilityRequestModel, authToken, merchantId, amount, mobileNumber)
+  WEBSDK_MODEL(WebSDKGetCredEligibilityRequestModel, anyPayload, (authToken, lenientString, "clientAuthToken"),
+               (merchantId, lenientString), (amount, lenientString), (mobileNumber, lenientString))
 };
 
 // ---- Responses -----------------------------------------------------------------

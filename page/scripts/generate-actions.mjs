@@ -59,30 +59,20 @@ export function objectType(fields, indent) {
   return `{\n${lines.join("\n")}\n${indent}}`;
 }
 
-// The page function a call text calls, and its arguments when the text is a
-// plain call: 'text' is a string, true/false a boolean, anything else a number.
+// What the page function receives for each way native code writes an
+// argument; a tail argument is the rest of the call, written by the caller.
+const writtenTypes = {
+  text: "string",
+  quotedBool: '"true" | "false"',
+  boolean: "boolean",
+  number: "number",
+};
+
+// The page function's name and parameters, as the catalogue declares them.
 export function pageFunctionSignature(fn) {
-  const call = /(?:^|[\s;{(&|])(?:window\.)?([A-Za-z_$][\w$]*)\(/g;
-  let match;
-  while ((match = call.exec(fn.script)) !== null) {
-    if (match[1] !== "if") break;
-  }
-  if (!match) throw new Error(`no page function in ${fn.script}`);
-  const name = match[1];
-  const rest = fn.script.slice(match.index + match[0].length);
-  const close = rest.indexOf(")");
-  if (close < 0) return { name, parameters: "...args: unknown[]" };
-  const literals = rest.slice(0, close).split(",").map((s) => s.trim()).filter((s) => s.length > 0);
-  if (literals.length !== fn.arguments.length) return { name, parameters: "...args: unknown[]" };
-  const parameters = literals.map((literal, i) => {
-    const argument = fn.arguments[i];
-    let type;
-    if (/^'.*'$/.test(literal)) type = argument.type === "bool" ? `"true" | "false"` : "string";
-    else if (literal === "true" || literal === "false") type = "boolean";
-    else type = "number";
-    return `${argument.name}: ${type}`;
-  });
-  return { name, parameters: parameters.join(", ") };
+  if (fn.arguments.some((a) => !writtenTypes[a.written])) return { name: fn.function, parameters: "...args: unknown[]" };
+  const parameters = fn.arguments.map((a) => `${a.name}: ${writtenTypes[a.written]}`);
+  return { name: fn.function, parameters: parameters.join(", ") };
 }
 
 export function generate(catalogue) {

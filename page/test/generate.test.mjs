@@ -18,15 +18,15 @@ test("each reading becomes the JSON it gives a value for", () => {
   for (const [place, type] of rows) assert.equal(typeOf(place, ""), type);
 });
 
-test("page functions are named by their call text, arguments by their literals", () => {
+test("page functions take the parameters their arguments are written as", () => {
   const rows = [
-    [{ script: "if ('k' in window){ window.k(true,1.5); }", arguments: [{ name: "v", type: "bool" }, { name: "h", type: "double" }] },
+    [{ function: "k", arguments: [{ name: "v", written: "boolean" }, { name: "h", written: "number" }] },
      { name: "k", parameters: "v: boolean, h: number" }],
-    [{ script: "LOGIN_STATE_CHANGED('true')", arguments: [{ name: "loggedin", type: "bool" }] },
+    [{ function: "LOGIN_STATE_CHANGED", arguments: [{ name: "loggedin", written: "quotedBool" }] },
      { name: "LOGIN_STATE_CHANGED", parameters: 'loggedin: "true" | "false"' }],
-    [{ script: "SEARCH_QUERY_INPUT(query", arguments: [{ name: "query", type: "string" }] },
+    [{ function: "SEARCH_QUERY_INPUT", arguments: [{ name: "query", written: "tail" }] },
      { name: "SEARCH_QUERY_INPUT", parameters: "...args: unknown[]" }],
-    [{ script: "window.pageResume && window.pageResume()", arguments: [] }, { name: "pageResume", parameters: "" }],
+    [{ function: "pageResume", arguments: [] }, { name: "pageResume", parameters: "" }],
   ];
   for (const [fn, signature] of rows) assert.deepEqual(pageFunctionSignature(fn), signature);
 });

@@ -1,53 +1,65 @@
 #include "websdk/webview/WebSDKJSFunctionType.hpp"
 
+#include <tuple>
+#include <type_traits>
+#include <variant>
+
 namespace websdk {
 namespace {
 
-std::string_view b(bool value) { return value ? "true" : "false"; }
+template <class V>
+void writeArgument(std::string& out, PageArgument written, const V& value) {
+  if constexpr (std::is_same_v<V, bool>) {
+    const std::string_view word = value ? "true" : "false";
+    if (written == PageArgument::quotedBool)
+      out.append("'").append(word).append("'");
+    else
+      out.append(word);
+  } else if constexpr (std::is_floating_point_v<V>) {
+    out.append(formatDouble(value));
+  } else if (written == PageArgument::tail) {
+    out.append(value);
+  } else {
+    out.append("'").append(value).append("'");
+  }
+}
 
-// "name('" + argument + "')": the argument goes in raw between single quotes.
-std::string quotedCall(std::string_view name, std::string_view argument) {
-  std::string out;
-  out.reserve(name.size() + argument.size() + 4);
-  out.append(name).append("('").append(argument).append("')");
-  return out;
+// "f(" + the record's members, each as its row writes it, + ")"; a tail
+// argument brings its own closing.
+template <class Record>
+void writeCall(std::string& out, const PageFunction& f, const Record* record) {
+  out.append(f.name).append("(");
+  bool closed = false;
+  if constexpr (!std::is_same_v<Record, void>) {
+    std::size_t i = 0;
+    std::apply(
+        [&](const auto&... field) {
+          ((out.append(i == 0 ? "" : f.separator), writeArgument(out, f.arguments[i], record->*(field.member)),
+            closed = closed || f.arguments[i] == PageArgument::tail, ++i),
+           ...);
+        },
+        Record::fields());
+  }
+  if (!closed) out.append(")");
 }
 
 }  // namespace
 
 std::string WebSDKJSFunctionType::script() const {
-  switch (kind()) {
-    case Case::keyboardStateChanged: {
-      const auto& a = *get<Case::keyboardStateChanged>();
-      return "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(" + std::string(b(a.visible)) + "," +
-             formatDouble(a.height) + "); }";
-    }
-    case Case::onScreenVisibility:
-      return "onScreenVisibility(" + std::string(b(get<Case::onScreenVisibility>()->isVisible)) + ")";
-    case Case::openDeeplink: return quotedCall("openDeeplink", get<Case::openDeeplink>()->url);
-    case Case::userStateChange: return quotedCall("LOGIN_STATE_CHANGED", b(get<Case::userStateChange>()->loggedin));
-    case Case::allowNativeBottomBarExit:
-      return quotedCall("allowNativeBottomBarExit", get<Case::allowNativeBottomBarExit>()->payloadData);
-    case Case::searchQueryInput: return "SEARCH_QUERY_INPUT(" + get<Case::searchQueryInput>()->query;
-    case Case::menuListInteracted: {
-      const auto& a = *get<Case::menuListInteracted>();
-      return "swipeBottomsheet(" + std::string(b(a.playVideo)) + "," + std::string(b(a.menuClick)) + ")";
-    }
-    case Case::handlePXSearchActions: {
-      const auto& a = *get<Case::handlePXSearchActions>();
-      return "HANDLE_PX_SEARCH_ACTIONS('" + a.query + "', '" + a.type + "')";
-    }
-    case Case::updateScratchCardsData:
-      return quotedCall("updateScratchCardsData", get<Case::updateScratchCardsData>()->cardData);
-    case Case::globalJSBridgeHandler:
-      return quotedCall("globalJSBridgeHandler", get<Case::globalJSBridgeHandler>()->payloadData);
-    case Case::getPXCartCallback: return "BUILD_PX_CART()";
-    case Case::handleSwipeGesture: return "handleHardwareBack()";
-    case Case::onHalfCardBackgroundTap: return "onHalfCardBackgroundTap()";
-    case Case::updateLocationHeader: return "UPDATE_SELECTED_ADDRESS()";
-    case Case::pageResume: return "window.pageResume && window.pageResume()";
+  const PageFunction f = pageFunction(kind());
+  std::string call;
+  bool written = false;
+  visitCarried([&](const auto* record) {
+    writeCall(call, f, record);
+    written = true;
+  });
+  if (!written) writeCall<void>(call, f, nullptr);
+  switch (f.guard) {
+    case PageCallGuard::none: return call;
+    case PageCallGuard::whenDefined: return "window." + std::string(f.name) + " && window." + call;
+    case PageCallGuard::whenInWindow: return "if ('" + std::string(f.name) + "' in window){ window." + call + "; }";
   }
-  return {};
+  return call;
 }
 
 }  // namespace websdk

@@ -356,8 +356,9 @@ JSON family() {
 // Each argument gets a telling sample (strings their own name, booleans true,
 // numbers 1.5), so a reader of the script text can see where each one lands.
 template <class Model>
-JSONArray fillArguments(Model& model) {
+JSONArray fillArguments(Model& model, const PageFunction& function) {
   JSONArray arguments;
+  std::size_t i = 0;
   std::apply(
       [&](const auto&... f) {
         auto fill = [&](const auto& field) {
@@ -375,6 +376,7 @@ JSONArray fillArguments(Model& model) {
             value = std::string(field.name);
             argument.emplace("type", "string");
           }
+          argument.emplace("written", rawValue(function.arguments[i++]));
           arguments.push_back(std::move(argument));
         };
         (fill(f), ...);
@@ -386,14 +388,16 @@ JSONArray fillArguments(Model& model) {
 template <WebSDKJSFunctionTypeCase C>
 JSON pageFunction() {
   using T = WebSDKJSFunctionType;
+  constexpr PageFunction function = T::pageFunction(C);
   JSONObject out;
   out.emplace("case", rawValue(C));
+  out.emplace("function", function.name);
   if constexpr (requires { T::template make<C>(); }) {
     out.emplace("script", T::template make<C>().script());
     out.emplace("arguments", JSONArray{});
   } else {
     typename T::template ModelOf<C> model{};
-    JSONArray arguments = fillArguments(model);
+    JSONArray arguments = fillArguments(model, function);
     out.emplace("script", T::template make<C>(model).script());
     out.emplace("arguments", std::move(arguments));
   }

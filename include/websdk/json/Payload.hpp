@@ -118,6 +118,17 @@ class TaggedPayload {
     return case_ == C ? std::get_if<slot<C>()>(&value_) : nullptr;
   }
 
+  /// Calls `f` with a pointer to what this payload carries; not at all when
+  /// it carries nothing.
+  template <class F>
+  void visitCarried(F&& f) const {
+    std::visit(
+        [&](const auto& carried) {
+          if constexpr (!std::is_same_v<std::remove_cvref_t<decltype(carried)>, std::monostate>) f(&carried);
+        },
+        value_);
+  }
+
   /// {"case": name, "model": {...}}; the model is left out when there is none.
   JSON describe() const {
     JSONObject out;

@@ -1,6 +1,8 @@
 #pragma once
-// The events native code pushes to the page on its own initiative: each case
-// knows the exact call text of its page function. Arguments are spliced in
+// The events native code pushes to the page on its own initiative. Each case
+// is one row of a table: the page function it calls, how the call is guarded,
+// and how each argument is written; the call text and the contract tools'
+// page-function list both come from that row. Text arguments are spliced in
 // verbatim (nothing is escaped), so callers pass text without single quotes,
 // backslashes or line breaks.
 
@@ -8,9 +10,11 @@
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Payload.hpp"
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace websdk {
 
@@ -62,6 +66,33 @@ WEBSDK_NAMED_CASES(WebSDKJSFunctionTypeCase, keyboardStateChanged, onScreenVisib
                    updateScratchCardsData, globalJSBridgeHandler, getPXCartCallback, handleSwipeGesture,
                    onHalfCardBackgroundTap, updateLocationHeader, pageResume)
 
+/// How an argument is written into the call text.
+enum class PageArgument {
+  text,        // 'value'
+  quotedBool,  // 'true' or 'false'
+  boolean,     // true or false
+  number,      // the shortest decimal text
+  tail,        // the rest of the call, closing parenthesis included, as given
+};
+constexpr auto rawValues(PageArgument) {
+  using enum PageArgument;
+  return rawValueTable<PageArgument>(
+      {{text, "text"}, {quotedBool, "quotedBool"}, {boolean, "boolean"}, {number, "number"}, {tail, "tail"}});
+}
+
+/// How the call is made: always, only when the page defines the function
+/// (`window.f && window.f()`), or inside `if ('f' in window){ window.f(...); }`.
+enum class PageCallGuard { none, whenDefined, whenInWindow };
+
+/// One page function: its name, its guard, what separates its arguments and
+/// how each argument of the case's record is written, in the record's order.
+struct PageFunction {
+  std::string_view name;
+  PageCallGuard guard = PageCallGuard::none;
+  std::string_view separator = ",";
+  std::array<PageArgument, 2> arguments{};
+};
+
 class WEBSDK_EXPORT WebSDKJSFunctionType
     : public TaggedPayload<WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
                            Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,
@@ -106,6 +137,30 @@ class WEBSDK_EXPORT WebSDKJSFunctionType
   static WebSDKJSFunctionType onHalfCardBackgroundTap() { return make<Case::onHalfCardBackgroundTap>(); }
   static WebSDKJSFunctionType updateLocationHeader() { return make<Case::updateLocationHeader>(); }
   static WebSDKJSFunctionType pageResume() { return make<Case::pageResume>(); }
+
+  /// The page function case C calls.
+  static constexpr PageFunction pageFunction(Case c) {
+    using enum PageArgument;
+    using enum PageCallGuard;
+    switch (c) {
+      case Case::keyboardStateChanged: return {"keyboardStateChanged", whenInWindow, ",", {boolean, number}};
+      case Case::onScreenVisibility: return {"onScreenVisibility", none, ",", {boolean}};
+      case Case::openDeeplink: return {"openDeeplink", none, ",", {text}};
+      case Case::userStateChange: return {"LOGIN_STATE_CHANGED", none, ",", {quotedBool}};
+      case Case::allowNativeBottomBarExit: return {"allowNativeBottomBarExit", none, ",", {text}};
+      case Case::searchQueryInput: return {"SEARCH_QUERY_INPUT", none, ",", {tail}};
+      case Case::menuListInteracted: return {"swipeBottomsheet", none, ",", {boolean, boolean}};
+      case Case::handlePXSearchActions: return {"HANDLE_PX_SEARCH_ACTIONS", none, ", ", {text, text}};
+      case Case::updateScratchCardsData: return {"updateScratchCardsData", none, ",", {text}};
+      case Case::globalJSBridgeHandler: return {"globalJSBridgeHandler", none, ",", {text}};
+      case Case::getPXCartCallback: return {"BUILD_PX_CART"};
+      case Case::handleSwipeGesture: return {"handleHardwareBack"};
+      case Case::onHalfCardBackgroundTap: return {"onHalfCardBackgroundTap"};
+      case Case::updateLocationHeader: return {"UPDATE_SELECTED_ADDRESS"};
+      case Case::pageResume: return {"pageResume", whenDefined};
+    }
+    return {};
+  }
 
   /// The call text evaluated in the page.
   std::string script() const;

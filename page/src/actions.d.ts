@@ -58,7 +58,7 @@ export interface WebSDKActionPayloads {
     message: string;
     /** strictString */
     title?: string;
-    /** looked up */
+    /** array */
     buttonLabels?: Array<{
       /** strictString */
       text?: string;
@@ -108,6 +108,8 @@ export interface WebSDKActionPayloads {
     type: "screen" | "deeplink";
     /** strictString; required */
     link: string;
+    /** stringMap */
+    httpHeaders?: Record<string, string | number | boolean>;
     /** object */
     params?: {
       /** strictString */
@@ -145,8 +147,6 @@ export interface WebSDKActionPayloads {
       /** lenientBool */
       isPXOrder?: boolean | number | string;
     };
-    /** stringMap */
-    httpHeaders?: Record<string, string | number | boolean>;
     /** array */
     analyticsFunnel?: unknown[];
   };
@@ -156,14 +156,14 @@ export interface WebSDKActionPayloads {
   "WEB_NAVIGATE": {
     /** strictString; required */
     url: string;
-    /** strictString */
-    callbackUrl?: string;
     /** strictBool */
     openAsExternal?: boolean;
     /** strictBool */
     showLoader?: boolean;
     /** strictBool */
     showBack?: boolean;
+    /** strictString */
+    callbackUrl?: string;
     /** stringMap */
     headers?: Record<string, string | number | boolean>;
     /** strictString */
@@ -173,13 +173,19 @@ export interface WebSDKActionPayloads {
   };
   /** generic: showHeader; payload optional */
   "SHOW_HEADER": {
+    /** lenientBool */
+    show?: boolean | number | string;
+    /** strictString */
+    title?: string;
+    /** strictString */
+    backURL?: string;
     /** object */
     backAlert?: {
       /** strictString */
       message?: string;
       /** strictString */
       title?: string;
-      /** looked up */
+      /** array */
       buttonLabels?: Array<{
         /** strictString */
         text?: string;
@@ -189,6 +195,8 @@ export interface WebSDKActionPayloads {
         id?: string;
       }>;
     };
+    /** enumeration */
+    titleAlignment?: "LEFT" | "RIGHT" | "CENTER";
     /** object */
     trailingAlert?: {
       /** strictString */
@@ -201,7 +209,7 @@ export interface WebSDKActionPayloads {
       message?: string;
       /** strictString */
       url?: string;
-      /** looked up */
+      /** array */
       buttonLabels?: Array<{
         /** strictString */
         text?: string;
@@ -211,14 +219,6 @@ export interface WebSDKActionPayloads {
         id?: string;
       }>;
     };
-    /** lenientBool */
-    show?: boolean | number | string;
-    /** strictString */
-    title?: string;
-    /** strictString */
-    backURL?: string;
-    /** enumeration */
-    titleAlignment?: "LEFT" | "RIGHT" | "CENTER";
   };
   /** generic: storage; payload required */
   "STORAGE": {
@@ -296,7 +296,7 @@ export interface WebSDKActionPayloads {
     storeId?: string;
     /** strictString */
     userContext?: string;
-    /** looked up */
+    /** array */
     disabledAnnotationTags?: Array<string | number | boolean>;
   };
   /** generic: sendCleverTapEvent; payload required */
@@ -319,7 +319,7 @@ export interface WebSDKActionPayloads {
   "EDIT_ADDRESS": {
     /** raw */
     address?: unknown;
-    /** looked up */
+    /** array */
     enabled?: Array<string | number | boolean>;
     /** strictString */
     focused?: string;
@@ -340,10 +340,10 @@ export interface WebSDKActionPayloads {
   };
   /** generic: editDirections; payload required */
   "EDIT_DIRECTIONS_TO_REACH": {
-    /** lenientBool */
-    enable_voice_directions?: boolean | number | string;
     /** raw */
     address?: unknown;
+    /** lenientBool */
+    enable_voice_directions?: boolean | number | string;
   };
   /** generic: checkCameraPermission; payload optional */
   "IOS_CHECK_CAMERA_PERMISSION": Record<string, unknown>;
@@ -441,9 +441,9 @@ export interface WebSDKActionPayloads {
   };
   /** generic: getConfigValue; payload required */
   "GET_CONFIG_VALUE": {
-    /** looked up */
+    /** array */
     xpKeyList?: Array<string | number | boolean>;
-    /** looked up */
+    /** array */
     wpKeyList?: Array<string | number | boolean>;
   };
   /** generic: updateLiveActivity; payload required */
@@ -523,16 +523,16 @@ export interface WebSDKActionPayloads {
   };
   /** generic: getInstalledApps; payload required */
   "GET_INSTALLED_APPS": {
-    /** looked up */
+    /** array */
     apps?: Array<string | number | boolean>;
   };
   /** generic: mediaUpload; payload required */
   "iOS_MEDIA_UPLOAD": {
-    /** looked up */
+    /** array */
     sources?: Array<string | number | boolean>;
-    /** looked up */
+    /** array */
     galleryMediaTypes?: Array<string | number | boolean>;
-    /** looked up */
+    /** array */
     fileTypes?: Array<string | number | boolean>;
   };
   /** generic: trackEvent; payload required */
@@ -600,10 +600,10 @@ export interface WebSDKActionPayloads {
   };
   /** generic: submitUploadedFiles; payload required */
   "SUBMIT_UPLOADED_FILES": {
+    /** array */
+    s3Links?: Array<string | number | boolean>;
     /** stringMap */
     input?: Record<string, string | number | boolean>;
-    /** looked up */
-    s3Links?: Array<string | number | boolean>;
   };
   /** generic: getGPSLocation; payload optional */
   "GET_GPS_LOCATION": Record<string, unknown>;

@@ -48,7 +48,9 @@ std::int64_t saturate(double d) {
   return static_cast<std::int64_t>(std::clamp(std::trunc(d), lo, hi));
 }
 
-std::string lenientStringOf(const JSON* v) {
+}  // namespace
+
+std::string lenientString(const JSON* v) {
   if (v == nullptr) return {};
   switch (v->kind()) {
     case boost::json::kind::string: return std::string(v->get_string());
@@ -60,7 +62,7 @@ std::string lenientStringOf(const JSON* v) {
   }
 }
 
-std::int64_t lenientIntOf(const JSON* v) {
+std::int64_t lenientInt(const JSON* v) {
   if (v == nullptr) return 0;
   switch (v->kind()) {
     case boost::json::kind::int64: return v->get_int64();
@@ -80,7 +82,7 @@ std::int64_t lenientIntOf(const JSON* v) {
   }
 }
 
-std::optional<double> numberOf(const JSON* v) {
+std::optional<double> number(const JSON* v) {
   if (v == nullptr) return std::nullopt;
   switch (v->kind()) {
     case boost::json::kind::int64: return static_cast<double>(v->get_int64());
@@ -91,22 +93,13 @@ std::optional<double> numberOf(const JSON* v) {
   }
 }
 
-}  // namespace
-
-std::string lenientString(const JSON* v) {
-  detail::observe(v, ReadingKind::lenientString);
-  return lenientStringOf(v);
-}
-
 std::optional<std::string> strictString(const JSON* v) {
-  detail::observe(v, ReadingKind::strictString);
   if (v == nullptr) return std::nullopt;
   if (const auto* s = v->if_string()) return std::string(*s);
   return std::nullopt;
 }
 
 bool lenientBool(const JSON* v) {
-  detail::observe(v, ReadingKind::lenientBool);
   if (v == nullptr) return false;
   switch (v->kind()) {
     case boost::json::kind::bool_: return v->get_bool();
@@ -128,55 +121,39 @@ bool lenientBool(const JSON* v) {
 }
 
 std::optional<bool> strictBool(const JSON* v) {
-  detail::observe(v, ReadingKind::strictBool);
   if (v == nullptr) return std::nullopt;
   if (const auto* b = v->if_bool()) return *b;
   return std::nullopt;
 }
 
-std::int64_t lenientInt(const JSON* v) {
-  detail::observe(v, ReadingKind::lenientInt);
-  return lenientIntOf(v);
-}
-
-std::optional<double> number(const JSON* v) {
-  detail::observe(v, ReadingKind::number);
-  return numberOf(v);
-}
-
 double lenientDouble(const JSON* v) {
-  detail::observe(v, ReadingKind::lenientDouble);
   if (v == nullptr) return 0;
   if (const auto* s = v->if_string()) return parseNumber(*s).value_or(0);
-  return numberOf(v).value_or(0);
+  return number(v).value_or(0);
 }
 
 std::optional<std::int64_t> integer(const JSON* v) {
-  detail::observe(v, ReadingKind::integer);
   if (v == nullptr || v->is_string()) return std::nullopt;
-  if (!numberOf(v)) return std::nullopt;
-  return lenientIntOf(v);
+  if (!number(v)) return std::nullopt;
+  return lenientInt(v);
 }
 
 std::optional<JSONObject> object(const JSON* v) {
-  detail::observe(v, ReadingKind::object);
   if (v == nullptr) return std::nullopt;
   if (const auto* o = v->if_object()) return *o;
   return std::nullopt;
 }
 
 std::optional<JSONArray> array(const JSON* v) {
-  detail::observe(v, ReadingKind::array);
   if (v == nullptr) return std::nullopt;
   if (const auto* a = v->if_array()) return *a;
   return std::nullopt;
 }
 
 std::optional<std::map<std::string, std::string>> stringMap(const JSON* v) {
-  detail::observe(v, ReadingKind::stringMap);
   if (v == nullptr || !v->is_object()) return std::nullopt;
   std::map<std::string, std::string> out;
-  for (const auto& member : v->get_object()) out.emplace(member.key(), lenientStringOf(&member.value()));
+  for (const auto& member : v->get_object()) out.emplace(member.key(), lenientString(&member.value()));
   return out;
 }
 
@@ -188,8 +165,25 @@ std::optional<std::vector<std::string>> stringList(const JSON* v) {
   return out;
 }
 
+bool yesText(const JSON* v) {
+  const std::string text = lenientString(v);
+  return text == "True" || text == "true" || text == "yes" || text == "1";
+}
+
+std::optional<std::int64_t> wholeNumberText(const JSON* v) {
+  const std::string whole = lenientString(v);
+  std::string_view text = whole;
+  if (!text.empty() && text.front() == '+') {
+    text.remove_prefix(1);
+    if (text.empty() || text.front() < '0' || text.front() > '9') return std::nullopt;  // "+-5", "+"
+  }
+  std::int64_t value = 0;
+  const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (ec != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
 std::optional<JSON> raw(const JSON* v) {
-  detail::observe(v, ReadingKind::raw);
   if (v == nullptr) return std::nullopt;
   return *v;
 }

@@ -3,19 +3,16 @@
 // each one decodes to and the keys its model reads (with their readings and
 // whether they are required), and the page functions native code calls.
 //
-// Readers are plain functions, so the keys are learned by running them: each
-// action's readers run over sample payloads while a ReadingObserver notes
-// every key looked up and every reading made. A key nobody looked up becomes
-// part of the next sample, shaped after the readings it drew, until a round
-// learns nothing new. A key is required when the action no longer decodes
-// without it.
+// Nothing is run to learn it: each family's action table names its rows'
+// models, and each model's declaration is its schema. A key is required when
+// the action does not decode without it.
 
 #include "websdk/json/JSON.hpp"
 
 namespace websdk::inspect {
 
 /// {"families": [{"name", "actions": [{"action", "case", "payload", "fields"}]}],
-///  "pageFunctions": [{"case", "script", "arguments"}]}
+///  "pageFunctions": [{"case", "function", "script", "arguments": [{"name", "type", "written"}]}]}
 JSON catalogue();
 
 }  // namespace websdk::inspect

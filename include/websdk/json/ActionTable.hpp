@@ -44,7 +44,10 @@ namespace detail {
 /// A row's model read from a payload by the model's own reader.
 template <class Model>
 std::optional<Model> readCarried(const std::optional<JSONObject>& payload) {
-  if constexpr (requires { typename Model::element_type; }) {
+  if constexpr (IsOptional<Model>::value) {
+    // A case that carries its model when it decodes, and is there without it.
+    return Model(Model::value_type::from(payload));
+  } else if constexpr (requires { typename Model::element_type; }) {
     auto model = Model::element_type::from(payload);
     if (!model) return std::nullopt;
     return std::make_shared<typename Model::element_type>(std::move(*model));

@@ -72,6 +72,12 @@ inline constexpr Required required{};
 /// (not nothing) when the reading gives nothing.
 struct OrEmpty {};
 inline constexpr OrEmpty orEmpty{};
+/// Field options: the field is read only when its key holds an object
+/// (`ifObject`), or is present and not null (`ifGiven`); otherwise the member
+/// keeps its default.
+enum class ReadOnly { always, ifObject, ifGiven };
+inline constexpr auto ifObject = ReadOnly::ifObject;
+inline constexpr auto ifGiven = ReadOnly::ifGiven;
 
 template <class T>
 concept Declared = requires {
@@ -126,6 +132,29 @@ WEBSDK_DETAIL_SCALAR_READING(stringMap);
 WEBSDK_DETAIL_SCALAR_READING(raw);
 #undef WEBSDK_DETAIL_SCALAR_READING
 
+/// Readings of a value's lenient text (the contract shows them as lenient
+/// strings): a yes (yesText), or a whole decimal number (wholeNumberText).
+struct YesTextReading {
+  static constexpr ReadingKind kind = ReadingKind::lenientString;
+  template <class V>
+  static auto read(const JSON* v) {
+    return ::websdk::yesText(v);
+  }
+};
+inline constexpr YesTextReading yesText{};
+struct WholeNumberTextReading {
+  static constexpr ReadingKind kind = ReadingKind::lenientString;
+  template <class V>
+  static auto read(const JSON* v) {
+    return ::websdk::wholeNumberText(v);
+  }
+};
+inline constexpr WholeNumberTextReading wholeNumberText{};
+
+/// Reads no key: the member keeps its default.
+struct UnreadReading {};
+inline constexpr UnreadReading unread{};
+
 /// One of the member's enumeration's raw values.
 struct EnumerationReading {
   static constexpr ReadingKind kind = ReadingKind::enumeration;
@@ -148,7 +177,7 @@ inline constexpr ModelReading model{};
 
 /// An array whose every element the element reading takes; nothing unless the
 /// value is an array, and nothing when a reading that can refuse refuses one.
-template <class Element>
+template <class Element, bool dropRefused = false>
 struct ListReading {
   static constexpr ReadingKind kind = ReadingKind::array;
   using ElementReading = Element;
@@ -161,8 +190,10 @@ struct ListReading {
     for (const auto& e : *list) {
       auto item = Element::template read<typename V::value_type>(&e);
       if constexpr (detail::IsOptional<decltype(item)>::value) {
-        if (!item) return std::nullopt;
-        out.push_back(std::move(*item));
+        if (item)
+          out.push_back(std::move(*item));
+        else if (!dropRefused)
+          return std::nullopt;
       } else {
         out.push_back(std::move(item));
       }
@@ -174,6 +205,8 @@ inline constexpr ListReading<lenientStringReading> stringList{};
 inline constexpr ListReading<strictStringReading> strictStringList{};
 inline constexpr ListReading<lenientIntReading> intList{};
 inline constexpr ListReading<ModelReading> modelList{};
+/// The elements the member's element model decodes from; the others dropped.
+inline constexpr ListReading<ModelReading, true> modelsThatDecode{};
 
 /// The payload dictionary itself, as received (no key of its own).
 struct WholePayloadReading {};
@@ -189,6 +222,7 @@ struct ModelField {
   std::string_view path;  // the key decoding reads ("a.b": b inside the object under a)
   bool required = false;
   bool orEmpty = false;
+  ReadOnly only = ReadOnly::always;
   using Reading = R;
 };
 
@@ -206,10 +240,14 @@ template <class F>
 constexpr void applyOption(F& f, OrEmpty) {
   f.orEmpty = true;
 }
+template <class F>
+constexpr void applyOption(F& f, ReadOnly only) {
+  f.only = only;
+}
 
 template <class T, class M, class R, class... O>
 constexpr ModelField<T, M, R> modelField(std::string_view name, M T::*member, R, O... options) {
-  ModelField<T, M, R> f{name, member, name, name, false, false};
+  ModelField<T, M, R> f{name, member, name, name, false, false, ReadOnly::always};
   (applyOption(f, options), ...);
   return f;
 }
@@ -241,8 +279,12 @@ bool readField(Fields fields, const ModelField<T, M, R>& f, T& out, bool strict)
   if constexpr (std::is_same_v<R, reading::WholePayloadReading>) {
     if (fields.dictionary() != nullptr) member = *fields.dictionary();
     return true;
+  } else if constexpr (std::is_same_v<R, reading::UnreadReading>) {
+    return true;
   } else {
     const JSON* v = lookUp(fields, f.path);
+    if (f.only == ReadOnly::ifObject && (v == nullptr || !v->is_object())) return true;
+    if (f.only == ReadOnly::ifGiven && (v == nullptr || v->is_null())) return true;
     auto value = R::template read<UnwrappedT<M>>(v);
     if constexpr (IsOptional<decltype(value)>::value) {
       if (value) {
@@ -278,6 +320,9 @@ std::optional<T> decodeModel(Fields payload) {
   const bool ok = std::apply([&](const auto&... f) { return (detail::readField(payload, f, out, rule.strict) && ...); },
                              T::fields());
   if (!ok) return std::nullopt;
+  // A rule across fields, which no single reading can say.
+  if constexpr (requires { out.isValid(); })
+    if (!out.isValid()) return std::nullopt;
   return out;
 }
 

@@ -7,11 +7,9 @@
 #include "websdk/json/JSON.hpp"
 
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,39 +49,6 @@ constexpr auto rawValues(ReadingKind) {
                                      {enumeration, "enumeration"}});
 }
 
-/// Watches readers at work: told of every key a `Fields` view looks up and of
-/// every reading applied to a present value. websdk-inspect installs one to
-/// learn which keys each request model reads; with none installed a lookup
-/// or reading costs one relaxed load more.
-class WEBSDK_EXPORT ReadingObserver {
- public:
-  virtual ~ReadingObserver() = default;
-  virtual void lookedUp(const JSONObject& object, std::string_view key) = 0;
-  /// `cases` lists the raw values an enumeration reading accepts.
-  virtual void read(const JSON& value, ReadingKind reading, std::span<const std::string_view> cases) = 0;
-};
-
-namespace detail {
-WEBSDK_EXPORT inline std::atomic<ReadingObserver*> readingObserver{nullptr};  // one for the program and every library
-inline ReadingObserver* observer() { return readingObserver.load(std::memory_order_relaxed); }
-inline void observe(const JSON* v, ReadingKind reading, std::span<const std::string_view> cases = {}) {
-  if (ReadingObserver* o = observer(); o != nullptr && v != nullptr) [[unlikely]]
-    o->read(*v, reading, cases);
-}
-template <class E>
-inline constexpr auto caseNames = [] {
-  std::array<std::string_view, caseCount<E>()> names{};
-  for (std::size_t i = 0; i < names.size(); ++i) names[i] = enumTable<E>[i].raw;
-  return names;
-}();
-}  // namespace detail
-
-/// Installs `observer` for the whole process (nullptr removes it) and returns
-/// the one installed before. Readers must not run on other threads meanwhile.
-inline ReadingObserver* setReadingObserver(ReadingObserver* observer) {
-  return detail::readingObserver.exchange(observer, std::memory_order_relaxed);
-}
-
 /// A string gives itself, a number its decimal text (5 -> "5", 5.5 -> "5.5"),
 /// a bool "true"/"false", anything else "".
 WEBSDK_EXPORT std::string lenientString(const JSON* v);
@@ -113,13 +78,18 @@ WEBSDK_EXPORT std::optional<std::map<std::string, std::string>> stringMap(const 
 /// An array's elements as strings (each by the lenient string reading); nothing
 /// unless the value is an array.
 WEBSDK_EXPORT std::optional<std::vector<std::string>> stringList(const JSON* v);
+/// Whether the value's lenient text is a yes: "true", "True", "yes" or "1"
+/// (so a JSON true and 1 are yes too).
+WEBSDK_EXPORT bool yesText(const JSON* v);
+/// The whole decimal number the value's lenient text spells (an optional sign,
+/// then digits only); nothing otherwise, or when out of range.
+WEBSDK_EXPORT std::optional<std::int64_t> wholeNumberText(const JSON* v);
 /// The value as it stands (JSON null included); nothing only when absent.
 WEBSDK_EXPORT std::optional<JSON> raw(const JSON* v);
 /// A JSON string that is one of E's raw values.
 template <class E>
 std::optional<E> enumeration(const JSON* v) {
   if (v == nullptr) return std::nullopt;
-  detail::observe(v, ReadingKind::enumeration, detail::caseNames<E>);
   if (const auto* s = v->if_string()) return fromRawValue<E>(std::string_view(*s));
   return std::nullopt;
 }
@@ -132,10 +102,7 @@ class WEBSDK_EXPORT Fields {
   Fields(const JSONObject* object) : object_(object) {}
   Fields(const std::optional<JSONObject>& object) : object_(object ? &*object : nullptr) {}
   /// A view of `v` when it is an object, else an absent dictionary.
-  static Fields of(const JSON* v) {
-    detail::observe(v, ReadingKind::object);
-    return Fields(v ? v->if_object() : nullptr);
-  }
+  static Fields of(const JSON* v) { return Fields(v ? v->if_object() : nullptr); }
 
   /// No dictionary at all.
   bool absent() const { return object_ == nullptr; }
@@ -147,8 +114,6 @@ class WEBSDK_EXPORT Fields {
   /// The value under `key`, or nullptr.
   const JSON* operator[](std::string_view key) const {
     if (object_ == nullptr) return nullptr;
-    if (ReadingObserver* o = detail::observer()) [[unlikely]]
-      o->lookedUp(*object_, key);
     return object_->if_contains(key);
   }
   /// The dictionary under `key` (absent unless it is an object).

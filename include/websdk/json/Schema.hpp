@@ -71,7 +71,8 @@ inline JSONObject& entryFor(JSONArray& fields, std::string_view key, bool requir
 /// Adds field `f` to `fields`, inside the entries its dotted path names.
 template <class T, class M, class R>
 void addField(JSONArray& fields, const ModelField<T, M, R>& f, bool reached, std::string_view within) {
-  if constexpr (std::is_same_v<R, reading::WholePayloadReading>) return;  // reads no key
+  if constexpr (std::is_same_v<R, reading::WholePayloadReading> || std::is_same_v<R, reading::UnreadReading>)
+    return;  // reads no key
   JSONArray* into = &fields;
   std::string_view path = f.path;
   for (auto dot = path.find('.'); dot != std::string_view::npos; dot = path.find('.')) {

@@ -4,7 +4,7 @@
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <cstdint>
 #include <map>
@@ -20,8 +20,7 @@ struct WEBSDK_EXPORT WebSDKTrackEventRequestModel {
   std::string eventName;
   std::optional<JSONObject> eventParams;
 
-  static std::optional<WebSDKTrackEventRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKTrackEventRequestModel, eventName, eventParams)
+  WEBSDK_MODEL(WebSDKTrackEventRequestModel, anyPayload, (eventName, lenientString, required), (eventParams, object))
 };
 
 /// A CleverTap event. Stricter than the tracker: fails unless "eventName" is a
@@ -30,15 +29,15 @@ struct WEBSDK_EXPORT WebSDKSendClevertapEventRequestModel {
   std::string eventName;
   std::optional<JSONObject> eventParams;
 
-  static std::optional<WebSDKSendClevertapEventRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSendClevertapEventRequestModel, eventName, eventParams)
+  WEBSDK_MODEL(WebSDKSendClevertapEventRequestModel, anyPayload, (eventName, strictString, required),
+               (eventParams, object, "params"))
 };
 
 struct WEBSDK_EXPORT FrequencyCapping {
   std::optional<bool> cappingEnabled;
   std::optional<std::string> cappingMode;
 
-  WEBSDK_RECORD(FrequencyCapping, cappingEnabled, cappingMode)
+  WEBSDK_MODEL(FrequencyCapping, needsPayload, (cappingEnabled, lenientBool), (cappingMode, strictString))
 };
 
 /// Read from the object under "frequencyCappingInfo"; fails without one.
@@ -48,8 +47,11 @@ struct WEBSDK_EXPORT WebSDKSendFrequencyCappingEventRequestModel {
   std::optional<std::string> entityType;
   std::optional<bool> isRealTime;
 
-  static std::optional<WebSDKSendFrequencyCappingEventRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSendFrequencyCappingEventRequestModel, frequencyCapping, entityId, entityType, isRealTime)
+  WEBSDK_MODEL(WebSDKSendFrequencyCappingEventRequestModel, within("frequencyCappingInfo"),
+               (frequencyCapping, model, "frequencyCappingInfo.frequencyCapping"),
+               (entityId, strictString, "frequencyCappingInfo.entityId"),
+               (entityType, strictString, "frequencyCappingInfo.entityType"),
+               (isRealTime, lenientBool, "frequencyCappingInfo.isRealTime"))
 };
 
 /// Where media may be picked from and which kinds. Fails only without a
@@ -59,8 +61,8 @@ struct WEBSDK_EXPORT WebSDKMediaUploadRequestModel {
   std::optional<std::vector<std::string>> galleryMediaTypes;
   std::optional<std::vector<std::string>> fileTypes;
 
-  static std::optional<WebSDKMediaUploadRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKMediaUploadRequestModel, sources, galleryMediaTypes, fileTypes)
+  WEBSDK_MODEL(WebSDKMediaUploadRequestModel, needsPayload, (sources, stringList), (galleryMediaTypes, stringList),
+               (fileTypes, stringList))
 };
 
 /// A file to download. Fails only without a payload dictionary.
@@ -69,8 +71,8 @@ struct WEBSDK_EXPORT WebSDKMediaDownloadRequestModel {
   std::optional<std::string> fileNameWithExtension;
   std::optional<bool> isSignedURL;
 
-  static std::optional<WebSDKMediaDownloadRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKMediaDownloadRequestModel, url, fileNameWithExtension, isSignedURL)
+  WEBSDK_MODEL(WebSDKMediaDownloadRequestModel, needsPayload, (url, strictString),
+               (fileNameWithExtension, strictString), (isSignedURL, strictBool))
 };
 
 /// Uploaded files to submit: `submitUrls` from "s3Links", `input` from the
@@ -79,8 +81,8 @@ struct WEBSDK_EXPORT WebSDKSubmitUploadedFilesRequestModel {
   std::optional<std::vector<std::string>> submitUrls;
   std::map<std::string, std::string> input;
 
-  static std::optional<WebSDKSubmitUploadedFilesRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSubmitUploadedFilesRequestModel, submitUrls, input)
+  WEBSDK_MODEL(WebSDKSubmitUploadedFilesRequestModel, needsPayload, (submitUrls, stringList, "s3Links"),
+               (input, stringMap))
 };
 
 /// Quiz progress, read from the object under "params". Fails without that
@@ -94,9 +96,11 @@ struct WEBSDK_EXPORT WebSDKQuizProgressUpdateModel {
   std::optional<bool> appNavigationEnabled;
   std::optional<JSON> metaData;
 
-  static std::optional<WebSDKQuizProgressUpdateModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKQuizProgressUpdateModel, quizName, totalQuestions, attemptedQuestions, flowType,
-                appNavigationEnabled, metaData)
+  WEBSDK_MODEL(WebSDKQuizProgressUpdateModel, within("params"), (quizName, lenientString, "params.quizName"),
+               (totalQuestions, wholeNumberText, "params.totalQuestions", required),
+               (attemptedQuestions, wholeNumberText, "params.attemptedQuestions", required),
+               (flowType, strictString, "params.flowType"),
+               (appNavigationEnabled, strictBool, "params.appNavigationEnabled"), (metaData, raw, "params.metaData"))
 };
 
 /// The order shown in the live activity. Fails only without a payload
@@ -107,8 +111,8 @@ struct WEBSDK_EXPORT WebSDKUpdateLiveActivityRequestModel {
   std::string eta;
   std::string progressPercentage;
 
-  static std::optional<WebSDKUpdateLiveActivityRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKUpdateLiveActivityRequestModel, orderId, orderStatus, eta, progressPercentage)
+  WEBSDK_MODEL(WebSDKUpdateLiveActivityRequestModel, needsPayload, (orderId, lenientString),
+               (orderStatus, lenientString), (eta, lenientString), (progressPercentage, lenientString))
 };
 
 /// Remote configuration keys to look up. Fails only without a payload dictionary.
@@ -116,16 +120,14 @@ struct WEBSDK_EXPORT WebSDKGetConfigValueRequestModel {
   std::optional<std::vector<std::string>> xpKeyList;
   std::optional<std::vector<std::string>> wpKeyList;
 
-  static std::optional<WebSDKGetConfigValueRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetConfigValueRequestModel, xpKeyList, wpKeyList)
+  WEBSDK_MODEL(WebSDKGetConfigValueRequestModel, needsPayload, (xpKeyList, stringList), (wpKeyList, stringList))
 };
 
 /// Apps whose presence a page asks about. Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKInstalledAppsRequestModel {
   std::optional<std::vector<std::string>> apps;
 
-  static std::optional<WebSDKInstalledAppsRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKInstalledAppsRequestModel, apps)
+  WEBSDK_MODEL(WebSDKInstalledAppsRequestModel, needsPayload, (apps, stringList))
 };
 
 /// The group cart an invite, delete or leave is about. Never fails.
@@ -133,8 +135,7 @@ struct WEBSDK_EXPORT WebSDKGroupOrderRequestModel {
   std::optional<std::string> groupCartId;
   std::optional<std::string> userId;
 
-  static std::optional<WebSDKGroupOrderRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGroupOrderRequestModel, groupCartId, userId)
+  WEBSDK_MODEL(WebSDKGroupOrderRequestModel, anyPayload, (groupCartId, strictString), (userId, strictString))
 };
 
 /// Never fails; missing or non-string keys read as "".
@@ -142,8 +143,7 @@ struct WEBSDK_EXPORT WebSDKSubmitFeedbackRequestModel {
   std::string originScreen;
   std::string link;
 
-  static std::optional<WebSDKSubmitFeedbackRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSubmitFeedbackRequestModel, originScreen, link)
+  WEBSDK_MODEL(WebSDKSubmitFeedbackRequestModel, anyPayload, (originScreen, strictString), (link, strictString))
 };
 
 }  // namespace websdk

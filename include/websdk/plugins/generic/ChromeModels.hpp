@@ -7,8 +7,7 @@
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -32,18 +31,18 @@ struct WEBSDK_EXPORT ButtonMeta {
   std::string text;
   ButtonType type{};
 
-  static std::optional<ButtonMeta> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(ButtonMeta, id, text, type)
+  WEBSDK_MODEL(ButtonMeta, anyPayload, (id, strictString), (text, strictString, required),
+               (type, enumeration, required))
 };
 
 /// Fails without a string "message"; the button is labelled "ok" unless named.
 struct WEBSDK_EXPORT WebSDKDialogAlertRequestModel {
   std::string message;
   std::string title;
-  std::string buttonName;
+  std::string buttonName = "ok";
 
-  static std::optional<WebSDKDialogAlertRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKDialogAlertRequestModel, message, title, buttonName)
+  WEBSDK_MODEL(WebSDKDialogAlertRequestModel, anyPayload, (message, strictString, required), (title, strictString),
+               (buttonName, strictString))
 };
 
 /// Fails without a string "message". `buttons` come from the "buttonLabels"
@@ -53,8 +52,8 @@ struct WEBSDK_EXPORT WebSDKDialogConfirmRequestModel {
   std::string message;
   std::optional<std::vector<ButtonMeta>> buttons;
 
-  static std::optional<WebSDKDialogConfirmRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKDialogConfirmRequestModel, title, message, buttons)
+  WEBSDK_MODEL(WebSDKDialogConfirmRequestModel, anyPayload, (title, strictString), (message, strictString, required),
+               (buttons, modelsThatDecode, "buttonLabels"))
 };
 
 // ---- Native header -----------------------------------------------------------
@@ -74,8 +73,9 @@ struct WEBSDK_EXPORT WebSDKShowHeaderTrailingDataModel {
   std::optional<std::string> url;
   std::optional<std::vector<ButtonMeta>> buttons;
 
-  static std::optional<WebSDKShowHeaderTrailingDataModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKShowHeaderTrailingDataModel, iconToken, iconImgId, title, message, url, buttons)
+  WEBSDK_MODEL(WebSDKShowHeaderTrailingDataModel, anyPayload, (iconToken, strictString), (iconImgId, strictString),
+               (title, strictString), (message, strictString), (url, strictString),
+               (buttons, modelsThatDecode, "buttonLabels"))
 };
 
 /// Never fails: `show` defaults to false, and a back alert, alignment or
@@ -88,8 +88,8 @@ struct WEBSDK_EXPORT WebSDKShowHeaderModel {
   std::optional<Alignment> titleAlignment;
   std::optional<WebSDKShowHeaderTrailingDataModel> trailingAlert;
 
-  static std::optional<WebSDKShowHeaderModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKShowHeaderModel, show, title, backURL, backAlert, titleAlignment, trailingAlert)
+  WEBSDK_MODEL(WebSDKShowHeaderModel, anyPayload, (show, lenientBool), (title, strictString), (backURL, strictString),
+               (backAlert, model), (titleAlignment, enumeration), (trailingAlert, model, ifObject))
 };
 
 // ---- Storage -----------------------------------------------------------------
@@ -105,8 +105,7 @@ struct WEBSDK_EXPORT WebSDKWebStorageRequestModel {
   StorageMethodType type{};
   JSONObject data;
 
-  static std::optional<WebSDKWebStorageRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKWebStorageRequestModel, type, data)
+  WEBSDK_MODEL(WebSDKWebStorageRequestModel, anyPayload, (type, enumeration, required), (data, object, required))
 };
 
 // ---- Small chrome requests ---------------------------------------------------
@@ -116,48 +115,42 @@ struct WEBSDK_EXPORT WebSDKWebStorageRequestModel {
 struct WEBSDK_EXPORT WebSDKStatusBarChangeRequestModel {
   std::string style;
 
-  static std::optional<WebSDKStatusBarChangeRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKStatusBarChangeRequestModel, style)
+  WEBSDK_MODEL(WebSDKStatusBarChangeRequestModel, anyPayload, (style, strictString))
 };
 
 /// `show`: "show" read leniently ("true", "yes", 1 ... count).
 struct WEBSDK_EXPORT WebSDKToggleBottomBarRequestModel {
   bool show = false;
 
-  static std::optional<WebSDKToggleBottomBarRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKToggleBottomBarRequestModel, show)
+  WEBSDK_MODEL(WebSDKToggleBottomBarRequestModel, anyPayload, (show, lenientBool))
 };
 
 /// `isVisible`: "visible" read leniently.
 struct WEBSDK_EXPORT WebSDKIsWebBottomBarVisibleRequestModel {
   bool isVisible = false;
 
-  static std::optional<WebSDKIsWebBottomBarVisibleRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKIsWebBottomBarVisibleRequestModel, isVisible)
+  WEBSDK_MODEL(WebSDKIsWebBottomBarVisibleRequestModel, anyPayload, (isVisible, lenientBool, "visible"))
 };
 
 /// `isEnabled`: "isEnabled" read leniently.
 struct WEBSDK_EXPORT WebSDKToggleBackSwipeRequestModel {
   bool isEnabled = false;
 
-  static std::optional<WebSDKToggleBackSwipeRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKToggleBackSwipeRequestModel, isEnabled)
+  WEBSDK_MODEL(WebSDKToggleBackSwipeRequestModel, anyPayload, (isEnabled, lenientBool))
 };
 
 /// `disable`: "disable" read leniently.
 struct WEBSDK_EXPORT WebSDKDisableNativeScrollRequestModel {
   bool disable = false;
 
-  static std::optional<WebSDKDisableNativeScrollRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKDisableNativeScrollRequestModel, disable)
+  WEBSDK_MODEL(WebSDKDisableNativeScrollRequestModel, anyPayload, (disable, lenientBool))
 };
 
 /// `canShow`: "canShow" read leniently.
 struct WEBSDK_EXPORT WebSDKToggleNativeSearchBarRequestModel {
   bool canShow = false;
 
-  static std::optional<WebSDKToggleNativeSearchBarRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKToggleNativeSearchBarRequestModel, canShow)
+  WEBSDK_MODEL(WebSDKToggleNativeSearchBarRequestModel, anyPayload, (canShow, lenientBool))
 };
 
 /// `query` and `action` read leniently (a number gives its text).
@@ -165,24 +158,21 @@ struct WEBSDK_EXPORT WebSDKUpdateNativeSearchBarRequestModel {
   std::string query;
   std::string action;
 
-  static std::optional<WebSDKUpdateNativeSearchBarRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKUpdateNativeSearchBarRequestModel, query, action)
+  WEBSDK_MODEL(WebSDKUpdateNativeSearchBarRequestModel, anyPayload, (query, lenientString), (action, lenientString))
 };
 
 /// `show`: "show" read leniently.
 struct WEBSDK_EXPORT WebSDKToggleQuicksHeaderTabRequestModel {
   bool show = false;
 
-  static std::optional<WebSDKToggleQuicksHeaderTabRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKToggleQuicksHeaderTabRequestModel, show)
+  WEBSDK_MODEL(WebSDKToggleQuicksHeaderTabRequestModel, anyPayload, (show, lenientBool))
 };
 
 /// `screenName`: the string under "screenName" only.
 struct WEBSDK_EXPORT WebSDKVoiceSearchRequestModel {
   std::string screenName;
 
-  static std::optional<WebSDKVoiceSearchRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKVoiceSearchRequestModel, screenName)
+  WEBSDK_MODEL(WebSDKVoiceSearchRequestModel, anyPayload, (screenName, strictString))
 };
 
 /// Fails unless "screenCapturingDisabled" is a JSON bool: turning capture
@@ -190,16 +180,15 @@ struct WEBSDK_EXPORT WebSDKVoiceSearchRequestModel {
 struct WEBSDK_EXPORT WebSDKScreenCapturingRequestModel {
   bool isScreenCapturingDisabled = false;
 
-  static std::optional<WebSDKScreenCapturingRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKScreenCapturingRequestModel, isScreenCapturingDisabled)
+  WEBSDK_MODEL(WebSDKScreenCapturingRequestModel, anyPayload,
+               (isScreenCapturingDisabled, strictBool, "screenCapturingDisabled", required))
 };
 
 /// `active`: true only for a JSON true under "active".
 struct WEBSDK_EXPORT WebSDKAppExtensionInBackgroundRequestModel {
   bool active = false;
 
-  static std::optional<WebSDKAppExtensionInBackgroundRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKAppExtensionInBackgroundRequestModel, active)
+  WEBSDK_MODEL(WebSDKAppExtensionInBackgroundRequestModel, anyPayload, (active, strictBool))
 };
 
 /// `duration` from the number under "duration" (0 otherwise); `amplitude`
@@ -208,8 +197,7 @@ struct WEBSDK_EXPORT WebSDKVibrateRequestModel {
   std::int64_t duration = 0;
   std::string amplitude;
 
-  static std::optional<WebSDKVibrateRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKVibrateRequestModel, duration, amplitude)
+  WEBSDK_MODEL(WebSDKVibrateRequestModel, anyPayload, (duration, integer), (amplitude, strictString))
 };
 
 /// `text` and `fallback`: the strings under their keys only.
@@ -217,24 +205,21 @@ struct WEBSDK_EXPORT WebSDKWhatsappShareRequestModel {
   std::string text;
   std::string fallback;
 
-  static std::optional<WebSDKWhatsappShareRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKWhatsappShareRequestModel, text, fallback)
+  WEBSDK_MODEL(WebSDKWhatsappShareRequestModel, anyPayload, (text, strictString), (fallback, strictString))
 };
 
 /// `text`: the string under "text" only.
 struct WEBSDK_EXPORT WebSDKOpenShareSheetRequestModel {
   std::string text;
 
-  static std::optional<WebSDKOpenShareSheetRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKOpenShareSheetRequestModel, text)
+  WEBSDK_MODEL(WebSDKOpenShareSheetRequestModel, anyPayload, (text, strictString))
 };
 
 /// `text`: the string under "text" only.
 struct WEBSDK_EXPORT WebSDKCopyTextToClipboardRequestModel {
   std::string text;
 
-  static std::optional<WebSDKCopyTextToClipboardRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKCopyTextToClipboardRequestModel, text)
+  WEBSDK_MODEL(WebSDKCopyTextToClipboardRequestModel, anyPayload, (text, strictString))
 };
 
 }  // namespace websdk

@@ -5,7 +5,7 @@
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -37,9 +37,11 @@ struct WEBSDK_EXPORT WebSDKSetLocationRequestModel {
   std::optional<std::string> deliveryLocation;
   std::optional<std::string> mainText;
 
-  static std::optional<WebSDKSetLocationRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSetLocationRequestModel, id, defaultAddress, name, mobile, address, landmark, area, lat, lng,
-                isDeleted, annotation, flatNo, city, reverseGeoCodeFailed, deliveryLocation, mainText)
+  WEBSDK_MODEL(WebSDKSetLocationRequestModel, needsPayload, (id, strictString), (defaultAddress, integer, "default"),
+               (name, strictString), (mobile, strictString), (address, strictString), (landmark, strictString),
+               (area, strictString), (lat, lenientDouble), (lng, lenientDouble), (isDeleted, integer),
+               (annotation, strictString), (flatNo, strictString), (city, strictString),
+               (reverseGeoCodeFailed, integer), (deliveryLocation, strictString), (mainText, strictString))
 };
 
 /// A point read from "latitude" and "longitude". Never fails: with no
@@ -48,8 +50,7 @@ struct WEBSDK_EXPORT Location {
   double lat = 0;
   double lng = 0;
 
-  static std::optional<Location> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(Location, lat, lng)
+  WEBSDK_MODEL(Location, anyPayload, (lat, lenientDouble, "latitude"), (lng, lenientDouble, "longitude"))
 };
 
 /// The address form a page opens. Fails only without a payload dictionary;
@@ -60,8 +61,8 @@ struct WEBSDK_EXPORT WebSDKAddAddressRequestModel {
   std::optional<std::string> userContext;
   std::optional<std::vector<std::string>> disabledAnnotationTags;
 
-  static std::optional<WebSDKAddAddressRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKAddAddressRequestModel, type, storeId, userContext, disabledAnnotationTags)
+  WEBSDK_MODEL(WebSDKAddAddressRequestModel, needsPayload, (type, strictString), (storeId, strictString),
+               (userContext, strictString), (disabledAnnotationTags, stringList))
 };
 
 /// Which address screen an edit opens. Anything the app does not know is `none`.
@@ -89,8 +90,8 @@ struct WEBSDK_EXPORT WebSDKEditAddressRequestModel {
   std::optional<std::string> focused;
   ActionType actionType = ActionType::none;
 
-  static std::optional<WebSDKEditAddressRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKEditAddressRequestModel, data, enabled, focused, actionType)
+  WEBSDK_MODEL(WebSDKEditAddressRequestModel, needsPayload, (data, raw, "address"), (enabled, stringList),
+               (focused, strictString), (actionType, enumeration))
 };
 
 /// Directions to reach an address. `xpVal` comes from "enable_voice_directions"
@@ -99,8 +100,8 @@ struct WEBSDK_EXPORT WebSDKEditDirectionsRequestModel {
   std::optional<JSON> data;
   std::optional<bool> xpVal;
 
-  static std::optional<WebSDKEditDirectionsRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKEditDirectionsRequestModel, data, xpVal)
+  WEBSDK_MODEL(WebSDKEditDirectionsRequestModel, needsPayload, (data, raw, "address"),
+               (xpVal, lenientBool, "enable_voice_directions"))
 };
 
 /// How a GPS fix is wanted; missing keys read as false or 0. Fails only
@@ -111,9 +112,8 @@ struct WEBSDK_EXPORT WebSDKGetGPSLocationRequestModel {
   bool shouldShowSettings = false;
   std::int64_t accuracyLevel = 0;
 
-  static std::optional<WebSDKGetGPSLocationRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetGPSLocationRequestModel, permissionRequired, accurateLocationRequired, shouldShowSettings,
-                accuracyLevel)
+  WEBSDK_MODEL(WebSDKGetGPSLocationRequestModel, needsPayload, (permissionRequired, lenientBool),
+               (accurateLocationRequired, lenientBool), (shouldShowSettings, lenientBool), (accuracyLevel, lenientInt))
 };
 
 // ---- Response models -------------------------------------------------------
@@ -233,12 +233,15 @@ struct WEBSDK_EXPORT WebSDKIRCTCResponseModel {
   std::string coach;
   std::string junction;
 
-  /// Fails when the payload has no "irctc_data" object; missing keys inside
-  /// it read as "".
-  static std::optional<WebSDKIRCTCResponseModel> from(const std::optional<JSONObject>& payload);
   /// True when all six strings are empty.
   bool isEmptyModel() const;
-  WEBSDK_RECORD(WebSDKIRCTCResponseModel, encodedIrctcData, phoneNo, platformNo, berth, coach, junction)
+  /// Fails when the payload has no "irctc_data" object; missing keys inside
+  /// it read as "".
+  WEBSDK_MODEL(WebSDKIRCTCResponseModel, within("irctc_data"),
+               (encodedIrctcData, lenientString, "irctc_data.encoded_payload"),
+               (phoneNo, lenientString, "irctc_data.mobile_number"),
+               (platformNo, lenientString, "irctc_data.platform_number"), (berth, lenientString, "irctc_data.berth"),
+               (coach, lenientString, "irctc_data.coach"), (junction, lenientString, "irctc_data.station_name"))
 };
 
 }  // namespace websdk

@@ -7,8 +7,7 @@
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
-#include "websdk/json/Readings.hpp"
-#include "websdk/json/Record.hpp"
+#include "websdk/json/Model.hpp"
 #include "websdk/plugins/generic/LocationModels.hpp"
 #include "websdk/plugins/generic/Tenant.hpp"
 
@@ -63,11 +62,19 @@ struct WEBSDK_EXPORT NavigationScreenParam {
   std::optional<std::string> query;
   std::optional<bool> isPXOrder;
 
-  static std::optional<NavigationScreenParam> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(NavigationScreenParam, id, refresh, tenant, shouldCloseWebview, shouldReplacePreviousWebview,
-                shouldDismissPresentedScreen, url, isFromCart, orderDataJson, collectionId, restaurantId, orderId,
-                hideMakePaymentButton, expandRefund, source, query, isPXOrder)
+  WEBSDK_MODEL(NavigationScreenParam, anyPayload, (id, strictString), (refresh, lenientBool), (tenant, enumeration),
+               (shouldCloseWebview, lenientBool), (shouldReplacePreviousWebview, lenientBool),
+               (shouldDismissPresentedScreen, lenientBool), (url, strictString), (isFromCart, lenientBool, "fromCart"),
+               (orderDataJson, raw, "data"), (collectionId, strictString), (restaurantId, strictString),
+               (orderId, strictString), (hideMakePaymentButton, lenientBool), (expandRefund, lenientBool),
+               (source, strictString), (query, strictString), (isPXOrder, lenientBool))
 };
+
+/// Whether `link` may be opened as `type`: a native screen must be one the app
+/// has; a deep link is the host's to resolve.
+inline bool openable(NavigationType type, const std::string& link) {
+  return type != NavigationType::screen || fromRawValue<ScreenType>(link).has_value();
+}
 
 /// A native screen or a deep link. Fails unless "type" names a navigation
 /// type and "link" is a string; a screen link must name a `ScreenType`.
@@ -75,8 +82,8 @@ struct WEBSDK_EXPORT DeeplinkModel {
   NavigationType type{};
   std::string link;
 
-  static std::optional<DeeplinkModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(DeeplinkModel, type, link)
+  bool isValid() const { return openable(type, link); }
+  WEBSDK_MODEL(DeeplinkModel, anyPayload, (type, enumeration, required), (link, strictString, required))
 };
 
 /// Fails on an empty payload and wherever `DeeplinkModel` fails.
@@ -87,8 +94,10 @@ struct WEBSDK_EXPORT WebSDKNavigationToScreenRequestModel {
   std::optional<NavigationScreenParam> params;
   std::optional<JSONArray> analyticsFunnel;
 
-  static std::optional<WebSDKNavigationToScreenRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKNavigationToScreenRequestModel, type, link, httpHeaders, params, analyticsFunnel)
+  bool isValid() const { return openable(type, link); }
+  WEBSDK_MODEL(WebSDKNavigationToScreenRequestModel, needsEntries, (type, enumeration, required),
+               (link, strictString, required), (httpHeaders, stringMap), (params, model, ifGiven),
+               (analyticsFunnel, array))
 };
 
 /// Sets the delivery location, then follows a deep link. Never fails: an
@@ -97,8 +106,8 @@ struct WEBSDK_EXPORT WebSDKSetLocationWithDeeplinkRequestModel {
   std::optional<WebSDKSetLocationRequestModel> addressObject;  // "address"
   std::optional<DeeplinkModel> deeplinkDetailModel;            // "deepLink"
 
-  static std::optional<WebSDKSetLocationWithDeeplinkRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSetLocationWithDeeplinkRequestModel, addressObject, deeplinkDetailModel)
+  WEBSDK_MODEL(WebSDKSetLocationWithDeeplinkRequestModel, anyPayload, (addressObject, model, "address"),
+               (deeplinkDetailModel, model, "deepLink"))
 };
 
 // ---- Web pages and the browser -------------------------------------------------
@@ -115,17 +124,16 @@ struct WEBSDK_EXPORT WebSDKWebNavigateRequestModel {
   std::string title;
   bool openAsExternalWithBridgeSupport = false;
 
-  static std::optional<WebSDKWebNavigateRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKWebNavigateRequestModel, url, openAsExternal, showLoader, showBack, callbackUrl, headers, title,
-                openAsExternalWithBridgeSupport)
+  WEBSDK_MODEL(WebSDKWebNavigateRequestModel, anyPayload, (url, strictString, required), (openAsExternal, strictBool),
+               (showLoader, strictBool), (showBack, strictBool), (callbackUrl, strictString), (headers, stringMap),
+               (title, strictString), (openAsExternalWithBridgeSupport, strictBool))
 };
 
 /// `url` read leniently ("" when missing). Never fails.
 struct WEBSDK_EXPORT WebSDKLaunchBrowserRequestModel {
   std::string url;
 
-  static std::optional<WebSDKLaunchBrowserRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKLaunchBrowserRequestModel, url)
+  WEBSDK_MODEL(WebSDKLaunchBrowserRequestModel, anyPayload, (url, lenientString))
 };
 
 /// Fails on an empty payload or without "link" (read leniently).
@@ -133,16 +141,15 @@ struct WEBSDK_EXPORT WebSDKOpenOrbisV2RequestModel {
   std::string link;
   std::optional<double> lastMile;
 
-  static std::optional<WebSDKOpenOrbisV2RequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKOpenOrbisV2RequestModel, link, lastMile)
+  WEBSDK_MODEL(WebSDKOpenOrbisV2RequestModel, anyPayload, (link, lenientString, required), (lastMile, number))
 };
 
 /// Fails unless "link" reads (leniently) as non-empty text.
 struct WEBSDK_EXPORT WebSDKOpenOrbisV3RequestModel {
   std::string link;
 
-  static std::optional<WebSDKOpenOrbisV3RequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKOpenOrbisV3RequestModel, link)
+  bool isValid() const { return !link.empty(); }
+  WEBSDK_MODEL(WebSDKOpenOrbisV3RequestModel, anyPayload, (link, lenientString, required))
 };
 
 // ---- Leaving the web view ------------------------------------------------------
@@ -165,17 +172,18 @@ struct WEBSDK_EXPORT CloseWebViewParams {
   std::optional<std::string> flow;
   std::optional<std::string> stationId;
 
-  static std::optional<CloseWebViewParams> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(CloseWebViewParams, shouldRefresh, rating, orbisV2SelectedPlanId, goToHome, moveToAccount, moveToMenu,
-                menuId, isFromRating, expandRefund, isBreachResolved, isCurrentDeviceLoggedOut, flow, stationId)
+  WEBSDK_MODEL(CloseWebViewParams, anyPayload, (shouldRefresh, yesText), (rating, lenientInt),
+               (orbisV2SelectedPlanId, strictString), (goToHome, yesText), (moveToAccount, yesText, "movetoAccount"),
+               (moveToMenu, yesText), (menuId, strictString), (isFromRating, yesText, "isForRating"),
+               (expandRefund, yesText), (isBreachResolved, yesText), (isCurrentDeviceLoggedOut, yesText),
+               (flow, strictString), (stationId, strictString))
 };
 
 /// Never fails; `params` is absent when "params" is missing or JSON null.
 struct WEBSDK_EXPORT WebSDKCloseWebviewWithParamsModel {
   std::optional<CloseWebViewParams> params;
 
-  static std::optional<WebSDKCloseWebviewWithParamsModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKCloseWebviewWithParamsModel, params)
+  WEBSDK_MODEL(WebSDKCloseWebviewWithParamsModel, anyPayload, (params, model, ifGiven))
 };
 
 // ---- Refreshing a screen ---------------------------------------------------------
@@ -192,8 +200,7 @@ constexpr auto rawValues(RefreshScreenType) {
 struct WEBSDK_EXPORT RefreshScreenParam {
   std::optional<std::string> restaurantId;
 
-  static std::optional<RefreshScreenParam> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(RefreshScreenParam, restaurantId)
+  WEBSDK_MODEL(RefreshScreenParam, anyPayload, (restaurantId, strictString))
 };
 
 /// Only the menu screen can be refreshed: fails unless "type" is "screen" and
@@ -203,8 +210,8 @@ struct WEBSDK_EXPORT WebSDKRefreshScreenRequestModel {
   RefreshScreenType link{};
   std::optional<RefreshScreenParam> params;
 
-  static std::optional<WebSDKRefreshScreenRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKRefreshScreenRequestModel, type, link, params)
+  WEBSDK_MODEL(WebSDKRefreshScreenRequestModel, anyPayload, (type, enumeration, required),
+               (link, enumeration, required), (params, model, ifGiven))
 };
 
 // ---- Web views that share data ---------------------------------------------------
@@ -214,8 +221,7 @@ struct WEBSDK_EXPORT WebSDKOpenWebViewAndSyncDataRequestModel {
   std::string source;
   std::string link;
 
-  static std::optional<WebSDKOpenWebViewAndSyncDataRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKOpenWebViewAndSyncDataRequestModel, source, link)
+  WEBSDK_MODEL(WebSDKOpenWebViewAndSyncDataRequestModel, anyPayload, (source, strictString), (link, strictString))
 };
 
 /// Never fails. `closeOnly` only as a JSON bool, `data` only as an object.
@@ -224,8 +230,8 @@ struct WEBSDK_EXPORT WebSDKCloseWebViewAndSyncDataRequestModel {
   std::optional<bool> closeOnly;
   std::optional<JSONObject> data;
 
-  static std::optional<WebSDKCloseWebViewAndSyncDataRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKCloseWebViewAndSyncDataRequestModel, source, closeOnly, data)
+  WEBSDK_MODEL(WebSDKCloseWebViewAndSyncDataRequestModel, anyPayload, (source, strictString), (closeOnly, strictBool),
+               (data, object))
 };
 
 // ---- Bottom bar and half card ------------------------------------------------------
@@ -234,10 +240,9 @@ struct WEBSDK_EXPORT WebSDKCloseWebViewAndSyncDataRequestModel {
 /// parameters: `params` is always an empty map.
 struct WEBSDK_EXPORT WebSDKSwitchBottomBarModel {
   std::optional<std::string> tabIdentifier;
-  std::optional<JSONObject> params;
+  std::optional<JSONObject> params = JSONObject{};
 
-  static std::optional<WebSDKSwitchBottomBarModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKSwitchBottomBarModel, tabIdentifier, params)
+  WEBSDK_MODEL(WebSDKSwitchBottomBarModel, anyPayload, (tabIdentifier, strictString, required), (params, unread))
 };
 
 /// `height` read leniently ("" when missing). Never fails. The host holds it
@@ -245,8 +250,7 @@ struct WEBSDK_EXPORT WebSDKSwitchBottomBarModel {
 struct WEBSDK_EXPORT WebSDKGetHalfCardHeightRequestModel {
   std::string height;
 
-  static std::optional<WebSDKGetHalfCardHeightRequestModel> from(const std::optional<JSONObject>& payload);
-  WEBSDK_RECORD(WebSDKGetHalfCardHeightRequestModel, height)
+  WEBSDK_MODEL(WebSDKGetHalfCardHeightRequestModel, anyPayload, (height, lenientString))
 };
 
 }  // namespace websdk

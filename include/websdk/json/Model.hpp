@@ -20,10 +20,13 @@
 // when it is not the member's name ("a.b" reads b inside the object under a);
 // `required` makes the model fail when the reading gives nothing (for a lenient
 // reading, which always gives something: when the key is absent); `orEmpty`
-// gives an optional member its type's empty value instead of nothing. A field that
-// is not required and reads nothing keeps its default. A lenient reading into
-// an optional member is taken only when the key is present. A string reading
-// into an enumeration member takes the case whose raw value it is.
+// gives an optional member its type's empty value instead of nothing;
+// `ifObject` / `ifGiven` read the field only when its key holds an object / is
+// present and not null. A field that is not required and reads nothing keeps
+// its default. A lenient reading into an optional member is taken only when
+// the key is present. A string reading into an enumeration member takes the
+// case whose raw value it is. A rule across fields is the model's own
+// `bool isValid() const`.
 //
 // The second argument is the model's own rule: `anyPayload` (never fails for
 // the payload as a whole), `needsPayload` (fails without a payload object),

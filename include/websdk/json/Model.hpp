@@ -111,48 +111,34 @@ using UnwrappedT = typename Unwrapped<T>::type;
 // contract and reads a possibly absent value into the member's type `V`.
 namespace reading {
 
-#define WEBSDK_DETAIL_SCALAR_READING(name)                 \
-  struct name##Reading {                                   \
-    static constexpr ReadingKind kind = ReadingKind::name; \
-    template <class V>                                     \
-    static auto read(const JSON* v) {                      \
-      return ::websdk::name(v);                            \
-    }                                                      \
-  };                                                       \
+// A reading by the function of its name, shown in the contract as `kind`.
+#define WEBSDK_DETAIL_SCALAR_READING(name, kind_)           \
+  struct name##Reading {                                    \
+    static constexpr ReadingKind kind = ReadingKind::kind_; \
+    template <class V>                                      \
+    static auto read(const JSON* v) {                       \
+      return ::websdk::name(v);                             \
+    }                                                       \
+  };                                                        \
   inline constexpr name##Reading name {}
 
-WEBSDK_DETAIL_SCALAR_READING(lenientString);
-WEBSDK_DETAIL_SCALAR_READING(strictString);
-WEBSDK_DETAIL_SCALAR_READING(lenientBool);
-WEBSDK_DETAIL_SCALAR_READING(strictBool);
-WEBSDK_DETAIL_SCALAR_READING(lenientInt);
-WEBSDK_DETAIL_SCALAR_READING(lenientDouble);
-WEBSDK_DETAIL_SCALAR_READING(number);
-WEBSDK_DETAIL_SCALAR_READING(integer);
-WEBSDK_DETAIL_SCALAR_READING(object);
-WEBSDK_DETAIL_SCALAR_READING(array);
-WEBSDK_DETAIL_SCALAR_READING(stringMap);
-WEBSDK_DETAIL_SCALAR_READING(raw);
+WEBSDK_DETAIL_SCALAR_READING(lenientString, lenientString);
+WEBSDK_DETAIL_SCALAR_READING(strictString, strictString);
+WEBSDK_DETAIL_SCALAR_READING(lenientBool, lenientBool);
+WEBSDK_DETAIL_SCALAR_READING(strictBool, strictBool);
+WEBSDK_DETAIL_SCALAR_READING(lenientInt, lenientInt);
+WEBSDK_DETAIL_SCALAR_READING(lenientDouble, lenientDouble);
+WEBSDK_DETAIL_SCALAR_READING(number, number);
+WEBSDK_DETAIL_SCALAR_READING(integer, integer);
+WEBSDK_DETAIL_SCALAR_READING(object, object);
+WEBSDK_DETAIL_SCALAR_READING(array, array);
+WEBSDK_DETAIL_SCALAR_READING(stringMap, stringMap);
+WEBSDK_DETAIL_SCALAR_READING(raw, raw);
+// Readings of a value's lenient text, which the contract shows as such: a yes,
+// or a whole decimal number.
+WEBSDK_DETAIL_SCALAR_READING(yesText, lenientString);
+WEBSDK_DETAIL_SCALAR_READING(wholeNumberText, lenientString);
 #undef WEBSDK_DETAIL_SCALAR_READING
-
-/// Readings of a value's lenient text (the contract shows them as lenient
-/// strings): a yes (yesText), or a whole decimal number (wholeNumberText).
-struct YesTextReading {
-  static constexpr ReadingKind kind = ReadingKind::lenientString;
-  template <class V>
-  static auto read(const JSON* v) {
-    return ::websdk::yesText(v);
-  }
-};
-inline constexpr YesTextReading yesText{};
-struct WholeNumberTextReading {
-  static constexpr ReadingKind kind = ReadingKind::lenientString;
-  template <class V>
-  static auto read(const JSON* v) {
-    return ::websdk::wholeNumberText(v);
-  }
-};
-inline constexpr WholeNumberTextReading wholeNumberText{};
 
 /// Reads no key: the member keeps its default.
 struct UnreadReading {};

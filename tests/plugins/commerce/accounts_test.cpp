@@ -1,4 +1,4 @@
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -7,7 +7,7 @@ using P = WebSDKAccountsRequestPayload;
 using enum WebSDKAccountsRequestPayloadCase;
 
 TEST(Accounts, EveryActionDecodesThroughTheBridge) {
-  test::expectDecodes<WebSDKAccountsRequestModel, P>({
+  test::expectDecodes<AccountsFamily>({
       {"UPDATE_PROFILE_INFO", std::nullopt, P::make<updateProfileInfo>()},
       {"UPDATE_PROFILE_INFO", R"({"anything":[1,2]})", P::make<updateProfileInfo>()},
       {"VERIFY_MOBILE_NUMBER", R"({"number":"9876543210"})", P::make<verifyMobileNo>({"9876543210"})},

@@ -1,4 +1,4 @@
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -7,7 +7,7 @@ using P = WebSDKChatConversationRequestPayload;
 using enum WebSDKChatConversationRequestPayloadCase;
 
 TEST(ChatConversation, ThePayloadIsTheActionWhateverThePageSent) {
-  test::expectDecodes<WebSDKChatConversationRequestModel, P>({
+  test::expectDecodes<ChatConversationFamily>({
       {"GET_SUPPORT_UNREAD_CONVERSATION_DATA", std::nullopt, P::make<getSupportUnreadConversationData>()},
       {"GET_SUPPORT_UNREAD_CONVERSATION_DATA", R"({"x":1})", P::make<getSupportUnreadConversationData>()},
       {"UPDATE_CONVERSATION_ID", R"({"conversationId":"c-77"})", P::make<updateConversationId>()},
@@ -17,12 +17,18 @@ TEST(ChatConversation, ThePayloadIsTheActionWhateverThePageSent) {
 
 TEST(ChatConversation, TheRawPayloadReachesThePluginUntouched) {
   constexpr std::string_view payload = R"({"conversationId":"c-77","meta":{"n":[1,2.5,null]}})";
-  test::CommerceBridge bridge;
+  struct Plugin final : DvWebViewChatConversationCallsBacks {
+    std::optional<JSONObject> received;
+    void handleChatConversationRequest(const WebSDKChatConversationRequestModel& r, const P&) override {
+      received = r.payload;
+    }
+  };
+  auto plugin = std::make_shared<Plugin>();
+  test::Harness bridge({"localhost"}, false, "https://localhost/");
+  bridge.view->setChatConversationPlugin(plugin);
   bridge.post(test::requestText("UPDATE_CONVERSATION_ID", payload));
-  const auto& delivered = bridge.host->of<WebSDKChatConversationRequestModel, P>();
-  ASSERT_EQ(delivered.size(), 1u);
-  ASSERT_TRUE(delivered[0].first.payload);
-  EXPECT_EQ(JSON(*delivered[0].first.payload), parseJSON(payload));
+  ASSERT_TRUE(plugin->received);
+  EXPECT_EQ(JSON(*plugin->received), parseJSON(payload));
 }
 
 }  // namespace

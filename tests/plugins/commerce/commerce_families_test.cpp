@@ -1,7 +1,7 @@
 // What the six smaller commerce families share: the answer a page gets when a
 // family has no plugin.
 
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -22,7 +22,7 @@ TEST(CommerceFamilies, EachFamilyWithoutAPluginAnswersWithItsOwnMessage) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.action);
-    test::CommerceBridge bridge(/*subscribed=*/false);
+    test::Harness bridge({"localhost"}, false, "https://localhost/");
     const auto responses = bridge.post(test::requestText(row.action, "{}"));
     ASSERT_EQ(responses.size(), 1u);
     EXPECT_EQ(responses[0], parseJSON(R"({"type":"FAILED","statusCode":1004,"statusMessage":")" +

@@ -1,4 +1,4 @@
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -7,7 +7,7 @@ using P = WebSDKMenuListPayload;
 using enum WebSDKMenuListPayloadCase;
 
 TEST(MenuList, EveryActionDecodesThroughTheBridge) {
-  test::expectDecodes<WebSDKMenuListRequestModel, P>({
+  test::expectDecodes<MenuListFamily>({
       {"SHARE_COLLECTION_INFORMATION", R"({"data":{"collectionId":"c1","items":[1,2]}})",
        P::make<shareCollectionDetails>({parseJSON(R"({"collectionId":"c1","items":[1,2]})")})},
       {"SHARE_COLLECTION_INFORMATION", R"({"data":null})", P::make<shareCollectionDetails>({JSON(nullptr)})},

@@ -1,4 +1,4 @@
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -9,7 +9,7 @@ using Share = WebSDKShareSocialMediaResponseModel;
 using Data = WebSDKRestaurantEmpathyDataRequestModel;
 
 TEST(RestaurantEmpathy, EveryActionDecodesThroughTheBridge) {
-  test::expectDecodes<WebSDKRestaurantEmpathyRequestModel, P>({
+  test::expectDecodes<RestaurantEmpathyFamily>({
       {"GET_RESTAURANT_EMPATHY_DATA", std::nullopt, P::make<getRestaurantEmpathyData>()},
       {"GET_RESTAURANT_EMPATHY_DATA", R"({"orderId":5})", P::make<getRestaurantEmpathyData>()},
       {"SHARE_ON_SOCIAL_MEDIA",

@@ -1,4 +1,4 @@
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -8,7 +8,7 @@ using Data = WebSDKRecipientInfoUserDataResponseModel;
 constexpr auto kCase = WebSDKSetRecipientInfoRequestPayloadCase::SetRecipientInfo;
 
 TEST(SetRecipientInfo, DecodesThroughTheBridgeWithFlowDataAlwaysBuilt) {
-  test::expectDecodes<WebSDKSetRecipientInfoRequestModel, P>({
+  test::expectDecodes<SetRecipientInfoFamily>({
       {"SET_RECIPIENT_INFO", R"({"flowType":"GIFT","flowData":{"recipientName":"A"}})",
        P::make<kCase>({"GIFT", Data{std::nullopt, "A", std::nullopt, std::nullopt}})},
       {"SET_RECIPIENT_INFO",

@@ -1,4 +1,4 @@
-#include "CommerceHost.hpp"
+#include "support/Decoding.hpp"
 
 namespace websdk {
 namespace {
@@ -8,7 +8,7 @@ using enum WebSDKZippaRequestPayloadCase;
 
 TEST(Zippa, EveryActionDecodesThroughTheBridge) {
   JSONObject callouts{{"banner", JSONObject{{"text", "hi"}}}, {"count", 2}, {"none", nullptr}};
-  test::expectDecodes<WebSDKZippaRequestModel, P>({
+  test::expectDecodes<ZippaFamily>({
       {"IMAGE_UPLOAD", R"({"name":"front","func_name":"onUpload"})", P::make<imageUpload>({"front", "onUpload"})},
       {"IMAGE_UPLOAD", R"({"name":"front","funcName":"cb"})", P::make<imageUpload>({"front", ""})},
       {"IMAGE_UPLOAD", R"({"name":12,"func_name":true})", P::make<imageUpload>({"12", "true"})},

@@ -1,6 +1,6 @@
 #include "websdk/plugins/generic/AnalyticsModels.hpp"
 
-#include "support/ReaderTable.hpp"
+#include "support/Decoding.hpp"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 // fields a row sets; the rest keep their defaults, which is the point.
 #pragma GCC diagnostic ignored "-Wmissing-field-initializers"
 
-#include "support/ReaderTable.hpp"
+#include "support/Decoding.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "websdk/plugins/generic/LocationModels.hpp"
 
-#include "support/ReaderTable.hpp"
+#include "support/Decoding.hpp"
 
 #include <gtest/gtest.h>
 
@@ -175,13 +175,13 @@ T withoutOptionals(T record) {
 }
 
 template <class T>
-class ResponseEncoding : public testing::Test {};
+class ResponseEncoding : public ::testing::Test {};
 using ResponseModels =
-    testing::Types<WebSDKDeviceDetailsResponseModel, WebSDKGetLocationResponseModel,
-                   WebSDKGetCurrentAddressResponseModel, AddressMetadataResponse, WebSDKGetSortedAddressesResponseModel,
-                   WebSDKEditDirectionsResponseModel, WebSDKDialogConfirmResponseModel, PinLocation,
-                   WebSDKGetTnsSignalResponseModel, InternationalUser, OrbisData, WebSDKGetUserInfoResponseModel,
-                   WebSDKIRCTCResponseModel>;
+    ::testing::Types<WebSDKDeviceDetailsResponseModel, WebSDKGetLocationResponseModel,
+                     WebSDKGetCurrentAddressResponseModel, AddressMetadataResponse,
+                     WebSDKGetSortedAddressesResponseModel, WebSDKEditDirectionsResponseModel,
+                     WebSDKDialogConfirmResponseModel, PinLocation, WebSDKGetTnsSignalResponseModel, InternationalUser,
+                     OrbisData, WebSDKGetUserInfoResponseModel, WebSDKIRCTCResponseModel>;
 TYPED_TEST_SUITE(ResponseEncoding, ResponseModels);
 
 TYPED_TEST(ResponseEncoding, KeysInOrderAbsentOptionalsLeftOut) {

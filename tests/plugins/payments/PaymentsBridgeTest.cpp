@@ -1,61 +1,16 @@
 // Payments requests as a page sends them, through the real bridge: what the
 // payments plugin receives for each action, and which payloads are declined.
 
-#include "websdk/bridge/families/Payments.hpp"
-#include "websdk/plugins/payments/PaymentsCatalogue.hpp"
-#include "websdk/testing/TestingEngine.hpp"
-#include "websdk/webview/WebSDKWebView.hpp"
+#include "support/Decoding.hpp"
 
-#include <gtest/gtest.h>
-
-#include <set>
-#include <string>
 #include <vector>
 
 namespace websdk {
 namespace {
 
-struct RecordingPayments final : DvWebViewPaymentsCallsBacks {
-  struct Call {
-    WebSDKPaymentsRequestModel request;
-    WebSDKPaymentsRequestPayload payload;
-  };
-  std::vector<Call> calls;
-  void handlePaymentsRequest(const WebSDKPaymentsRequestModel& request,
-                             const WebSDKPaymentsRequestPayload& payload) override {
-    calls.push_back({request, payload});
-  }
-};
-
-std::string requestText(std::string_view type, std::string_view payload) {
-  std::string text = R"({"type":")" + std::string(type) + R"(","requestId":"r1")";
-  if (!payload.empty()) text += R"(,"payload":)" + std::string(payload);
-  return text + "}";
-}
-
-class PaymentsBridge : public ::testing::Test {
- protected:
-  void SetUp() override {
-    auto owned = std::make_unique<testing::TestingEngine>();
-    engine = owned.get();
-    engine->setURL("https://localhost/");
-    view = WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, plugin);
-  }
-
-  std::shared_ptr<RecordingPayments> plugin = std::make_shared<RecordingPayments>();
-  testing::TestingEngine* engine = nullptr;
-  std::shared_ptr<WebSDKWebView> view;
-};
-
-struct Delivered {
-  std::string_view type;
-  std::string_view payload;   // "" = no payload key
-  std::string_view expected;  // the payload's description: {"case":..., "model":{...}}
-};
-
 // Every action once, in catalogue order, with a payload that exercises its
 // readings (lenient text from numbers, strict fields falling back, renamed keys).
-const Delivered kDelivered[] = {
+const std::vector<test::DecodeRow> kDelivered = {
     {"IS_JUSPAY_AVAILABLE", R"({"forceEnableSDK":"true"})",
      R"({"case":"isJuspayAvailable","model":{"forceEnableSDK":true}})"},
     {"PAY_USING_JUSPAY_NB", R"({"juspayParams":{"orderId":"o1","bankCode":7}})",
@@ -78,7 +33,7 @@ const Delivered kDelivered[] = {
          "providerCategory":"","providerReferenceId":""}}})"},
     {"JUSPAY_INIT", R"({"merchantId":"m","environment":"prod","clientAuthToken":7,"extendedCustomerId":9})",
      R"({"case":"juspayInit","model":{"environment":"prod","merchantId":"m","authToken":"7","extendedCustomerId":""}})"},
-    {"GET_CHECKOUT_META_INFO", "", R"({"case":"getCheckoutMetaInfo"})"},
+    {"GET_CHECKOUT_META_INFO", std::nullopt, R"({"case":"getCheckoutMetaInfo"})"},
     {"SWITCH_TO_NATIVE_PAYMENT", R"({"x":1})", R"({"case":"switchToNativePayments"})"},
     {"POST_ORDER_EVENT", R"({"orderData":{},"showTrack":0})",
      R"({"case":"postOrderEvent","model":{"orderData":{},"showTrack":false}})"},
@@ -91,10 +46,10 @@ const Delivered kDelivered[] = {
      R"({"case":"walletAddMoneySuccess","model":{"paymentCode":"true"}})"},
     {"WALLET_DELINKED", R"({"walletCode":"AMZ","walletCodes":["A",1],"mobileNumber":98})",
      R"({"case":"walletDelinked","model":{"walletCode":"AMZ","walletCodes":["A","1"]}})"},
-    {"DELINK_AMAZON_PAY", "", R"({"case":"delinkAmazonPay"})"},
+    {"DELINK_AMAZON_PAY", std::nullopt, R"({"case":"delinkAmazonPay"})"},
     {"PAY_USING_AMAZON_PAY", R"({"state":"GET_BALANCE","data":{"x":1}})",
      R"({"case":"payUsingAmazonPay","model":{"state":"GET_BALANCE","data":{"x":1}}})"},
-    {"PAYMENT_IN_PENDING_STATE", "",
+    {"PAYMENT_IN_PENDING_STATE", std::nullopt,
      R"({"case":"paymentPendingState","model":{"paymentMethodName":"","marketplaceBusinessLine":"",
          "marketplaceCategory":"","data":{}}})"},
     {"ORDER_FAILED_EVENT",
@@ -103,8 +58,8 @@ const Delivered kDelivered[] = {
      R"({"case":"orderFailedEvent","model":{"paymentMethodData":{"name":"UPI","displayName":"","paymentCode":"",
          "enabled":true,"groupName":"","couponApplicable":false,"preferred":false,"splitPayEnabled":false,
          "preferredPriority":3},"errorCode":"","errorText":"","totalBill":"99.5"}})"},
-    {"GET_CRED_ELIGIBILTY_FROM_APP_CACHE", "", R"({"case":"getCredEligibilityFromAppCache"})"},
-    {"GET_CRED_ELIGIBILTY", "",
+    {"GET_CRED_ELIGIBILTY_FROM_APP_CACHE", std::nullopt, R"({"case":"getCredEligibilityFromAppCache"})"},
+    {"GET_CRED_ELIGIBILTY", std::nullopt,
      R"({"case":"getCredEligibility","model":{"authToken":"","merchantId":"","amount":"","mobileNumber":""}})"},
     {"PAY_USING_JUSPAY_WALLET_CRED", R"({"juspayParams":{"orderId":1,"clientAuthToken":"t"},"callbackUrl":"cb"})",
      R"({"case":"payUsingJuspayWalletCred","model":{"callbackUrl":"cb","juspayParams":{"orderId":"1",
@@ -114,7 +69,7 @@ const Delivered kDelivered[] = {
     {"PAY_USING_UPI_INTENT", R"({"upiParams":{"url":"upi://pay"}})",
      R"({"case":"payUsingUPIIntent","model":{"juspayUPIParams":{"orderId":"","orderAmount":"","url":"upi://pay",
          "methodName":""}}})"},
-    {"ORDER_CONFIRMED_EVENT", "", R"({"case":"confirmOrderEvent"})"},
+    {"ORDER_CONFIRMED_EVENT", std::nullopt, R"({"case":"confirmOrderEvent"})"},
     {"GET_ONE_CLICK_CARD_ELIGIBILITY",
      R"({"amount":"10","cardDetails":[{"cardFingerPrint":"f","cardBin":"411111","checkType":["VIES"],"extra":1}]})",
      R"({"case":"getOneClickCardEligibility","model":{"action":"","amount":"10","cardDetails":[
@@ -128,8 +83,8 @@ const Delivered kDelivered[] = {
          "cardDetail":{"cardBin":"4","cardFingerPrint":"f","maskedCardNumber":"4xx1"}})",
      R"({"case":"oneClickDeleteCard","model":{"action":"VIES_DISENROLL","cardDetail":{"cardBin":"4",
          "cardFingerPrint":"f","maskedCardNumber":"4xx1"},"juspayClientAuthToken":"t"}})"},
-    {"TRANSACTION_CONFIRMED_EVENT", "", R"({"case":"transactionConfirmed"})"},
-    {"TRANSACTION_FAILED_EVENT", "", R"({"case":"transactionFailed"})"},
+    {"TRANSACTION_CONFIRMED_EVENT", std::nullopt, R"({"case":"transactionConfirmed"})"},
+    {"TRANSACTION_FAILED_EVENT", std::nullopt, R"({"case":"transactionFailed"})"},
     {"STORE_ORDER_INFO_EVENT", R"({"orderData":{"id":1},"businessLine":4,"orderInfoUrl":"u"})",
      R"({"case":"storeOrderInfoEvent","model":{"orderData":{"id":1},"businessLine":"4","orderInfoUrl":"u"}})"},
     {"INITIATE_INAPP_UPI_ONBOARDING",
@@ -145,105 +100,73 @@ const Delivered kDelivered[] = {
          "orderAmount":"9.5","tenant":"CELLARO","credOfferLayerDetails":{"offer":1}})",
      R"({"case":"upiPayment","model":{"merchantId":"m","token":"t","extendedCustomerId":"c","orderId":"o",
          "referenceId":"a","amount":"9.5","tenant":"CELLARO","credData":{"offer":1}}})"},
-    {"IS_INAPP_UPI_ENABLED", "", R"({"case":"isInappUpiEnabled"})"},
+    {"IS_INAPP_UPI_ENABLED", std::nullopt, R"({"case":"isInappUpiEnabled"})"},
 };
 
-TEST_F(PaymentsBridge, EveryActionReachesThePluginWithItsTypedPayload) {
-  std::set<std::string_view> covered;
-  for (const auto& row : kDelivered) {
-    SCOPED_TRACE(row.type);
-    plugin->calls.clear();
-    engine->postRequest(requestText(row.type, row.payload));
-    ASSERT_EQ(plugin->calls.size(), 1u);
-    const auto& call = plugin->calls.front();
-    EXPECT_EQ(rawValue(call.request.type), row.type);
-    EXPECT_EQ(call.request.requestId, "r1");
-    EXPECT_EQ(call.payload.describe(), parseJSON(row.expected)) << serialize(call.payload.describe());
-    covered.insert(row.type);
-  }
-  engine->queue().drain();
-  EXPECT_TRUE(engine->nativeResponses().empty());  // the bridge never answers an accepted request itself
-  EXPECT_EQ(covered.size(), allCases<WebSDKPaymentsAction>().size());
-  EXPECT_EQ(allCases<WebSDKPaymentsAction>().size(), 34u);
+TEST(PaymentsBridge, EveryActionReachesThePluginWithItsTypedPayload) {
+  EXPECT_EQ(test::expectDecodes<PaymentsFamily>(kDelivered), test::everyAction<PaymentsFamily>());
 }
 
-struct Declined {
-  std::string_view type;
-  std::string_view payload;
-  std::string_view why;
-};
-
-const Declined kDeclined[] = {
-    {"PAY_USING_JUSPAY_NB", R"({"orderId":"o1"})", "parameters at the top level"},
-    {"PAY_USING_JUSPAY_NB", R"({"juspayParams":{"orderId":5}})", "numeric orderId"},
-    {"PAY_USING_JUSPAY_NB", "", "no payload"},
-    {"PAY_USING_JUSPAY_NEW_CARD", R"({"juspayParams":{"cardNumber":"4111"}})", "no orderId"},
-    {"PAY_USING_SAVED_CARD", "{}", "empty payload"},
-    {"JUSPAY_INIT", R"({"merchantId":5})", "numeric merchantId"},
-    {"JUSPAY_INIT", "{}", "empty payload"},
-    {"POST_ORDER_EVENT", R"({"orderData":[]})", "orderData an array"},
-    {"STORE_ORDER_INFO_EVENT", R"({"orderInfoUrl":"u"})", "no orderData"},
-    {"SEND_LINK_ACCOUNT_STATUS", R"({"status":"LINKED"})", "no paymentCode"},
-    {"GET_WALLET_DATA", R"({"paymentCode":"P"})", "paymentCode instead of walletCode"},
-    {"GET_LINKED_WALLET_DETAILS", "{}", "empty payload"},
-    {"WALLET_ADD_MONEY_SUCCESS", "", "no payload"},
-    {"WALLET_DELINKED", R"({"walletCodes":["A"]})", "no walletCode"},
-    {"ORDER_FAILED_EVENT", R"({"paymentMethodData":"UPI","orderId":"o"})", "paymentMethodData not an object"},
-    {"PAY_USING_JUSPAY_WALLET_CRED", R"({"juspayParams":"x"})", "juspayParams not an object"},
-    {"PAY_USING_UPI_INTENT", R"({"juspayUPIParams":{"orderId":"o"}})", "parameters under the wrong key"},
-    {"IS_UPI_INTENT_METHOD_AVAILABLE", "{}", "empty payload"},
-    {"GET_ONE_CLICK_CARD_ELIGIBILITY", R"({"amount":"1"})", "no cardDetails"},
+const std::vector<test::DecodeRow> kDeclined = {
+    {"PAY_USING_JUSPAY_NB", R"({"orderId":"o1"})", std::nullopt},                // parameters at the top level
+    {"PAY_USING_JUSPAY_NB", R"({"juspayParams":{"orderId":5}})", std::nullopt},  // numeric orderId
+    {"PAY_USING_JUSPAY_NB", std::nullopt, std::nullopt},                         // no payload
+    {"PAY_USING_JUSPAY_NEW_CARD", R"({"juspayParams":{"cardNumber":"4111"}})", std::nullopt},  // no orderId
+    {"PAY_USING_SAVED_CARD", "{}", std::nullopt},                                              // empty payload
+    {"JUSPAY_INIT", R"({"merchantId":5})", std::nullopt},                                      // numeric merchantId
+    {"JUSPAY_INIT", "{}", std::nullopt},                                                       // empty payload
+    {"POST_ORDER_EVENT", R"({"orderData":[]})", std::nullopt},                                 // orderData an array
+    {"STORE_ORDER_INFO_EVENT", R"({"orderInfoUrl":"u"})", std::nullopt},                       // no orderData
+    {"SEND_LINK_ACCOUNT_STATUS", R"({"status":"LINKED"})", std::nullopt},                      // no paymentCode
+    {"GET_WALLET_DATA", R"({"paymentCode":"P"})", std::nullopt},    // paymentCode instead of walletCode
+    {"GET_LINKED_WALLET_DETAILS", "{}", std::nullopt},              // empty payload
+    {"WALLET_ADD_MONEY_SUCCESS", std::nullopt, std::nullopt},       // no payload
+    {"WALLET_DELINKED", R"({"walletCodes":["A"]})", std::nullopt},  // no walletCode
+    {"ORDER_FAILED_EVENT", R"({"paymentMethodData":"UPI","orderId":"o"})",
+     std::nullopt},                                                             // paymentMethodData not an object
+    {"PAY_USING_JUSPAY_WALLET_CRED", R"({"juspayParams":"x"})", std::nullopt},  // juspayParams not an object
+    {"PAY_USING_UPI_INTENT", R"({"juspayUPIParams":{"orderId":"o"}})", std::nullopt},  // parameters under the wrong key
+    {"IS_UPI_INTENT_METHOD_AVAILABLE", "{}", std::nullopt},                            // empty payload
+    {"GET_ONE_CLICK_CARD_ELIGIBILITY", R"({"amount":"1"})", std::nullopt},             // no cardDetails
     {"GET_ONE_CLICK_CARD_ELIGIBILITY", R"({"cardDetails":[{"cardFingerPrint":"f","cardBin":"4"}]})",
-     "card without checkType"},
+     std::nullopt},  // card without checkType
     {"GET_ONE_CLICK_CARD_ELIGIBILITY", R"({"cardDetails":[{"cardFingerPrint":"f","cardBin":4,"checkType":[]}]})",
-     "numeric cardBin"},
+     std::nullopt},  // numeric cardBin
     {"GET_ONE_CLICK_CARD_ELIGIBILITY",
-     R"({"cardDetails":[{"cardFingerPrint":"f","cardBin":"4","checkType":["VIES",1]}]})", "numeric check type"},
-    {"GET_ONE_CLICK_CARD_ELIGIBILITY", R"({"cardDetails":{"cardFingerPrint":"f"}})", "cardDetails not a list"},
+     R"({"cardDetails":[{"cardFingerPrint":"f","cardBin":"4","checkType":["VIES",1]}]})",
+     std::nullopt},  // numeric check type
+    {"GET_ONE_CLICK_CARD_ELIGIBILITY", R"({"cardDetails":{"cardFingerPrint":"f"}})",
+     std::nullopt},  // cardDetails not a list
     {"ONE_CLICK_DE_ENROLL",
      R"({"action":"vies_disenroll","cardDetail":{"cardBin":"4","cardFingerPrint":"f","maskedCardNumber":"m"}})",
-     "action in lower case"},
+     std::nullopt},  // action in lower case
     {"ONE_CLICK_DE_ENROLL",
      R"({"action":"VIES_DISENROL","cardDetail":{"cardBin":"4","cardFingerPrint":"f","maskedCardNumber":"m"}})",
-     "action one letter short"},
-    {"ONE_CLICK_DE_ENROLL", R"({"action":"VIES_DISENROLL"})", "no cardDetail"},
+     std::nullopt},                                                           // action one letter short
+    {"ONE_CLICK_DE_ENROLL", R"({"action":"VIES_DISENROLL"})", std::nullopt},  // no cardDetail
     {"DELETE_CARD", R"({"action":"VIES_DELETE_CARD","cardDetail":{"cardBin":"4","cardFingerPrint":"f"}})",
-     "cardDetail without maskedCardNumber"},
-    {"DELETE_CARD", "", "no payload"},
-    {"INITIATE_INAPP_UPI_ONBOARDING", R"({"merchantId":"m","clientAuthToken":"t"})", "no extendedCustomerId"},
+     std::nullopt},                               // cardDetail without maskedCardNumber
+    {"DELETE_CARD", std::nullopt, std::nullopt},  // no payload
+    {"INITIATE_INAPP_UPI_ONBOARDING", R"({"merchantId":"m","clientAuthToken":"t"})",
+     std::nullopt},  // no extendedCustomerId
     {"GET_INAPP_UPI_DATA_FROM_CACHE", R"({"merchantId":"m","clientAuthToken":1,"extendedCustomerId":"c"})",
-     "numeric token"},
-    {"ADD_NEW_INAPP_UPI", "", "no payload"},
+     std::nullopt},                                     // numeric token
+    {"ADD_NEW_INAPP_UPI", std::nullopt, std::nullopt},  // no payload
     {"PAY_USING_INAPP_UPI",
      R"({"merchantId":"m","clientAuthToken":"t","extendedCustomerId":"c","orderId":"o","referenceId":"a",
          "orderAmount":"1"})",
-     "referenceId instead of accountRefId"},
-    {"GET_CRED_ELIGIBILITY", "", "the action spelled in full is not an action"},
-    {"get_wallet_data", R"({"walletCode":"P"})", "action strings match case-sensitively"},
+     std::nullopt},                                              // referenceId instead of accountRefId
+    {"GET_CRED_ELIGIBILITY", std::nullopt, std::nullopt},        // the action spelled in full is not an action
+    {"get_wallet_data", R"({"walletCode":"P"})", std::nullopt},  // action strings match case-sensitively
 };
 
-TEST_F(PaymentsBridge, PayloadsThatFailTheirModelAreDeclinedAndAnsweredNotValid) {
-  for (const auto& row : kDeclined) {
-    SCOPED_TRACE(std::string(row.type) + ": " + std::string(row.why));
-    const auto before = engine->nativeResponses().size();
-    engine->postRequest(requestText(row.type, row.payload));
-    engine->queue().drain();
-    EXPECT_TRUE(plugin->calls.empty());
-    const auto responses = engine->nativeResponses();
-    ASSERT_EQ(responses.size(), before + 1);
-    const Fields answer = Fields::of(&responses.back());
-    EXPECT_EQ(answer.strictString("type"), "FAILED");
-    EXPECT_EQ(answer.integer("statusCode"), 1004);
-    EXPECT_EQ(answer.strictString("statusMessage"), "not a valid request");
-    EXPECT_EQ(answer.strictString("requestId"), "r1");
-  }
+TEST(PaymentsBridge, PayloadsThatFailTheirModelAreDeclinedAndAnsweredNotValid) {
+  test::expectDecodes<PaymentsFamily>(kDeclined);
 }
 
-TEST_F(PaymentsBridge, WithoutAPaymentsPluginTheFamilyNamesItselfInTheAnswer) {
-  plugin.reset();
-  engine->postRequest(requestText("TRANSACTION_FAILED_EVENT", ""));
-  engine->queue().drain();
-  const auto responses = engine->nativeResponses();
+TEST(PaymentsBridge, WithoutAPaymentsPluginTheFamilyNamesItselfInTheAnswer) {
+  test::Harness bridge({"localhost"}, false, "https://localhost/");
+  const auto responses = bridge.post(test::requestText("TRANSACTION_FAILED_EVENT", std::nullopt));
   ASSERT_EQ(responses.size(), 1u);
   const Fields answer = Fields::of(&responses.front());
   EXPECT_EQ(answer.integer("statusCode"), 1004);

@@ -1,6 +1,7 @@
 // Payments readers on their own, the provider's card-eligibility answer, and
 // what the host's answers look like on the wire.
 
+#include "support/Decoding.hpp"
 #include "websdk/plugins/payments/PaymentsCatalogue.hpp"
 
 #include <gtest/gtest.h>
@@ -10,30 +11,23 @@
 namespace websdk {
 namespace {
 
-std::optional<JSONObject> payloadOf(std::string_view text) {
-  if (text.empty()) return std::nullopt;
-  const JSON value = parseJSON(text);
-  return object(&value);
-}
+using test::payloadOf;
 
-std::optional<WebSDKPaymentsRequestPayload> decode(WebSDKPaymentsAction action, std::string_view payload) {
-  return WebSDKPaymentsRequestPayload::validateRequest(WebSDKPaymentsRequestModel{action, "1", payloadOf(payload)});
+std::optional<WebSDKPaymentsRequestPayload> decode(WebSDKPaymentsAction action,
+                                                   std::optional<std::string_view> payload = std::nullopt) {
+  return test::decodePayload<PaymentsFamily>(action, payload);
 }
 
 TEST(PaymentsReaders, ForceEnableSDKIsAbsentUnlessSentThenReadLeniently) {
   const struct {
-    std::string_view payload;
+    std::optional<std::string_view> payload;
     std::optional<bool> expected;
-  } rows[] = {{"", std::nullopt},
-              {"{}", std::nullopt},
-              {R"({"x":1})", std::nullopt},
-              {R"({"forceEnableSDK":"true"})", true},
-              {R"({"forceEnableSDK":1})", true},
-              {R"({"forceEnableSDK":"false"})", false},
-              {R"({"forceEnableSDK":0})", false},
-              {R"({"forceEnableSDK":null})", false}};
+  } rows[] = {{std::nullopt, std::nullopt},       {"{}", std::nullopt},
+              {R"({"x":1})", std::nullopt},       {R"({"forceEnableSDK":"true"})", true},
+              {R"({"forceEnableSDK":1})", true},  {R"({"forceEnableSDK":"false"})", false},
+              {R"({"forceEnableSDK":0})", false}, {R"({"forceEnableSDK":null})", false}};
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.payload);
+    SCOPED_TRACE(row.payload.value_or("(no payload)"));
     const auto payload = decode(WebSDKPaymentsAction::isJuspayAvailable, row.payload);
     ASSERT_TRUE(payload);
     const auto* model = payload->get<WebSDKPaymentsRequestPayloadCase::isJuspayAvailable>();
@@ -112,7 +106,7 @@ TEST(PaymentsReaders, PendingStateIsOneSharedObjectEvenWithoutAPayload) {
   // Two payloads holding equal objects are equal, though the objects are distinct.
   EXPECT_EQ(*payload, *decode(WebSDKPaymentsAction::paymentPendingState,
                               R"({"requestObj":{"txn":"t"},"paymentMethodName":"1"})"));
-  EXPECT_NE(*payload, *decode(WebSDKPaymentsAction::paymentPendingState, ""));
+  EXPECT_NE(*payload, *decode(WebSDKPaymentsAction::paymentPendingState));
 }
 
 TEST(PaymentsReaders, OneManageCardModelServesBothActionsUnderTheirOwnCases) {

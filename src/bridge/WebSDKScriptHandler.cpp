@@ -2,6 +2,7 @@
 
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
+#include "websdk/webview/WebSDKTrafficRecorder.hpp"
 
 #include <boost/json/basic_parser_impl.hpp>
 
@@ -122,6 +123,8 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   typename F::Request request{static_cast<typename F::Action>(action), std::string(requestId), std::nullopt};
   if (payload != nullptr)
     if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
+  WebSDKRecordedRequest* recording = handler.recording();
+  if (recording) recording->family = F::name;
   const auto typed = F::Payload::validateRequest(request);
   if (!typed) return Trial::declined;
   if (!handler.subscribed<F>()) {
@@ -133,6 +136,10 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   if (!plugin) return Trial::dropped;
   // Noted before the call: a plugin may answer from inside it.
   handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
+  if (recording) {
+    recording->outcome = "delivered";
+    recording->received = typed->describe();
+  }
   F::call(*plugin, request, *typed);
   return Trial::delivered;
 }
@@ -184,6 +191,20 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
 
   if (auto listener = webJSCommunicationDelegate.lock()) listener->didReceiveRequest(text);
 
+  // With the view recording its traffic, what becomes of this message is
+  // written once it is handled, whichever way it leaves.
+  struct Recording {
+    std::shared_ptr<WebSDKTrafficRecorder> recorder;
+    WebSDKRecordedRequest request;
+    WebSDKRecordedRequest*& current;
+    ~Recording() {
+      current = nullptr;
+      if (recorder) recorder->request(request);
+    }
+  } recorded{nullptr, {}, recording_};
+  if (const auto view = webview.lock()) recorded.recorder = view->trafficRecorder();
+  if (recorded.recorder) recording_ = &recorded.request;
+
   // The document that sent the message must be trusted: judged by the URL the
   // engine recorded for it, never by one still loading and never by anything
   // the message says.
@@ -193,10 +214,12 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     const auto view = webview.lock();
     const WebSDKConfig* config = view ? &view->bridgeConfig() : nullptr;
     const std::string& judged = config && config->judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
+    if (recording_) recording_->page = judged;
     // A refused page's text is never parsed: its request id is looked for
     // near the start only, so no size of message stalls the UI thread.
     if (!config || judged.empty() || !isTrusted(*config, judged)) {
       auto start = scanTheStart(text, kRefusedMessageStart);
+      if (recording_) recording_->action = start.type.value_or("");
       if (view && std::exchange(refusalLogged_, origin.topDocument) != origin.topDocument)
         log(LogLevel::warning, "trust",
             "a request from " + (judged.empty() ? std::string("a page with no URL") : judged) + " (action \"" +
@@ -219,6 +242,11 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   if (auto* fields = request.if_object()) {
     const JSON* type = fields->if_contains("type");
     const JSON* requestId = fields->if_contains("requestId");
+    if (recording_) {
+      recording_->action = type ? lenientString(type) : "";
+      recording_->requestId = requestId ? lenientString(requestId) : "";
+      if (const JSON* payload = fields->if_contains("payload")) recording_->payload = *payload;
+    }
     if (type != nullptr && requestId != nullptr && requestId->is_string()) {
       const auto& table = routes();
       auto route = table.byAction.end();
@@ -232,8 +260,10 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
         switch (table.trials[route->second.family](*this, origin.topDocument, route->second.action,
                                                    requestId->get_string(), fields->if_contains("payload"),
                                                    failureMessage)) {
-          case Trial::delivered:
-          case Trial::dropped: return;
+          case Trial::delivered: return;
+          case Trial::dropped:
+            if (recording_) recording_->outcome = "dropped";
+            return;
           case Trial::notSubscribed:
             answerFailure(request, WebSDKStatusCode::notFound, std::string(failureMessage), origin.topDocument);
             return;
@@ -279,6 +309,11 @@ void WebSDKScriptHandler::answerFailure(const JSON& request, WebSDKStatusCode co
 
 void WebSDKScriptHandler::answerFailure(std::string requestId, WebSDKStatusCode code,
                                         std::optional<std::string> message, DocumentID document) {
+  if (recording_) {
+    recording_->requestId = requestId;
+    recording_->status = rawValue(code);
+    recording_->message = message;
+  }
   const auto view = webview.lock();
   if (!view) return;
   view->deliver(WebSDKResponseModel{std::string(rawValue(WebSDKResponseType::failure)), rawValue(code),

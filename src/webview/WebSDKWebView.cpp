@@ -2,8 +2,10 @@
 
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
+#include "websdk/webview/WebSDKTrafficRecorder.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 
 namespace websdk {
@@ -107,12 +109,44 @@ WebSDKConfig forEngine(WebSDKConfig config, const WebEngine& engine) {
   config.canonicalizer = engine.urlCanonicalizer();
   return config.normalized();
 }
+
+// The view's recording: its configuration's, or else the one an app that
+// cannot be rebuilt asks for through WEBSDK_RECORD (masked, default cap).
+std::shared_ptr<WebSDKTrafficRecorder> recorderFor(const WebSDKConfig& config) {
+  std::optional<WebSDKTrafficRecording> recording = config.recording;
+  if (!recording)
+    if (const char* path = std::getenv("WEBSDK_RECORD"); path != nullptr && *path != '\0')
+      recording = WebSDKTrafficRecording{.path = path};
+  if (!recording) return nullptr;
+  return WebSDKTrafficRecorder::open(*recording, config);
+}
+
+// The fields of header text made for the page's header script, when it reads
+// as a JSON object (undoing the script's escapes when it was made escaped).
+std::map<std::string, std::string> headerFields(const WebSDKAppFunctions& functions) {
+  std::string text = functions.headers();
+  if (functions.escaped()) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '\\' || text[i + 1] == '\'')) ++i;
+      plain += text[i];
+    }
+    text = std::move(plain);
+  }
+  std::map<std::string, std::string> out;
+  const JSON parsed = parseJSON(text);
+  if (const auto* o = parsed.if_object())
+    for (const auto& [name, value] : *o)
+      if (value.is_string()) out.emplace(std::string(name), std::string(value.get_string()));
+  return out;
+}
 }  // namespace
 
 WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const WebSDKConfig& config)
     : webSDKConfig(forEngine(config, *engine)),
       handler_(std::make_shared<WebSDKScriptHandler>()),
-      engine_(std::move(engine)) {
+      engine_(std::move(engine)),
+      recorder_(recorderFor(webSDKConfig)) {
   engine_->setAllowsInlineMediaPlayback(true);
   engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
   // javaScriptEnabled and suppressesIncrementalRendering start true without
@@ -165,6 +199,10 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
     log(LogLevel::warning, "load", "loadWebView: \"" + with + "\" is not a URL; nothing was loaded");
     return;
   }
+  if (recorder_) {
+    recorder_->addSecrets(requestHeaders);
+    if (externalHeaders) recorder_->addSecrets(*externalHeaders);
+  }
   WebSDKHeaders headers;
   std::vector<std::string> confined;
   // The app's headers go only to trusted hosts, on the first request and on
@@ -198,6 +236,7 @@ void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
             ", which ends the header script's string early: the script will not run and the page gets no "
             "window.__native_headers__. The text is inserted as it stands; make it with "
             "WebSDKAppFunctions::nativeHeaders(fields).");
+  if (recorder_) recorder_->addSecrets(headerFields(type));
   engine_->addUserScript(UserScript{type.script()});
 }
 
@@ -326,6 +365,7 @@ std::optional<DocumentID> WebSDKWebView::trustedDocumentShown() {
 }
 
 void WebSDKWebView::tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason) {
+  if (recorder_) recorder_->answer(response, shownURL(), reason);
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didDropResponse(response, reason);
 }
 
@@ -356,11 +396,12 @@ void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<Document
         WebSDKDropReason why = WebSDKDropReason::documentGone;
         const auto target = document ? document : view->answerTarget(response.requestId, why);
         if (!target) return view->tellDropped(response, why);
+        if (view->recorder_) view->recorder_->answer(response, view->shownURL());
         // Hearing back costs a trip from the page: asked for only when a
-        // listener wants to know of answers that never ran.
-        view->engine_->evaluateInDocument(
-            *target, std::move(script),
-            view->webJSCommunicatorDelegate.expired() ? nullptr : view->dropNotice(std::move(response)));
+        // listener or a recording wants to know of answers that never ran.
+        const bool hear = !view->webJSCommunicatorDelegate.expired() || view->recorder_;
+        view->engine_->evaluateInDocument(*target, std::move(script),
+                                          hear ? view->dropNotice(std::move(response)) : nullptr);
       });
 }
 
@@ -416,6 +457,7 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
   WebSDKDropReason why = WebSDKDropReason::documentGone;
   const auto target = answerTarget(requestId, why);
   if (!target) return tellDropped(response, why);
+  if (recorder_) recorder_->answer(response, shownURL());
   engine_->evaluateInDocument(
       *target, std::move(*script), [dropped = dropNotice(std::move(response))](ScriptResult result) {
         if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
@@ -430,18 +472,24 @@ void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
   // committed document on a whitelisted host receives them.
   const auto shown = trustedDocumentShown();
   if (!shown) {
+    if (recorder_) recorder_->push(script, shownURL(), WebSDKDropReason::pageNotWhitelisted);
     if (auto listener = webJSCommunicatorDelegate.lock())
       listener->didDropPush(script, WebSDKDropReason::pageNotWhitelisted);
     if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
     return;
   }
-  if (!completion && webJSCommunicatorDelegate.expired()) return engine_->evaluateInDocument(*shown, script, nullptr);
+  if (recorder_) recorder_->push(script, shownURL());
+  if (!completion && webJSCommunicatorDelegate.expired() && !recorder_)
+    return engine_->evaluateInDocument(*shown, script, nullptr);
   engine_->evaluateInDocument(*shown, script,
                               [weak = weak_from_this(), script, completion = std::move(completion)](ScriptResult r) {
                                 if (r.dropped)
-                                  if (const auto v = weak.lock())
+                                  if (const auto v = weak.lock()) {
+                                    if (v->recorder_)
+                                      v->recorder_->push(script, v->shownURL(), WebSDKDropReason::documentGone);
                                     if (auto l = v->webJSCommunicatorDelegate.lock())
                                       l->didDropPush(script, WebSDKDropReason::documentGone);
+                                  }
                                 if (completion) completion(std::move(r));
                               });
 }

@@ -66,12 +66,12 @@ std::optional<typename F::Payload> decodePayload(typename F::Action action,
 /// every field the payload's equality does.
 struct Receives {
   std::optional<JSON> description;
-  Receives(std::nullopt_t) {}  // NOLINT: rows read as a table
+  Receives(std::nullopt_t) {}                                                         // NOLINT: rows read as a table
   Receives(const char* descriptionText) : description(parseJSON(descriptionText)) {}  // NOLINT
   template <class Payload>
-    requires requires(const Payload& p) {
-      { p.describe() } -> std::convertible_to<JSON>;
-    }
+  requires requires(const Payload& p) {
+    { p.describe() } -> std::convertible_to<JSON>;
+  }
   Receives(const Payload& payload) : description(payload.describe()) {}  // NOLINT
 };
 

@@ -18,6 +18,9 @@
 
 namespace websdk {
 
+class WebSDKTrafficRecorder;
+struct WebSDKRecordedRequest;
+
 /// What the bridge needs of the web view it serves: the trust settings it
 /// judges pages by, and the way answers reach the page.
 class WEBSDK_EXPORT BridgeView {
@@ -32,6 +35,8 @@ class WEBSDK_EXPORT BridgeView {
   /// the bridge's own, valid for the program's life. UI thread.
   virtual void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
                             std::string_view action) = 0;
+  /// Where requests are recorded, when the view records its traffic.
+  virtual std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder() const { return nullptr; }
 
  protected:
   ~BridgeView() = default;
@@ -73,6 +78,10 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   /// answered into that document. UI thread, during userContentController.
   void expectAnswer(std::string_view requestId, DocumentID document, std::string_view family, std::string_view action);
 
+  /// The record of the message being handled, while the view records its
+  /// traffic; nothing otherwise. UI thread, during userContentController.
+  WebSDKRecordedRequest* recording() const { return recording_; }
+
  private:
   bool isTrusted(const WebSDKConfig& config, std::string_view url);
   void answerFailure(const JSON& request, WebSDKStatusCode code, std::optional<std::string> message,
@@ -89,6 +98,7 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   // The document whose refusal was last logged: a page that keeps posting
   // from an untrusted host is told of once, not once per message.
   std::optional<DocumentID> refusalLogged_;
+  WebSDKRecordedRequest* recording_ = nullptr;
 };
 
 }  // namespace websdk

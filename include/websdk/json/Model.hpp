@@ -22,7 +22,8 @@
 // reading, which always gives something: when the key is absent); `orEmpty`
 // gives an optional member its type's empty value instead of nothing;
 // `ifObject` / `ifGiven` read the field only when its key holds an object / is
-// present and not null. A field that is not required and reads nothing keeps
+// present and not null; `sensitive` marks the user's own data, which traffic
+// recordings mask. A field that is not required and reads nothing keeps
 // its default. A lenient reading into an optional member is taken only when
 // the key is present. A string reading into an enumeration member takes the
 // case whose raw value it is. A rule across fields is the model's own
@@ -81,6 +82,10 @@ inline constexpr OrEmpty orEmpty{};
 enum class ReadOnly { always, ifObject, ifGiven };
 inline constexpr auto ifObject = ReadOnly::ifObject;
 inline constexpr auto ifGiven = ReadOnly::ifGiven;
+/// A field option: the value is the user's own (card data, tokens, phone
+/// numbers, addresses). Traffic recordings write it as a fixed mask.
+struct Sensitive {};
+inline constexpr Sensitive sensitive{};
 
 template <class T>
 concept Declared = requires {
@@ -212,6 +217,7 @@ struct ModelField {
   bool required = false;
   bool orEmpty = false;
   ReadOnly only = ReadOnly::always;
+  bool sensitive = false;
   using Reading = R;
 };
 
@@ -233,10 +239,14 @@ template <class F>
 constexpr void applyOption(F& f, ReadOnly only) {
   f.only = only;
 }
+template <class F>
+constexpr void applyOption(F& f, Sensitive) {
+  f.sensitive = true;
+}
 
 template <class T, class M, class R, class... O>
 constexpr ModelField<T, M, R> modelField(std::string_view name, M T::*member, R, O... options) {
-  ModelField<T, M, R> f{name, member, name, name, false, false, ReadOnly::always};
+  ModelField<T, M, R> f{name, member, name, name, false, false, ReadOnly::always, false};
   (applyOption(f, options), ...);
   return f;
 }

@@ -88,6 +88,7 @@ void addField(JSONArray& fields, const ModelField<T, M, R>& f, bool reached, std
   entry.emplace("key", path);
   for (auto& m : readingSchema<M, R>(reached && f.required)) entry.emplace(m.key(), std::move(m.value()));
   entry.emplace("required", (reached && f.required) || (existing != nullptr && existing->at("required").as_bool()));
+  if (f.sensitive) entry.emplace("sensitive", true);
   if (existing != nullptr)
     *existing = std::move(entry);
   else

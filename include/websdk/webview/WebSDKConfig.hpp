@@ -31,6 +31,22 @@ WEBSDK_EXPORT std::optional<std::string_view> hostOf(std::string_view canonical)
 /// only; an engine may pass no more of such a message than this.
 inline constexpr std::size_t kRefusedMessageStart = std::size_t{64} << 10;
 
+/// Where a view records its traffic (every request in, every answer and push
+/// out) as JSON lines, and how much.
+struct WEBSDK_EXPORT WebSDKTrafficRecording {
+  /// Appended to; at `maximumBytes` it is moved to `path` + ".1" (replacing
+  /// the one before) and begun afresh, so a recording never holds more than
+  /// twice that.
+  std::string path;
+  std::size_t maximumBytes = std::size_t{8} << 20;
+  /// On (the default): the app's header values, wherever they appear, and
+  /// every field the models mark sensitive (card data, tokens, phone numbers,
+  /// addresses) are written as "***".
+  bool masksSensitiveValues = true;
+
+  bool operator==(const WebSDKTrafficRecording&) const = default;
+};
+
 /// Which hosts the web view trusts with the app's headers and the bridge.
 /// Fixed when the view is made (the view holds it const).
 struct WEBSDK_EXPORT WebSDKConfig {
@@ -65,6 +81,9 @@ struct WEBSDK_EXPORT WebSDKConfig {
   /// (status 1, "no answer within N ms"), so the page's promise settles; the
   /// plugin's own answer after that counts as unasked.
   bool failsOverdueRequests = false;
+  /// None by default. Apps that cannot be rebuilt can set the environment
+  /// variable WEBSDK_RECORD to a file's path instead (masked, default cap).
+  std::optional<WebSDKTrafficRecording> recording = std::nullopt;
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry matches:

@@ -277,6 +277,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
   void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
                     std::string_view action) override;
+  std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder() const override { return recorder_; }
   /// The document that asked `requestId` (forgotten once answered), or, for
   /// an id never asked, the document shown if it is whitelisted. UI thread.
   std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
@@ -312,6 +313,13 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   DocumentID trustedDocument_ = 0;
   // Whether a navigation was seen waiting for want of a delegate. UI thread only.
   bool toldNoDelegate_ = false;
+  // Set when the view records its traffic (WebSDKConfig::recording, or WEBSDK_RECORD).
+  std::shared_ptr<WebSDKTrafficRecorder> recorder_;
+  /// The URL shown, for a recording's lines. UI thread.
+  std::string shownURL() const {
+    const auto shown = engine_->url();
+    return shown ? std::string(*shown) : std::string();
+  }
 };
 
 }  // namespace websdk

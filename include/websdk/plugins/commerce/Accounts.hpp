@@ -15,7 +15,7 @@ namespace websdk {
 struct WEBSDK_EXPORT WebSDKVerifyMobileRequestModel {
   std::string number;
 
-  WEBSDK_MODEL(WebSDKVerifyMobileRequestModel, anyPayload, (number, strictString))
+  WEBSDK_MODEL(WebSDKVerifyMobileRequestModel, anyPayload, (number, strictString, sensitive))
 };
 
 /// Never fails: a missing or non-string "tid" or "sid" gives "".
@@ -23,7 +23,8 @@ struct WEBSDK_EXPORT WebSDKAccountLogoutRequestModel {
   std::string tid;
   std::string sid;
 
-  WEBSDK_MODEL(WebSDKAccountLogoutRequestModel, anyPayload, (tid, strictString), (sid, strictString))
+  WEBSDK_MODEL(WebSDKAccountLogoutRequestModel, anyPayload, (tid, strictString, sensitive),
+               (sid, strictString, sensitive))
 };
 
 WEBSDK_ACTIONS(WebSDKAccountsAction, WebSDKAccountsRequestPayload,

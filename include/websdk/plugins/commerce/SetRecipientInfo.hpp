@@ -22,7 +22,7 @@ struct WEBSDK_EXPORT WebSDKRecipientInfoUserDataResponseModel {
   std::optional<std::string> expiredTs;
 
   WEBSDK_MODEL(WebSDKRecipientInfoUserDataResponseModel, anyPayload, (messageId, strictString),
-               (recipientName, strictString), (createdTs, strictString), (expiredTs, strictString))
+               (recipientName, strictString, sensitive), (createdTs, strictString), (expiredTs, strictString))
 };
 
 /// Read from the request despite its name. Never fails; `flowData` is always

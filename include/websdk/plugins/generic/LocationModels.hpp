@@ -38,10 +38,11 @@ struct WEBSDK_EXPORT WebSDKSetLocationRequestModel {
   std::optional<std::string> mainText;
 
   WEBSDK_MODEL(WebSDKSetLocationRequestModel, needsPayload, (id, strictString), (defaultAddress, integer, "default"),
-               (name, strictString), (mobile, strictString), (address, strictString), (landmark, strictString),
-               (area, strictString), (lat, lenientDouble), (lng, lenientDouble), (isDeleted, integer),
-               (annotation, strictString), (flatNo, strictString), (city, strictString),
-               (reverseGeoCodeFailed, integer), (deliveryLocation, strictString), (mainText, strictString))
+               (name, strictString, sensitive), (mobile, strictString, sensitive), (address, strictString, sensitive),
+               (landmark, strictString, sensitive), (area, strictString, sensitive), (lat, lenientDouble, sensitive),
+               (lng, lenientDouble, sensitive), (isDeleted, integer), (annotation, strictString),
+               (flatNo, strictString, sensitive), (city, strictString), (reverseGeoCodeFailed, integer),
+               (deliveryLocation, strictString), (mainText, strictString))
 };
 
 /// A point read from "latitude" and "longitude". Never fails: with no
@@ -50,7 +51,8 @@ struct WEBSDK_EXPORT Location {
   double lat = 0;
   double lng = 0;
 
-  WEBSDK_MODEL(Location, anyPayload, (lat, lenientDouble, "latitude"), (lng, lenientDouble, "longitude"))
+  WEBSDK_MODEL(Location, anyPayload, (lat, lenientDouble, "latitude", sensitive),
+               (lng, lenientDouble, "longitude", sensitive))
 };
 
 /// The address form a page opens. Fails only without a payload dictionary;
@@ -239,7 +241,7 @@ struct WEBSDK_EXPORT WebSDKIRCTCResponseModel {
   /// it read as "".
   WEBSDK_MODEL(WebSDKIRCTCResponseModel, within("irctc_data"),
                (encodedIrctcData, lenientString, "irctc_data.encoded_payload"),
-               (phoneNo, lenientString, "irctc_data.mobile_number"),
+               (phoneNo, lenientString, "irctc_data.mobile_number", sensitive),
                (platformNo, lenientString, "irctc_data.platform_number"), (berth, lenientString, "irctc_data.berth"),
                (coach, lenientString, "irctc_data.coach"), (junction, lenientString, "irctc_data.station_name"))
 };

@@ -25,7 +25,7 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityRequestModel {
     std::vector<std::string> checkType;
 
     /// Strict: all three members required.
-    WEBSDK_MODEL(Card, needsPayload | strict, (cardFingerPrint, strictString, required),
+    WEBSDK_MODEL(Card, needsPayload | strict, (cardFingerPrint, strictString, required, sensitive),
                  (cardBin, strictString, required), (checkType, strictStringList, required))
   };
 
@@ -51,7 +51,7 @@ struct WEBSDK_EXPORT CardDetail {
 
   /// Strict: all three members required.
   WEBSDK_MODEL(CardDetail, needsPayload | strict, (cardBin, strictString, required),
-               (cardFingerPrint, strictString, required), (maskedCardNumber, strictString, required))
+               (cardFingerPrint, strictString, required, sensitive), (maskedCardNumber, strictString, required))
 };
 
 /// "ONE_CLICK_DE_ENROLL" and "DELETE_CARD". Fails unless "action" is exactly a
@@ -63,7 +63,7 @@ struct WEBSDK_EXPORT WebSDKOneClickManageCardRequestModel {
   std::string juspayClientAuthToken;
 
   WEBSDK_MODEL(WebSDKOneClickManageCardRequestModel, anyPayload, (action, enumeration, required),
-               (cardDetail, model, required), (juspayClientAuthToken, strictString))
+               (cardDetail, model, required), (juspayClientAuthToken, strictString, sensitive))
 };
 
 // ---- Responses -----------------------------------------------------------------
@@ -94,7 +94,7 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityResponseModel {
     std::string cardFingerPrint{};
 
     WEBSDK_MODEL(CardEligiblityDetail, needsPayload | strict, (checkType, model, required),
-                 (cardBin, strictString, required), (cardFingerPrint, strictString, required))
+                 (cardBin, strictString, required), (cardFingerPrint, strictString, required, sensitive))
   };
 
   std::vector<CardEligiblityDetail> cardEligiblityDetails{};

@@ -30,8 +30,8 @@ struct WEBSDK_EXPORT WebSDKJuspayInitRequestModel {
   std::string extendedCustomerId;
 
   WEBSDK_MODEL(WebSDKJuspayInitRequestModel, anyPayload, (environment, strictString),
-               (merchantId, strictString, required), (authToken, lenientString, "clientAuthToken"),
-               (extendedCustomerId, strictString))
+               (merchantId, strictString, required), (authToken, lenientString, "clientAuthToken", sensitive),
+               (extendedCustomerId, strictString, sensitive))
 };
 
 /// "PAY_USING_JUSPAY_NB", read from "juspayParams". Fails without that object
@@ -45,7 +45,7 @@ struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
   WEBSDK_MODEL(WebSDKJuspayNBRequestModel, within("juspayParams"),
                (orderId, strictString, "juspayParams.orderId", required),
                (returnUrl, strictString, "juspayParams.returnUrl"), (bankCode, strictString, "juspayParams.bankCode"),
-               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken"))
+               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken", sensitive))
 };
 
 /// "PAY_USING_JUSPAY_NEW_CARD", read from "juspayParams". Fails without that
@@ -76,21 +76,26 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
   std::optional<std::string> emiType;
   std::optional<std::int64_t> emiTenure;
 
-  WEBSDK_MODEL(
-      WebSDKJuspayNewCardRequestModel, within("juspayParams"), (cardToken, strictString, "juspayParams.cardToken"),
-      (returnUrl, strictString, "juspayParams.returnUrl"), (orderId, strictString, "juspayParams.orderId", required),
-      (cardSecurityCode, strictString, "juspayParams.cardSecurityCode"),
-      (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
-      (cardNumber, strictString, "juspayParams.cardNumber"), (cardExpMonth, strictString, "juspayParams.cardExpMonth"),
-      (cardExpYear, strictString, "juspayParams.cardExpYear"), (nameOnCard, strictString, "juspayParams.nameOnCard"),
-      (saveToLocker, strictBool, "juspayParams.saveToLocker"),
-      (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken"),
-      (authTypeForCard, strictString, "juspayParams.authTypeForCard"), (tokenize, lenientBool, "juspayParams.tokenize"),
-      (cardBin, strictString, "juspayParams.cardBin"), (paymentMethod, strictString, "juspayParams.paymentMethod"),
-      (nickname, strictString, "juspayParams.nickname"), (orderAmount, strictString, "juspayParams.orderAmount"),
-      (emiBank, strictString, "juspayParams.emiBank"), (isEmi, strictBool, "juspayParams.isEmi"),
-      (supportedGatewayIds, intList, "juspayParams.supportedGatewayIds", orEmpty),
-      (emiType, strictString, "juspayParams.emiType"), (emiTenure, integer, "juspayParams.emiTenure"))
+  WEBSDK_MODEL(WebSDKJuspayNewCardRequestModel, within("juspayParams"),
+               (cardToken, strictString, "juspayParams.cardToken", sensitive),
+               (returnUrl, strictString, "juspayParams.returnUrl"),
+               (orderId, strictString, "juspayParams.orderId", required),
+               (cardSecurityCode, strictString, "juspayParams.cardSecurityCode", sensitive),
+               (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
+               (cardNumber, strictString, "juspayParams.cardNumber", sensitive),
+               (cardExpMonth, strictString, "juspayParams.cardExpMonth", sensitive),
+               (cardExpYear, strictString, "juspayParams.cardExpYear", sensitive),
+               (nameOnCard, strictString, "juspayParams.nameOnCard", sensitive),
+               (saveToLocker, strictBool, "juspayParams.saveToLocker"),
+               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken", sensitive),
+               (authTypeForCard, strictString, "juspayParams.authTypeForCard"),
+               (tokenize, lenientBool, "juspayParams.tokenize"), (cardBin, strictString, "juspayParams.cardBin"),
+               (paymentMethod, strictString, "juspayParams.paymentMethod"),
+               (nickname, strictString, "juspayParams.nickname"),
+               (orderAmount, strictString, "juspayParams.orderAmount"), (emiBank, strictString, "juspayParams.emiBank"),
+               (isEmi, strictBool, "juspayParams.isEmi"),
+               (supportedGatewayIds, intList, "juspayParams.supportedGatewayIds", orEmpty),
+               (emiType, strictString, "juspayParams.emiType"), (emiTenure, integer, "juspayParams.emiTenure"))
 };
 
 /// A saved card's network-token metadata. Never fails: every field is set,
@@ -104,7 +109,7 @@ struct WEBSDK_EXPORT JuspayMetaDataModel {
   std::optional<std::string> providerReferenceId;
 
   WEBSDK_MODEL(JuspayMetaDataModel, anyPayload, (tokenType, strictString, orEmpty),
-               (temporaryToken, strictString, orEmpty), (requesterId, strictString, orEmpty),
+               (temporaryToken, strictString, orEmpty, sensitive), (requesterId, strictString, orEmpty),
                (provider, strictString, orEmpty), (providerCategory, strictString, orEmpty),
                (providerReferenceId, strictString, orEmpty))
 };
@@ -134,11 +139,12 @@ struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
   std::optional<JuspayMetaDataModel> juspayMetaData;
 
   WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, within("juspayParams"),
-               (cardToken, strictString, "juspayParams.cardToken"), (returnUrl, strictString, "juspayParams.returnUrl"),
+               (cardToken, strictString, "juspayParams.cardToken", sensitive),
+               (returnUrl, strictString, "juspayParams.returnUrl"),
                (orderId, strictString, "juspayParams.orderId", required),
-               (cardSecurityCode, strictString, "juspayParams.cardSecurityCode"),
+               (cardSecurityCode, strictString, "juspayParams.cardSecurityCode", sensitive),
                (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
-               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken"),
+               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken", sensitive),
                (authTypeForCard, strictString, "juspayParams.authTypeForCard"),
                (tokenize, lenientBool, "juspayParams.tokenize"), (cardBin, strictString, "juspayParams.cardBin"),
                (paymentMethod, strictString, "juspayParams.paymentMethod"),
@@ -161,7 +167,8 @@ struct WEBSDK_EXPORT JuspayParams {
   std::string mobileNumber;
 
   WEBSDK_MODEL(JuspayParams, anyPayload, (orderId, lenientString), (paymentMethodType, lenientString),
-               (returnUrl, lenientString), (authToken, lenientString, "clientAuthToken"), (mobileNumber, lenientString))
+               (returnUrl, lenientString), (authToken, lenientString, "clientAuthToken", sensitive),
+               (mobileNumber, lenientString, sensitive))
 };
 
 /// "PAY_USING_JUSPAY_WALLET_CRED". Fails unless "juspayParams" is an object.
@@ -220,8 +227,8 @@ struct WEBSDK_EXPORT WebSDKJuspayInAppUpiRequestModel {
   Tenant tenant = Tenant::meals;
 
   WEBSDK_MODEL(WebSDKJuspayInAppUpiRequestModel, anyPayload, (merchantId, strictString, required),
-               (token, strictString, "clientAuthToken", required), (extendedCustomerId, strictString, required),
-               (tenant, enumeration))
+               (token, strictString, "clientAuthToken", required, sensitive),
+               (extendedCustomerId, strictString, required, sensitive), (tenant, enumeration))
 };
 
 /// "PAY_USING_INAPP_UPI". Fails unless "merchantId", "clientAuthToken",
@@ -239,10 +246,10 @@ struct WEBSDK_EXPORT WebSDKJuspayInAppUpiPayRequestModel {
   std::optional<JSON> credData;
 
   WEBSDK_MODEL(WebSDKJuspayInAppUpiPayRequestModel, anyPayload, (merchantId, strictString, required),
-               (token, strictString, "clientAuthToken", required), (extendedCustomerId, strictString, required),
-               (orderId, strictString, required), (referenceId, strictString, "accountRefId", required),
-               (amount, strictString, "orderAmount", required), (tenant, enumeration),
-               (credData, raw, "credOfferLayerDetails"))
+               (token, strictString, "clientAuthToken", required, sensitive),
+               (extendedCustomerId, strictString, required, sensitive), (orderId, strictString, required),
+               (referenceId, strictString, "accountRefId", required), (amount, strictString, "orderAmount", required),
+               (tenant, enumeration), (credData, raw, "credOfferLayerDetails"))
 };
 
 }  // namespace websdk

@@ -59,8 +59,8 @@ struct WEBSDK_EXPORT WebSDKSendLinkStatusRequestModel {
   std::optional<std::string> corporateEmail;
 
   WEBSDK_MODEL(WebSDKSendLinkStatusRequestModel, anyPayload, (paymentCode, lenientString, required),
-               (status, strictString), (token, strictString), (linkedMobileNumber, strictString),
-               (linkRequestSource, enumeration, "source"), (corporateEmail, strictString))
+               (status, strictString), (token, strictString, sensitive), (linkedMobileNumber, strictString, sensitive),
+               (linkRequestSource, enumeration, "source"), (corporateEmail, strictString, sensitive))
 };
 
 /// The wallet a wallet-data, linked-wallet or add-money request is about: the
@@ -78,7 +78,7 @@ struct WEBSDK_EXPORT WebSDKWalletDelinkedRequestModel {
   std::optional<std::string> mobileNumber;
 
   WEBSDK_MODEL(WebSDKWalletDelinkedRequestModel, anyPayload, (walletCode, lenientString, required),
-               (walletCodes, stringList), (mobileNumber, strictString))
+               (walletCodes, stringList), (mobileNumber, strictString, sensitive))
 };
 
 /// "GET_CRED_ELIGIBILTY". Never fails: missing values are "". `authToken`
@@ -89,8 +89,9 @@ struct WEBSDK_EXPORT WebSDKGetCredEligibilityRequestModel {
   std::string amount;
   std::string mobileNumber;
 
-  WEBSDK_MODEL(WebSDKGetCredEligibilityRequestModel, anyPayload, (authToken, lenientString, "clientAuthToken"),
-               (merchantId, lenientString), (amount, lenientString), (mobileNumber, lenientString))
+  WEBSDK_MODEL(WebSDKGetCredEligibilityRequestModel, anyPayload,
+               (authToken, lenientString, "clientAuthToken", sensitive), (merchantId, lenientString),
+               (amount, lenientString), (mobileNumber, lenientString, sensitive))
 };
 
 // ---- Responses -----------------------------------------------------------------

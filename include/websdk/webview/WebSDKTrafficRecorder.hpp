@@ -1,0 +1,83 @@
+#pragma once
+// The traffic recorder: one JSON line per event a view's bridge sees, so a
+// failing session can be read, or replayed (websdk-inspect --replay), away
+// from the app. Masked by default; bounded by a size cap with one rotation.
+
+#include "websdk/Export.hpp"
+#include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
+#include "websdk/json/JSON.hpp"
+#include "websdk/webview/WebSDKConfig.hpp"
+#include "websdk/webview/WebSDKResponseModel.hpp"
+
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace websdk {
+
+/// What became of one request the page posted.
+struct WEBSDK_EXPORT WebSDKRecordedRequest {
+  std::string page;  // the URL the request was judged by
+  std::string requestId;
+  std::string action;
+  std::string_view family;  // "" when no family knows the action
+  /// "delivered" (to the family's plugin), "refused" (answered with a
+  /// failure: `status`, `message`), or "dropped" (the plugin was released).
+  std::string_view outcome = "refused";
+  std::optional<std::int64_t> status;
+  std::optional<std::string> message;
+  std::optional<JSON> payload;   // as the page sent it; none for a message refused unread
+  std::optional<JSON> received;  // the typed payload's description, when delivered
+};
+
+class WEBSDK_EXPORT WebSDKTrafficRecorder {
+ public:
+  /// Opens the recording for `view`'s traffic and writes its first line (the
+  /// whitelist the view judges by); nothing, logged, when the file cannot be
+  /// opened.
+  static std::unique_ptr<WebSDKTrafficRecorder> open(const WebSDKTrafficRecording& recording,
+                                                     const WebSDKConfig& view);
+  ~WebSDKTrafficRecorder();
+
+  /// Values that must never reach the file (the app's header values); masked
+  /// wherever they stand, inside longer text too.
+  void addSecrets(const std::map<std::string, std::string>& fields);
+
+  void request(const WebSDKRecordedRequest& request);
+  /// An answer evaluated in `page` (outcome "sent"), or one that was not
+  /// (`dropped` says why).
+  void answer(const WebSDKResponseModel& response, std::string_view page,
+              std::optional<WebSDKDropReason> dropped = std::nullopt);
+  /// A pushed page-function call, evaluated or not.
+  void push(std::string_view script, std::string_view page, std::optional<WebSDKDropReason> dropped = std::nullopt);
+
+  /// `value` as the recording writes it: sensitive keys' values and the
+  /// secrets replaced by the mask (unless masking is off).
+  JSON masked(JSON value) const;
+  std::string masked(std::string text) const;
+
+  /// The JSON keys of every field the request models mark sensitive.
+  static const std::set<std::string, std::less<>>& sensitiveKeys();
+  static constexpr std::string_view kMask = "***";
+
+ private:
+  explicit WebSDKTrafficRecorder(const WebSDKTrafficRecording& recording);
+  void write(JSONObject line);
+
+  WebSDKTrafficRecording recording_;
+  mutable std::mutex mutex_;  // answers are recorded on the UI thread, but secrets may come from any
+  std::FILE* file_ = nullptr;
+  std::size_t bytes_ = 0;
+  std::vector<std::string> secrets_;
+};
+
+/// A drop reason as recordings write it ("documentGone", ...).
+WEBSDK_EXPORT std::string_view dropReasonName(WebSDKDropReason reason);
+
+}  // namespace websdk

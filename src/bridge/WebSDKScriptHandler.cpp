@@ -137,8 +137,14 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   // Noted before the call: a plugin may answer from inside it.
   handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
   if (recording) {
+    // Described from the payload as it is recorded, masked: a replay of the
+    // recording must find the same, and no masked value may reach the file
+    // through the description.
     recording->outcome = "delivered";
-    recording->received = typed->describe();
+    typename F::Request recorded = request;
+    if (recorded.payload) recorded.payload = handler.recorder()->masked(JSON(*recorded.payload)).as_object();
+    const auto described = F::Payload::validateRequest(recorded);
+    recording->received = (described ? *described : *typed).describe();
   }
   F::call(*plugin, request, *typed);
   return Trial::delivered;
@@ -197,13 +203,13 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     std::shared_ptr<WebSDKTrafficRecorder> recorder;
     WebSDKRecordedRequest request;
     WebSDKRecordedRequest*& current;
+    const WebSDKTrafficRecorder*& currentRecorder;
     ~Recording() {
       current = nullptr;
+      currentRecorder = nullptr;
       if (recorder) recorder->request(request);
     }
-  } recorded{nullptr, {}, recording_};
-  if (const auto view = webview.lock()) recorded.recorder = view->trafficRecorder();
-  if (recorded.recorder) recording_ = &recorded.request;
+  } recorded{nullptr, {}, recording_, recorder_};
 
   // The document that sent the message must be trusted: judged by the URL the
   // engine recorded for it, never by one still loading and never by anything
@@ -214,7 +220,11 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     const auto view = webview.lock();
     const WebSDKConfig* config = view ? &view->bridgeConfig() : nullptr;
     const std::string& judged = config && config->judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
-    if (recording_) recording_->page = judged;
+    if (view && (recorded.recorder = view->trafficRecorder())) {
+      recording_ = &recorded.request;
+      recorder_ = recorded.recorder.get();
+      recording_->page = judged;
+    }
     // A refused page's text is never parsed: its request id is looked for
     // near the start only, so no size of message stalls the UI thread.
     if (!config || judged.empty() || !isTrusted(*config, judged)) {

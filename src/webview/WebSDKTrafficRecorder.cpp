@@ -121,15 +121,20 @@ std::string WebSDKTrafficRecorder::masked(std::string text) const {
 
 JSON WebSDKTrafficRecorder::masked(JSON value) const {
   if (!recording_.masksSensitiveValues) return value;
+  return masked(std::move(value), false);
+}
+
+// Under a sensitive key every scalar is masked, nested ones too, but objects
+// and arrays keep their shape: a replay then decodes what it did.
+JSON WebSDKTrafficRecorder::masked(JSON value, bool sensitive) const {
   if (auto* o = value.if_object()) {
-    for (auto& member : *o) {
-      if (!member.value().is_null() && sensitiveKeys().contains(std::string_view(member.key())))
-        member.value() = kMask;
-      else
-        member.value() = masked(std::move(member.value()));
-    }
+    for (auto& member : *o)
+      member.value() =
+          masked(std::move(member.value()), sensitive || sensitiveKeys().contains(std::string_view(member.key())));
   } else if (auto* a = value.if_array()) {
-    for (auto& element : *a) element = masked(std::move(element));
+    for (auto& element : *a) element = masked(std::move(element), sensitive);
+  } else if (sensitive && !value.is_null()) {
+    return JSON(kMask);
   } else if (auto* s = value.if_string()) {
     return JSON(masked(std::string(*s)));
   }
@@ -137,12 +142,8 @@ JSON WebSDKTrafficRecorder::masked(JSON value) const {
 }
 
 void WebSDKTrafficRecorder::request(const WebSDKRecordedRequest& r) {
-  JSONObject line{{"event", "request"},
-                  {"page", masked(r.page)},
-                  {"requestId", r.requestId},
-                  {"action", r.action},
-                  {"family", r.family},
-                  {"outcome", r.outcome}};
+  JSONObject line{{"event", "request"}, {"page", masked(r.page)}, {"requestId", r.requestId},
+                  {"action", r.action}, {"family", r.family},     {"outcome", r.outcome}};
   if (r.status) line.emplace("status", *r.status);
   if (r.message) line.emplace("message", masked(*r.message));
   if (r.payload) line.emplace("payload", masked(*r.payload));

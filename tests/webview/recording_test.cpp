@@ -4,6 +4,7 @@
 
 #include "support/Decoding.hpp"
 #include "websdk/json/Schema.hpp"
+#include "websdk/testing/Replay.hpp"
 #include "websdk/webview/WebSDKTrafficRecorder.hpp"
 
 #include <gtest/gtest.h>
@@ -24,8 +25,8 @@ namespace {
 namespace fs = std::filesystem;
 
 fs::path freshFile(std::string_view name) {
-  const fs::path path = fs::temp_directory_path() / ("websdk-recording-" + std::to_string(::getpid()) + "-" +
-                                                     std::string(name) + ".jsonl");
+  const fs::path path = fs::temp_directory_path() /
+                        ("websdk-recording-" + std::to_string(::getpid()) + "-" + std::string(name) + ".jsonl");
   fs::remove(path);
   fs::remove(path.string() + ".1");
   return path;
@@ -107,8 +108,8 @@ std::vector<Sample> everyActionSampled(Sampler& sampler) {
         [&](auto... row) {
           auto add = [&]<class Row>(Row) {
             if constexpr (!Row::refused && !std::is_void_v<typename Row::Type>)
-              out.push_back({rawValue(Row::action),
-                             sampler.object(modelSchema<detail::UnwrappedT<typename Row::Type>>())});
+              out.push_back(
+                  {rawValue(Row::action), sampler.object(modelSchema<detail::UnwrappedT<typename Row::Type>>())});
           };
           (add(row), ...);
         },
@@ -167,6 +168,48 @@ TEST(TrafficRecorder, WithMaskingOffTheSameRunShowsEverything) {
   const std::string file = recordEverySample(freshFile("unmasked"), false, sampler);
   for (const auto& value : sampler.sensitive) EXPECT_NE(file.find(value), std::string::npos) << value;
   EXPECT_NE(file.find("app-secret-1"), std::string::npos);
+}
+
+TEST(Replay, EveryActionOfAMaskedRecordingMeetsTheSameFate) {
+  for (const bool masked : {true, false}) {
+    Sampler sampler;
+    const auto path = freshFile(masked ? "replay-masked" : "replay-plain");
+    recordEverySample(path, masked, sampler);
+    std::ifstream in(path);
+    std::ostringstream report;
+    const auto result = testing::replayRecording(in, report);
+    EXPECT_EQ(result.requests, everyActionSampled(sampler).size() + 1);
+    EXPECT_EQ(result.differ, 0u) << report.str();
+    EXPECT_EQ(result.unreadable, 0u);
+  }
+}
+
+TEST(Replay, SaysWhichRequestNowMeetsAnotherFate) {
+  const auto path = freshFile("replay-changed");
+  {
+    test::Harness harness(recordingTo(path));
+    auto cart = std::make_shared<test::RecordingCart>();
+    harness.view->setCartPlugin(cart);
+    harness.post(test::requestText("CLEAR_LOCAL_CART", "{}"));
+    harness.post(test::requestText("LOGOUT", "{}"));
+  }
+  // The replay serves every family: the logout that found no plugin then
+  // reaches one now.
+  std::ifstream in(path);
+  std::ostringstream report;
+  const auto result = testing::replayRecording(in, report);
+  EXPECT_EQ(result.requests, 2u);
+  EXPECT_EQ(result.differ, 1u);
+  EXPECT_NE(report.str().find(R"(line 3 "LOGOUT" "r1": differs)"), std::string::npos) << report.str();
+
+  // A host's own plugins take the replay's requests instead.
+  std::ifstream again(path);
+  std::ostringstream cartOnly;
+  auto cart = std::make_shared<test::RecordingCart>();
+  EXPECT_EQ(testing::replayRecording(again, cartOnly, [&](WebSDKWebView& view) { view.setCartPlugin(cart); }).differ,
+            0u)
+      << cartOnly.str();
+  EXPECT_EQ(cart->received.size(), 1u);
 }
 
 TEST(TrafficRecorder, EachOutcomeIsOneLine) {

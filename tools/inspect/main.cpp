@@ -1,5 +1,6 @@
 #include "Catalogue.hpp"
 #include "Inspector.hpp"
+#include "websdk/testing/Replay.hpp"
 
 #include <fstream>
 #include <iostream>
@@ -11,6 +12,7 @@ constexpr std::string_view kUsage =
     "usage: websdk-inspect [--url URL|none] [--whitelist HOST]... [--whitelist-all]\n"
     "                      [--plugins all|none|FAMILY[,FAMILY...]] [FILE|-]\n"
     "       websdk-inspect --catalogue\n"
+    "       websdk-inspect --replay FILE\n"
     "Feeds each script message of FILE (standard input by default), one JSON object a line,\n"
     "through the web view and bridge over the in-memory engine, and prints what each plugin\n"
     "would receive and what the page would be sent. Options take `--opt value` or `--opt=value`.\n"
@@ -20,6 +22,9 @@ constexpr std::string_view kUsage =
     "  --plugins LIST         the families with a registered plugin (all)\n"
     "  --catalogue            prints the contract as the code reads it (every action, the keys\n"
     "                         its model reads, the page functions), as JSON\n"
+    "  --replay FILE          replays a traffic recording (WebSDKConfig::recording) through the\n"
+    "                         bridge and says, request by request, whether each one meets the\n"
+    "                         same fate now (exit 1 when any does not)\n"
     "  --help                 prints this\n";
 
 }  // namespace
@@ -29,6 +34,20 @@ int main(int argc, char** argv) {
   if (args.size() == 1 && args[0] == "--catalogue") {
     std::cout << websdk::serializePretty(websdk::inspect::catalogue()) << "\n";
     return 0;
+  }
+  if (!args.empty() && (args[0] == "--replay" || args[0].starts_with("--replay="))) {
+    const std::string path = args[0] == "--replay" ? (args.size() == 2 ? args[1] : "") : args[0].substr(9);
+    if (path.empty() || args.size() > (args[0] == "--replay" ? 2u : 1u)) {
+      std::cerr << "websdk-inspect: --replay takes one file\n" << kUsage;
+      return 2;
+    }
+    std::ifstream in(path);
+    if (!in) {
+      std::cerr << "websdk-inspect: cannot read " << path << "\n";
+      return 2;
+    }
+    const auto result = websdk::testing::replayRecording(in, std::cout);
+    return result.differ == 0 && result.unreadable == 0 ? 0 : 1;
   }
   std::string file, error;
   const auto options = websdk::inspect::parseArguments(args, file, error);

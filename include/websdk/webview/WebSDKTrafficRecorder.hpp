@@ -32,8 +32,10 @@ struct WEBSDK_EXPORT WebSDKRecordedRequest {
   std::string_view outcome = "refused";
   std::optional<std::int64_t> status;
   std::optional<std::string> message;
-  std::optional<JSON> payload;   // as the page sent it; none for a message refused unread
-  std::optional<JSON> received;  // the typed payload's description, when delivered
+  std::optional<JSON> payload;  // as the page sent it; none for a message refused unread
+  /// When delivered: the description of the typed payload the plugin gets
+  /// from the payload as recorded (masked), which is what a replay gets too.
+  std::optional<JSON> received;
 };
 
 class WEBSDK_EXPORT WebSDKTrafficRecorder {
@@ -41,8 +43,7 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   /// Opens the recording for `view`'s traffic and writes its first line (the
   /// whitelist the view judges by); nothing, logged, when the file cannot be
   /// opened.
-  static std::unique_ptr<WebSDKTrafficRecorder> open(const WebSDKTrafficRecording& recording,
-                                                     const WebSDKConfig& view);
+  static std::unique_ptr<WebSDKTrafficRecorder> open(const WebSDKTrafficRecording& recording, const WebSDKConfig& view);
   ~WebSDKTrafficRecorder();
 
   /// Values that must never reach the file (the app's header values); masked
@@ -68,6 +69,7 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
 
  private:
   explicit WebSDKTrafficRecorder(const WebSDKTrafficRecording& recording);
+  JSON masked(JSON value, bool sensitive) const;
   void write(JSONObject line);
 
   WebSDKTrafficRecording recording_;

@@ -3,6 +3,8 @@
 //   Intake/<family>: the whole intake of a 232-byte request (parse, host check,
 //   routing, decoding, plugin call), against BoostParse: one bare Boost.JSON
 //   parse of the same text. The first and the last family should cost alike.
+//   IntakeRecorded/cart: the cart intake with the traffic recorder on (masked,
+//   to a file in the temporary directory): what recording costs a request.
 //   Envelope/1MB: the envelope of a 1 MB payload, in bytes per second.
 
 #include "websdk/bridge/Families.hpp"
@@ -12,6 +14,7 @@
 #include <benchmark/benchmark.h>
 #include <boost/json/parse.hpp>
 
+#include <filesystem>
 #include <string>
 
 namespace websdk {
@@ -55,22 +58,32 @@ void BoostParse(benchmark::State& state) {
 }
 BENCHMARK(BoostParse);
 
-void Intake(benchmark::State& state, const std::string& text) {
+void Intake(benchmark::State& state, const std::string& text, bool recorded) {
   auto plugins = std::make_shared<NullPlugins>();
   auto engine = std::make_unique<testing::TestingEngine>();
   engine->setURL("https://checkout.example.com/cart");
   auto* raw = engine.get();
-  auto view = WebSDKWebView::create(std::move(engine), {"example.com"}, plugins);
+  WebSDKConfig config{{"example.com"}};
+  const std::string recording = (std::filesystem::temp_directory_path() / "websdk-bench-recording.jsonl").string();
+  if (recorded) config.recording = WebSDKTrafficRecording{.path = recording};
+  auto view = WebSDKWebView::create(std::move(engine), config);
+  view->setPlugin<GenericFamily>(plugins);
   view->setCartPlugin(plugins);
   view->setMenuListPlugin(plugins);
   const ScriptMessage message{"nativeRequest", JSONObject{{"message", text}}, raw->topOrigin()};
   for (auto _ : state) view->handler()->userContentController(message);
   if (raw->queue().pending() != 0) state.SkipWithError("the request was not delivered");
   state.SetLabel(std::to_string(text.size()) + " bytes");
+  view.reset();
+  if (recorded) {
+    std::filesystem::remove(recording);
+    std::filesystem::remove(recording + ".1");
+  }
 }
-BENCHMARK_CAPTURE(Intake, first_family_generic, kFirst);
-BENCHMARK_CAPTURE(Intake, cart, kCart);
-BENCHMARK_CAPTURE(Intake, last_family_menuList, kLast);
+BENCHMARK_CAPTURE(Intake, first_family_generic, kFirst, false);
+BENCHMARK_CAPTURE(Intake, cart, kCart, false);
+BENCHMARK_CAPTURE(Intake, last_family_menuList, kLast, false);
+BENCHMARK_CAPTURE(Intake, cart_recorded, kCart, true);
 
 enum class Payload { text, menuJSON, denseJSON };
 

@@ -201,15 +201,15 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   // written once it is handled, whichever way it leaves.
   struct Recording {
     std::shared_ptr<WebSDKTrafficRecorder> recorder;
-    WebSDKRecordedRequest request;
+    std::optional<WebSDKRecordedRequest> request;  // made only when recording: intake pays nothing otherwise
     WebSDKRecordedRequest*& current;
     const WebSDKTrafficRecorder*& currentRecorder;
     ~Recording() {
       current = nullptr;
       currentRecorder = nullptr;
-      if (recorder) recorder->request(request);
+      if (recorder) recorder->request(*request);
     }
-  } recorded{nullptr, {}, recording_, recorder_};
+  } recorded{nullptr, std::nullopt, recording_, recorder_};
 
   // The document that sent the message must be trusted: judged by the URL the
   // engine recorded for it, never by one still loading and never by anything
@@ -220,8 +220,9 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     const auto view = webview.lock();
     const WebSDKConfig* config = view ? &view->bridgeConfig() : nullptr;
     const std::string& judged = config && config->judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
-    if (view && (recorded.recorder = view->trafficRecorder())) {
-      recording_ = &recorded.request;
+    if (trafficRecorder) {
+      recorded.recorder = trafficRecorder;
+      recording_ = &recorded.request.emplace();
       recorder_ = recorded.recorder.get();
       recording_->page = judged;
     }

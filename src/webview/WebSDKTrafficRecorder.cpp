@@ -9,6 +9,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include <sys/stat.h>
+
 namespace websdk {
 namespace {
 
@@ -90,6 +92,10 @@ std::unique_ptr<WebSDKTrafficRecorder> WebSDKTrafficRecorder::open(const WebSDKT
             "); nothing is recorded");
     return nullptr;
   }
+  // Only a file of its own is rotated: a recording to a device or a pipe
+  // (/dev/stderr, say) is written as it goes, never moved.
+  struct stat status {};
+  recorder->rotates_ = ::fstat(::fileno(recorder->file_), &status) == 0 && S_ISREG(status.st_mode);
   std::fseek(recorder->file_, 0, SEEK_END);
   recorder->bytes_ = static_cast<std::size_t>(std::max(0L, std::ftell(recorder->file_)));
   JSONArray whitelist;
@@ -185,7 +191,7 @@ void WebSDKTrafficRecorder::write(JSONObject line) {
   text += '\n';
   std::lock_guard lock(mutex_);
   if (file_ == nullptr) return;
-  if (bytes_ > 0 && bytes_ + text.size() > recording_.maximumBytes) {
+  if (rotates_ && bytes_ > 0 && bytes_ + text.size() > recording_.maximumBytes) {
     std::fclose(file_);
     std::rename(recording_.path.c_str(), (recording_.path + ".1").c_str());
     file_ = std::fopen(recording_.path.c_str(), "we");

@@ -95,6 +95,7 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   view->setPlugin<GenericFamily>(genericDelegate);
   view->setPlugin<PaymentsFamily>(paymentsDelegate);
   h.webJSCommunicationDelegate = webJSCommunicationDelegate;
+  h.trafficRecorder = view->recorder_;
   view->webSDKNavigationDelegate = webViewDelegate;
   view->setPlugin<SetRecipientInfoFamily>(setRecipientInfoDelegate);
   view->webJSCommunicatorDelegate = webJSCommunicationDelegate;

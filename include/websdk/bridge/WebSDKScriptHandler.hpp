@@ -35,8 +35,6 @@ class WEBSDK_EXPORT BridgeView {
   /// the bridge's own, valid for the program's life. UI thread.
   virtual void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
                             std::string_view action) = 0;
-  /// Where requests are recorded, when the view records its traffic.
-  virtual std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder() const { return nullptr; }
 
  protected:
   ~BridgeView() = default;
@@ -52,6 +50,9 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   // Everything the handler points at belongs to someone else: all weak.
   std::weak_ptr<BridgeView> webview;
   std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicationDelegate;
+  /// Where requests are recorded, when the view records its traffic; shared,
+  /// so that a view released during a plugin's call leaves the record whole.
+  std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder;
 
   /// Registers `plugin` for family F (weakly), replacing the one before.
   template <class F>

@@ -76,6 +76,7 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   mutable std::mutex mutex_;  // answers are recorded on the UI thread, but secrets may come from any
   std::FILE* file_ = nullptr;
   std::size_t bytes_ = 0;
+  bool rotates_ = false;
   std::vector<std::string> secrets_;
 };
 

@@ -277,7 +277,6 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
   void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
                     std::string_view action) override;
-  std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder() const override { return recorder_; }
   /// The document that asked `requestId` (forgotten once answered), or, for
   /// an id never asked, the document shown if it is whitelisted. UI thread.
   std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);

@@ -16,7 +16,7 @@ namespace websdk::testing {
 
 struct ReplayResult {
   std::size_t requests = 0;
-  std::size_t differ = 0;  // requests whose fate now is not the recorded one
+  std::size_t differ = 0;      // requests whose fate now is not the recorded one
   std::size_t unreadable = 0;  // lines that are no recording's
 };
 

@@ -38,7 +38,7 @@ struct WEBSDK_EXPORT WebSDKSetLocationRequestModel {
   std::optional<std::string> mainText;
 
   WEBSDK_MODEL(WebSDKSetLocationRequestModel, needsPayload, (id, strictString), (defaultAddress, integer, "default"),
-               (name, strictString, sensitive), (mobile, strictString, sensitive), (address, strictString, sensitive),
+               (name, strictString), (mobile, strictString, sensitive), (address, strictString, sensitive),
                (landmark, strictString, sensitive), (area, strictString, sensitive), (lat, lenientDouble, sensitive),
                (lng, lenientDouble, sensitive), (isDeleted, integer), (annotation, strictString),
                (flatNo, strictString, sensitive), (city, strictString), (reverseGeoCodeFailed, integer),

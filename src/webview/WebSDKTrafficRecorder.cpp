@@ -56,15 +56,6 @@ std::int64_t nowMilliseconds() {
 
 }  // namespace
 
-std::string_view dropReasonName(WebSDKDropReason reason) {
-  switch (reason) {
-    case WebSDKDropReason::documentGone: return "documentGone";
-    case WebSDKDropReason::pageNotWhitelisted: return "pageNotWhitelisted";
-    case WebSDKDropReason::notAsked: return "notAsked";
-  }
-  return "unknown";
-}
-
 const std::set<std::string, std::less<>>& WebSDKTrafficRecorder::sensitiveKeys() {
   static const auto keys = [] {
     std::set<std::string, std::less<>> out;
@@ -171,7 +162,7 @@ void WebSDKTrafficRecorder::answer(const WebSDKResponseModel& response, std::str
                   {"page", masked(std::string(page))},
                   {"requestId", response.requestId},
                   {"outcome", dropped ? "dropped" : "sent"}};
-  if (dropped) line.emplace("why", dropReasonName(*dropped));
+  if (dropped) line.emplace("why", rawValue(*dropped));
   line.emplace("response", std::move(envelope));
   write(std::move(line));
 }
@@ -179,7 +170,7 @@ void WebSDKTrafficRecorder::answer(const WebSDKResponseModel& response, std::str
 void WebSDKTrafficRecorder::push(std::string_view script, std::string_view page,
                                  std::optional<WebSDKDropReason> dropped) {
   JSONObject line{{"event", "push"}, {"page", masked(std::string(page))}, {"outcome", dropped ? "dropped" : "sent"}};
-  if (dropped) line.emplace("why", dropReasonName(*dropped));
+  if (dropped) line.emplace("why", rawValue(*dropped));
   line.emplace("script", masked(std::string(script)));
   write(std::move(line));
 }

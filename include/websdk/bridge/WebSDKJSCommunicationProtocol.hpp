@@ -3,6 +3,7 @@
 // every answer sent to it, and what never ran there.
 
 #include "websdk/Export.hpp"
+#include "websdk/json/Enum.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <chrono>
@@ -30,6 +31,12 @@ enum class WebSDKDropReason {
   /// already (dropped only with `WebSDKConfig::dropsUnaskedAnswers`).
   notAsked,
 };
+/// Its name, as traffic recordings write it.
+constexpr auto rawValues(WebSDKDropReason) {
+  using enum WebSDKDropReason;
+  return rawValueTable<WebSDKDropReason>(
+      {{documentGone, "documentGone"}, {pageNotWhitelisted, "pageNotWhitelisted"}, {notAsked, "notAsked"}});
+}
 
 /// The host's listener for bridge traffic.
 class WEBSDK_EXPORT WebSDKJSCommunicationProtocol {

@@ -80,7 +80,4 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   std::vector<std::string> secrets_;
 };
 
-/// A drop reason as recordings write it ("documentGone", ...).
-WEBSDK_EXPORT std::string_view dropReasonName(WebSDKDropReason reason);
-
 }  // namespace websdk

@@ -99,6 +99,31 @@ TEST_F(BridgeTest, TheBridgesOwnFailuresReachThePage) {
   EXPECT_EQ(responses().back(), JSON(expected));
 }
 
+// A large message crosses in parts: characters of every UTF-8 width straddle
+// the cuts, and the small one posted right after it still comes second.
+TEST_F(BridgeTest, ALargeMessageArrivesWholeAndInOrder) {
+  view->setCartPlugin(cart);
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    view->sendSuccess(request.requestId);
+  };
+  const std::string head = R"({"type":"GET_LOCAL_CART","requestId":"big","pad":")";
+  const std::string tail = std::string(R"(",)") + std::string(kGetCart.substr(kGetCart.find(R"("payload")")));
+  std::string big = head;
+  for (int i = 0; i < 300'000; ++i) big += "x\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80";  // widths 1 to 4
+  big += tail;
+  view->engine().evaluateJavaScript(
+      "const post = m => window.webkit.messageHandlers.nativeRequest.postMessage({message: m});"
+      "post('" +
+          head + "' + 'x\\u00e9\\u20ac\\u{1F600}'.repeat(300000) + '" + tail + "'); post('" + std::string(kGetCart) +
+          "')",
+      nullptr);
+  ASSERT_TRUE(waitForResponses(2));
+  EXPECT_EQ(responses()[0].at("requestId"), JSON("big"));
+  EXPECT_EQ(responses()[1].at("requestId"), JSON("7"));
+  ASSERT_EQ(listener->requests.size(), 2u);
+  EXPECT_TRUE(listener->requests[0] == big) << listener->requests[0].size() << " bytes arrived of " << big.size();
+}
+
 TEST_F(BridgeTest, BodiesThatAreNotRequestsAreDroppedAndTheChannelGoesOn) {
   view->setCartPlugin(cart);
   cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {

@@ -27,7 +27,9 @@ using WebProcessExtension = WebKitWebExtension;
 #define WEBSDK_GUARD_ENTRY webkit_web_extension_initialize_with_user_data
 #endif
 
+#include <algorithm>
 #include <cstring>
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -163,6 +165,80 @@ struct Stamp {
   guint64 topDocument;
 };
 
+// A page's messages on their way to the view, in the order posted. A large
+// one goes in parts, each cut at a character's start, then the stamp; the next part leaves only once the view has taken
+// the last, so the page's string is never copied whole again and the UI process never holds more than one part in
+// flight.
+struct Outgoing {
+  char* message;       // owned: g_free
+  std::size_t length;  // less than bytes when only the start goes
+  std::size_t sent;
+  std::string frameURL;
+  std::string topURL;
+  gboolean isMainFrame;
+  guint64 topDocument;
+  std::size_t bytes;  // as posted
+};
+
+struct Outbox {
+  std::deque<Outgoing> queue;
+  bool waiting = false;  // a part is with the view, not yet taken
+  ~Outbox() {
+    for (Outgoing& outgoing : queue) g_free(outgoing.message);
+  }
+};
+
+Outbox& outboxOf(WebKitWebPage* page) {
+  auto* box = static_cast<Outbox*>(g_object_get_data(G_OBJECT(page), "websdk-outbox"));
+  if (box == nullptr) {
+    box = new Outbox;
+    g_object_set_data_full(G_OBJECT(page), "websdk-outbox", box, [](gpointer p) { delete static_cast<Outbox*>(p); });
+  }
+  return *box;
+}
+
+void pump(WebKitWebPage* page);
+
+void partTaken(GObject* source, GAsyncResult* result, gpointer) {
+  auto* page = WEBKIT_WEB_PAGE(source);
+  GError* error = nullptr;
+  // Taken or not (a view without the bridge does not answer), the rest goes.
+  if (WebKitUserMessage* reply = webkit_web_page_send_message_to_view_finish(page, result, &error))
+    g_object_unref(reply);
+  g_clear_error(&error);
+  outboxOf(page).waiting = false;
+  pump(page);
+}
+
+void pump(WebKitWebPage* page) {
+  Outbox& box = outboxOf(page);
+  while (!box.waiting && !box.queue.empty()) {
+    Outgoing& next = box.queue.front();
+    // Once in parts, all of it: the end then carries nothing large.
+    if (next.length > channel::kPostPartBytes && next.sent < next.length) {
+      std::size_t part = std::min(channel::kPostPartBytes, next.length - next.sent);
+      while (part > 0 && (static_cast<unsigned char>(next.message[next.sent + part]) & 0xC0) == 0x80) --part;
+      GVariant* bytesOfPart = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, next.message + next.sent, part, 1);
+      next.sent += part;
+      box.waiting = true;
+      webkit_web_page_send_message_to_view(
+          page,
+          webkit_user_message_new(channel::kPostPart,
+                                  g_variant_new("(t@ay)", static_cast<guint64>(next.length), bytesOfPart)),
+          nullptr, partTaken, nullptr);
+      return;
+    }
+    GVariant* end =
+        next.sent == 0 ? g_variant_new_take_string(next.message) : g_variant_new_string(next.message + next.sent);
+    if (next.sent != 0) g_free(next.message);
+    GVariant* params = g_variant_new("(@ssssbtt)", end, channel::kName, next.frameURL.c_str(), next.topURL.c_str(),
+                                     next.isMainFrame, next.topDocument, static_cast<guint64>(next.bytes));
+    box.queue.pop_front();
+    webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
+                                         nullptr);
+  }
+}
+
 void post(JSCValue* body, gpointer data) {
   auto* stamp = static_cast<Stamp*>(data);
   auto* page = static_cast<WebKitWebPage*>(g_weak_ref_get(&stamp->page));
@@ -188,11 +264,9 @@ void post(JSCValue* body, gpointer data) {
       while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
       message[cut] = '\0';
     }
-  GVariant* params =
-      g_variant_new("(@ssssbtt)", g_variant_new_take_string(message), channel::kName, stamp->frameURL.c_str(),
-                    stamp->topURL.c_str(), stamp->isMainFrame, stamp->topDocument, static_cast<guint64>(bytes));
-  webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
-                                       nullptr);
+  outboxOf(page).queue.push_back(Outgoing{message, std::strlen(message), 0, stamp->frameURL, stamp->topURL,
+                                          stamp->isMainFrame, stamp->topDocument, bytes});
+  pump(page);
   g_object_unref(page);
 }
 

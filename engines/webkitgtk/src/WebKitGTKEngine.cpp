@@ -291,6 +291,14 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   // The view's local pages, while it is served.
   std::unique_ptr<local::Serving> localPages;
   DocumentID document = 0;
+  // A large stamped message's parts so far, in storage sized once by the
+  // size its first part announced: its last part arrives with the stamp.
+  struct Gathering {
+    std::string text;
+    std::size_t length = 0;
+    bool broken = false;  // a part disagreed: the whole message goes
+  };
+  std::optional<Gathering> gathering;
   DocumentID lastUnstampedDocument = 0;
   std::optional<std::string> committedURL;
 
@@ -696,6 +704,28 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     if (!stamped || params == nullptr) return FALSE;
     if (g_str_equal(name, channel::kDocument) && g_variant_is_of_type(params, G_VARIANT_TYPE("(t)"))) {
       g_variant_get(params, "(t)", &document);
+      gathering.reset();  // a document gone part way through a message
+      return TRUE;
+    }
+    if (g_str_equal(name, channel::kPostPart) && g_variant_is_of_type(params, G_VARIANT_TYPE("(tay)"))) {
+      guint64 length = 0;
+      GVariant* part = nullptr;
+      g_variant_get(params, "(t@ay)", &length, &part);
+      gsize size = 0;
+      const void* data = g_variant_get_fixed_array(part, &size, 1);
+      if (!gathering) {
+        gathering.emplace().length = static_cast<std::size_t>(length);
+        gathering->text.reserve(std::min<std::size_t>(gathering->length, std::size_t{1} << 31));
+      }
+      if (length != gathering->length || gathering->text.size() + size > gathering->length) {
+        gathering->broken = true;
+        gathering->text = {};
+      } else if (!gathering->broken) {
+        gathering->text.append(static_cast<const char*>(data), size);
+      }
+      g_variant_unref(part);
+      // Taken: the page sends the next.
+      webkit_user_message_send_reply(message, webkit_user_message_new(channel::kPostPart, nullptr));
       return TRUE;
     }
     if (g_str_equal(name, channel::kPost) && g_variant_is_of_type(params, G_VARIANT_TYPE("(ssssbtt)"))) {
@@ -703,8 +733,19 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       gboolean isMainFrame = FALSE;
       guint64 topDocument = 0, bytes = 0;
       g_variant_get(params, "(&s&s&s&sbtt)", &body, &handler, &frameURL, &topURL, &isMainFrame, &topDocument, &bytes);
-      dispatch(handler, nullptr, MessageOrigin{frameURL, topURL, isMainFrame != FALSE, topDocument}, body,
-               static_cast<std::size_t>(bytes));
+      MessageOrigin origin{frameURL, topURL, isMainFrame != FALSE, topDocument};
+      if (!gathering) {
+        dispatch(handler, nullptr, std::move(origin), body, static_cast<std::size_t>(bytes));
+      } else {
+        // Taken out first: the handler may post again before it returns.
+        Gathering whole = *std::exchange(gathering, std::nullopt);
+        whole.text.append(body);
+        if (whole.broken || whole.text.size() != whole.length) {
+          log(LogLevel::warning, "engine", "a message sent in parts arrived incomplete and was dropped");
+          return TRUE;
+        }
+        dispatch(handler, nullptr, std::move(origin), std::string_view(whole.text), static_cast<std::size_t>(bytes));
+      }
       return TRUE;
     }
     return FALSE;

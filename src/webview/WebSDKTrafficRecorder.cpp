@@ -121,13 +121,16 @@ JSON WebSDKTrafficRecorder::masked(JSON value) const {
   return masked(std::move(value), false);
 }
 
+bool WebSDKTrafficRecorder::isSensitive(std::string_view key) const {
+  return sensitiveKeys().contains(key) || recording_.sensitiveKeys.contains(key);
+}
+
 // Under a sensitive key every scalar is masked, nested ones too, but objects
 // and arrays keep their shape: a replay then decodes what it did.
 JSON WebSDKTrafficRecorder::masked(JSON value, bool sensitive) const {
   if (auto* o = value.if_object()) {
     for (auto& member : *o)
-      member.value() =
-          masked(std::move(member.value()), sensitive || sensitiveKeys().contains(std::string_view(member.key())));
+      member.value() = masked(std::move(member.value()), sensitive || isSensitive(member.key()));
   } else if (auto* a = value.if_array()) {
     for (auto& element : *a) element = masked(std::move(element), sensitive);
   } else if (sensitive && !value.is_null()) {

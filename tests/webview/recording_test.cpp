@@ -212,6 +212,22 @@ TEST(Replay, SaysWhichRequestNowMeetsAnotherFate) {
   EXPECT_EQ(cart->received.size(), 1u);
 }
 
+TEST(TrafficRecorder, KeysTheAppMarksAreMaskedInItsAnswers) {
+  const auto path = freshFile("app-keys");
+  WebSDKConfig config = recordingTo(path);
+  config.recording->sensitiveKeys = {"loyaltyToken"};
+  test::Harness harness(config);
+  harness.view->setCartPlugin(std::make_shared<test::RecordingCart>());
+  harness.post(test::requestText("CLEAR_LOCAL_CART", "{}"));
+  harness.view->sendWebSDKResponse(
+      JSONObject{{"points", 4711}, {"card", JSONObject{{"loyaltyToken", "lt-93817"}}}},
+      WebSDKResponseType::success, "r1");
+  harness.engine->queue().drain();
+  const std::string file = contents(path);
+  EXPECT_EQ(file.find("lt-93817"), std::string::npos);
+  EXPECT_NE(file.find("4711"), std::string::npos);
+}
+
 TEST(TrafficRecorder, EachOutcomeIsOneLine) {
   const auto path = freshFile("outcomes");
   WebSDKConfig config = recordingTo(path);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,10 @@ struct WEBSDK_EXPORT WebSDKTrafficRecording {
   /// every field the models mark sensitive (card data, tokens, phone numbers,
   /// addresses) are written as "***".
   bool masksSensitiveValues = true;
+  /// Keys of the app's answers whose values are masked as the models'
+  /// sensitive fields are ("loyaltyToken", say): the models mark only what a
+  /// page sends.
+  std::set<std::string, std::less<>> sensitiveKeys{};
 
   bool operator==(const WebSDKTrafficRecording&) const = default;
 };

@@ -70,6 +70,7 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
  private:
   explicit WebSDKTrafficRecorder(const WebSDKTrafficRecording& recording);
   JSON masked(JSON value, bool sensitive) const;
+  bool isSensitive(std::string_view key) const;
   void write(JSONObject line);
 
   WebSDKTrafficRecording recording_;

@@ -296,8 +296,8 @@ int main(int argc, char** argv) {
   std::printf("\nRound trip, page -> plugin -> page (median microseconds per round trip)\n");
   std::printf("%-22s %12s %12s %8s %8s\n", "answer", "floor", "WebSDK", "ratio", "target");
   for (const auto& [name, f] : websdk::results()) {
-    const double target = name.starts_with("100 ")     ? 1.10
-                          : name.starts_with("10000 ") ? 1.15
+    const double target = name.starts_with("100 ")      ? 1.10
+                          : name.starts_with("10000 ")  ? 1.15
                           : name.ends_with("pipelined") ? 1.15
                                                         : 1.25;
     std::printf("%-22s %12.1f %12.1f %7.2fx %7.2fx\n", name.c_str(), f.floorUs, f.sdkUs, f.sdkUs / f.floorUs, target);

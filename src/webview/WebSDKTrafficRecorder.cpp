@@ -129,8 +129,7 @@ bool WebSDKTrafficRecorder::isSensitive(std::string_view key) const {
 // and arrays keep their shape: a replay then decodes what it did.
 JSON WebSDKTrafficRecorder::masked(JSON value, bool sensitive) const {
   if (auto* o = value.if_object()) {
-    for (auto& member : *o)
-      member.value() = masked(std::move(member.value()), sensitive || isSensitive(member.key()));
+    for (auto& member : *o) member.value() = masked(std::move(member.value()), sensitive || isSensitive(member.key()));
   } else if (auto* a = value.if_array()) {
     for (auto& element : *a) element = masked(std::move(element), sensitive);
   } else if (sensitive && !value.is_null()) {

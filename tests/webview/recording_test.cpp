@@ -219,9 +219,8 @@ TEST(TrafficRecorder, KeysTheAppMarksAreMaskedInItsAnswers) {
   test::Harness harness(config);
   harness.view->setCartPlugin(std::make_shared<test::RecordingCart>());
   harness.post(test::requestText("CLEAR_LOCAL_CART", "{}"));
-  harness.view->sendWebSDKResponse(
-      JSONObject{{"points", 4711}, {"card", JSONObject{{"loyaltyToken", "lt-93817"}}}},
-      WebSDKResponseType::success, "r1");
+  harness.view->sendWebSDKResponse(JSONObject{{"points", 4711}, {"card", JSONObject{{"loyaltyToken", "lt-93817"}}}},
+                                   WebSDKResponseType::success, "r1");
   harness.engine->queue().drain();
   const std::string file = contents(path);
   EXPECT_EQ(file.find("lt-93817"), std::string::npos);

@@ -166,9 +166,9 @@ struct Stamp {
 };
 
 // A page's messages on their way to the view, in the order posted. A large
-// one goes in parts, each cut at a character's start, then the stamp; the next part leaves only once the view has taken
-// the last, so the page's string is never copied whole again and the UI process never holds more than one part in
-// flight.
+// one goes in parts, then the stamp; the next part leaves only once the view
+// has taken the last, so the page's string is never copied whole again and
+// the UI process never holds more than one part in flight.
 struct Outgoing {
   char* message;       // owned: g_free
   std::size_t length;  // less than bytes when only the start goes

@@ -59,12 +59,12 @@ inline constexpr char kMarker[] = "websdkStamped";
 /// message its view would refuse unread (page not trusted, or over the size
 /// limit) goes as its first kRefusedMessageStart bytes only.
 inline constexpr char kPost[] = "websdk:post";
-/// Page -> view: a part of a large message, ahead of the kPost that carries
-/// its end, (the message's full size in bytes, the part's bytes). A large
-/// message travels in parts so that neither process holds it twice on the
-/// way: the view gathers them into storage sized once, by the first part,
-/// and replies to each; the page sends the next part (or any later message)
-/// only then, so at most one part is ever in flight.
+/// Page -> view: a part of a large message, (the message's full size in
+/// bytes, the part's bytes), ahead of the kPost that carries its stamp and an
+/// empty end. A large message travels in parts so that neither process holds
+/// it twice on the way: the view gathers them into storage sized once, by the
+/// first part, and replies to each; the page sends the next part (or any
+/// later message) only then, so at most one part is ever in flight.
 inline constexpr char kPostPart[] = "websdk:post-part";
 inline constexpr std::size_t kPostPartBytes = std::size_t{256} << 10;
 /// Page -> view: a new top document, (id). The UI process keeps the URL it

@@ -292,7 +292,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   std::unique_ptr<local::Serving> localPages;
   DocumentID document = 0;
   // A large stamped message's parts so far, in storage sized once by the
-  // size its first part announced: its last part arrives with the stamp.
+  // size its first part announced; the stamp follows the last.
   struct Gathering {
     std::string text;
     std::size_t length = 0;

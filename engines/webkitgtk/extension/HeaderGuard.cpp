@@ -210,14 +210,22 @@ void partTaken(GObject* source, GAsyncResult* result, gpointer) {
   pump(page);
 }
 
+// A message's stamped end: the whole message, or nothing after its parts.
+void sendStamped(WebKitWebPage* page, GVariant* end, const std::string& frameURL, const std::string& topURL,
+                 gboolean isMainFrame, guint64 topDocument, std::size_t bytes) {
+  GVariant* params = g_variant_new("(@ssssbtt)", end, channel::kName, frameURL.c_str(), topURL.c_str(), isMainFrame,
+                                   topDocument, static_cast<guint64>(bytes));
+  webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
+                                       nullptr);
+}
+
 void pump(WebKitWebPage* page) {
   Outbox& box = outboxOf(page);
   while (!box.waiting && !box.queue.empty()) {
     Outgoing& next = box.queue.front();
-    // Once in parts, all of it: the end then carries nothing large.
+    // Once in parts, all of it: the end then carries nothing.
     if (next.length > channel::kPostPartBytes && next.sent < next.length) {
-      std::size_t part = std::min(channel::kPostPartBytes, next.length - next.sent);
-      while (part > 0 && (static_cast<unsigned char>(next.message[next.sent + part]) & 0xC0) == 0x80) --part;
+      const std::size_t part = std::min(channel::kPostPartBytes, next.length - next.sent);
       GVariant* bytesOfPart = g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, next.message + next.sent, part, 1);
       next.sent += part;
       box.waiting = true;
@@ -228,14 +236,10 @@ void pump(WebKitWebPage* page) {
           nullptr, partTaken, nullptr);
       return;
     }
-    GVariant* end =
-        next.sent == 0 ? g_variant_new_take_string(next.message) : g_variant_new_string(next.message + next.sent);
+    GVariant* end = next.sent == 0 ? g_variant_new_take_string(next.message) : g_variant_new_string("");
     if (next.sent != 0) g_free(next.message);
-    GVariant* params = g_variant_new("(@ssssbtt)", end, channel::kName, next.frameURL.c_str(), next.topURL.c_str(),
-                                     next.isMainFrame, next.topDocument, static_cast<guint64>(next.bytes));
+    sendStamped(page, end, next.frameURL, next.topURL, next.isMainFrame, next.topDocument, next.bytes);
     box.queue.pop_front();
-    webkit_web_page_send_message_to_view(page, webkit_user_message_new(channel::kPost, params), nullptr, nullptr,
-                                         nullptr);
   }
 }
 
@@ -264,9 +268,17 @@ void post(JSCValue* body, gpointer data) {
       while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
       message[cut] = '\0';
     }
-  outboxOf(page).queue.push_back(Outgoing{message, std::strlen(message), 0, stamp->frameURL, stamp->topURL,
-                                          stamp->isMainFrame, stamp->topDocument, bytes});
-  pump(page);
+  const std::size_t length = std::strlen(message);
+  Outbox& box = outboxOf(page);
+  if (box.queue.empty() && length <= channel::kPostPartBytes) {
+    // Nothing ahead of it, and small enough to go whole: straight out.
+    sendStamped(page, g_variant_new_take_string(message), stamp->frameURL, stamp->topURL, stamp->isMainFrame,
+                stamp->topDocument, bytes);
+  } else {
+    box.queue.push_back(
+        Outgoing{message, length, 0, stamp->frameURL, stamp->topURL, stamp->isMainFrame, stamp->topDocument, bytes});
+    pump(page);
+  }
   g_object_unref(page);
 }
 

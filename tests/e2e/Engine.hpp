@@ -52,6 +52,9 @@ void pinch(WebEngine& engine, double scale);
 bool hasPinchGesture(WebEngine& engine);
 bool pinchEnabled(WebEngine& engine);
 
+/// Why the engine's headers have no module in the page's process that a host
+/// could leave out; empty when they do (WebKitGTK's guard module).
+std::string_view noGuardModule();
 /// What a host does that leaves the view's next web process without the
 /// guard module: it points the web context's module directory at `directory`
 /// (holding no module) and ends the current web process.

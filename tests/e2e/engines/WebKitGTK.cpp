@@ -76,6 +76,8 @@ bool pinchEnabled(WebEngine& engine) {
   return dynamic_cast<webkitgtk::WebKitGTKEngine&>(engine).pinchGestureRecognizerEnabled();
 }
 
+std::string_view noGuardModule() { return {}; }
+
 void restartWithoutGuardModule(WebEngine& engine, const std::string& directory) {
   WebKitWebView* view = webkitgtk::nativeWebView(engine);
   compat::setExtensionsDirectory(webkit_web_view_get_context(view), directory.c_str());

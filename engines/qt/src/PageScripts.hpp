@@ -1,0 +1,110 @@
+#pragma once
+// The scripts that carry a page's messages to the engine under Qt WebEngine.
+//
+// The page's main world gets window.webkit.messageHandlers, as under WebKit,
+// and a document mark it cannot change. The channel to the UI process lives
+// in an isolated world the page cannot reach: a page script can hand it a
+// message (a DOM event, as postMessage does), but the sender's URL and its
+// document are read there, never taken from what the page says.
+
+#include <string>
+#include <string_view>
+
+namespace websdk::qtwebengine::scripts {
+
+/// The object the isolated world's channel reaches in the UI process.
+inline constexpr char kChannelObject[] = "websdk";
+/// What an evaluation meant for another document completes with.
+inline constexpr char kDropped[] = "\x01websdk:dropped";
+/// A message larger than this many UTF-16 units, or than the size limit, goes
+/// as its start only: it is refused unread, and its start says what it was.
+inline constexpr std::size_t kRefusedMessageStart = 4096;
+
+/// The main world's part, at document creation, ahead of any page script.
+/// `handlers` is a JSON array of the handler names.
+inline std::string mainWorld(std::string_view handlers) {
+  std::string s = R"JS((function () {
+'use strict';
+const names = )JS";
+  s += handlers;
+  s += R"JS(;
+const dispatch = EventTarget.prototype.dispatchEvent, listen = EventTarget.prototype.addEventListener;
+const Custom = CustomEvent, stringify = JSON.stringify, freeze = Object.freeze;
+const random = new Uint32Array(4);
+crypto.getRandomValues(random);
+const mark = Array.from(random, n => n.toString(16).padStart(8, '0')).join('');
+// The document's mark: answers for another document never run in this one.
+Object.defineProperty(window, '__websdkDocument', {value: mark});
+const send = (kind, detail) => dispatch.call(window, new Custom(kind, {detail}));
+listen.call(window, 'websdk:listening', () => send('websdk:hello', mark));
+send('websdk:hello', mark);
+const handlers = {};
+for (const name of names) {
+  handlers[name] = freeze({postMessage(body) {
+    if (name === 'nativeRequest') {
+      const message = body !== null && typeof body === 'object' ? body.message : undefined;
+      if (typeof message === 'string') send('websdk:post', [name, message, true]);
+      return;
+    }
+    const text = stringify(body);
+    send('websdk:post', [name, text === undefined ? 'null' : text, false]);
+  }});
+}
+Object.defineProperty(window, 'webkit', {value: freeze({messageHandlers: freeze(handlers)}), enumerable: true});
+})();
+)JS";
+  return s;
+}
+
+/// The isolated world's part, after Qt's qwebchannel.js. `limit` is the size
+/// limit in bytes.
+inline std::string isolatedWorld(std::size_t limit) {
+  std::string s = "(function () {\n'use strict';\nconst limit = " + std::to_string(limit) +
+                  ", start = " + std::to_string(kRefusedMessageStart) + ";\n";
+  s += R"JS(let mark = null, bridge = null;
+const waiting = [];
+const call = args => { if (bridge) bridge.receive(args); else waiting.push(args); };
+// Lone surrogate halves become U+FFFD, as a JSON parse of the text would read them.
+const lone = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g;
+window.addEventListener('websdk:hello', event => {
+  if (mark !== null || typeof event.detail !== 'string') return;
+  mark = event.detail;
+  call(['hello', mark, location.href]);
+});
+window.addEventListener('websdk:post', event => {
+  const d = event.detail;
+  if (mark === null || !Array.isArray(d) || typeof d[0] !== 'string' || typeof d[1] !== 'string') return;
+  let text = d[1];
+  const units = text.length;
+  if (units > limit) text = text.substring(0, start);
+  text = text.replace(lone, '\uFFFD');
+  call(['post', mark, location.href, d[0], text, d[2] === true ? units : -1]);
+});
+new QWebChannel(qt.webChannelTransport, channel => {
+  bridge = channel.objects.)JS";
+  s += kChannelObject;
+  s += R"JS(;
+  for (const args of waiting.splice(0)) bridge.receive(args);
+});
+window.dispatchEvent(new CustomEvent('websdk:listening'));
+})();
+)JS";
+  return s;
+}
+
+/// `script` run only in the document marked `mark`; elsewhere it completes
+/// with kDropped.
+inline std::string inDocument(std::string_view mark, std::string_view script) {
+  std::string s;
+  s.reserve(script.size() + 96);
+  s += "if (window.__websdkDocument !== '";
+  s += mark;
+  s += "') '";
+  s += kDropped;
+  s += "'; else {\n";
+  s += script;
+  s += "\n}";
+  return s;
+}
+
+}  // namespace websdk::qtwebengine::scripts

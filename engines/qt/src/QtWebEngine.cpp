@@ -1,0 +1,738 @@
+// The Qt WebEngine port. Qt objects are owned by the view (the page, the
+// channel) or by the state; every Qt callback holds the state weakly, so one
+// that arrives after the engine is gone does nothing.
+
+#include "websdk/qtwebengine/Native.hpp"
+
+#include "Channel.hpp"
+#include "LocalScheme.hpp"
+#include "PageScripts.hpp"
+#include "websdk/Log.hpp"
+#include "websdk/webview/ScriptBuffers.hpp"
+
+#include <QApplication>
+#include <QAuthenticator>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEvent>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLoggingCategory>
+#include <QNativeGestureEvent>
+#include <QPointer>
+#include <QTimer>
+#include <QWebChannel>
+#include <QWebEngineHttpRequest>
+#include <QWebEngineLoadingInfo>
+#include <QWebEngineProfile>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
+#include <QWebEngineSettings>
+#include <QWebEngineUrlRequestInterceptor>
+#include <QWebEngineUrlScheme>
+
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <deque>
+#include <map>
+#include <mutex>
+
+namespace websdk::qtwebengine {
+
+// ---- Log and start ---------------------------------------------------------------
+
+namespace {
+Q_LOGGING_CATEGORY(websdkCategory, "websdk")
+
+void toQt(const LogRecord& record) {
+  const QString text = QString::fromUtf8(record.message.data(), static_cast<qsizetype>(record.message.size()));
+  const QByteArray topic(record.topic.data(), static_cast<qsizetype>(record.topic.size()));
+  switch (record.level) {
+    case LogLevel::debug: qCDebug(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
+    case LogLevel::info: qCInfo(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
+    case LogLevel::warning: qCWarning(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
+  }
+}
+
+QString qstring(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+std::string utf8(const QString& s) { return s.toStdString(); }
+}  // namespace
+
+void logToQt() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    websdk::detail::setPlatformLogSink(toQt);
+    // The WebSDK's own debug messages stay quiet unless asked for.
+    QLoggingCategory::setFilterRules(QStringLiteral("websdk.debug=false"));
+  });
+}
+
+void prepare(const std::vector<std::string>& localSchemes) {
+  static std::once_flag once;
+  std::call_once(once, [&] {
+    logToQt();
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    // Chromium's sandbox cannot start as root: off for this process, and said.
+    if (geteuid() == 0) {
+      std::string flags = std::getenv("QTWEBENGINE_CHROMIUM_FLAGS") ? std::getenv("QTWEBENGINE_CHROMIUM_FLAGS") : "";
+      if (flags.find("--no-sandbox") == std::string::npos) {
+        flags += flags.empty() ? "--no-sandbox" : " --no-sandbox";
+        setenv("QTWEBENGINE_CHROMIUM_FLAGS", flags.c_str(), 1);
+        log(LogLevel::info, "engine", "running as root: Chromium's sandbox is off for this process");
+      }
+    }
+    for (const auto& name : localSchemes) {
+      QWebEngineUrlScheme scheme(QByteArray::fromStdString(name));
+      scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
+      scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
+      QWebEngineUrlScheme::registerScheme(scheme);
+    }
+  });
+}
+
+bool initialize() {
+  static int argc = 1;
+  static char name[] = "websdk";
+  static char* argv[] = {name, nullptr};
+  return initialize(argc, argv);
+}
+
+bool initialize(int& argc, char** argv) {
+  if (QCoreApplication::instance() != nullptr) return qobject_cast<QApplication*>(QCoreApplication::instance());
+  prepare();
+  // Qt ends the process when its platform cannot open a display: ask first.
+  const char* platform = std::getenv("QT_QPA_PLATFORM");
+  const bool offscreen = platform != nullptr && std::string_view(platform).starts_with("offscreen");
+  if (!offscreen && std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr) return false;
+  static QApplication* application = new QApplication(argc, argv);
+  return application != nullptr;
+}
+
+bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
+  QDeadlineTimer deadline(bound.count());
+  bool ok = false;
+  while (!(ok = done()) && !deadline.hasExpired())
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
+                                    static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 1, 50)));
+  return ok;
+}
+
+// ---- Main queue ------------------------------------------------------------------
+
+struct QtMainQueue::Context {
+  QObject object;  // lives on the UI thread: queued calls run there
+};
+
+QtMainQueue::QtMainQueue() : context_(std::make_unique<Context>()) {}
+QtMainQueue::~QtMainQueue() = default;
+
+void QtMainQueue::post(std::function<void()> task) {
+  QMetaObject::invokeMethod(&context_->object, std::move(task), Qt::QueuedConnection);
+}
+
+void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
+  QTimer::singleShot(std::chrono::milliseconds(std::max<std::int64_t>(0, delay.count())), &context_->object,
+                     std::move(task));
+}
+
+bool QtMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
+
+// ---- Engine state ----------------------------------------------------------------
+
+namespace {
+
+std::optional<JSON> toJSON(const QVariant& value) {
+  if (!value.isValid()) return std::nullopt;
+  const QJsonValue json = QJsonValue::fromVariant(value);
+  if (json.isUndefined()) return std::nullopt;
+  // Wrapped: QJsonDocument takes only arrays and objects.
+  const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
+  JSON parsed = parseJSON(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
+  if (!parsed.is_array() || parsed.as_array().empty()) return std::nullopt;
+  return std::move(parsed.as_array()[0]);
+}
+
+QString channelScriptSource() {
+  QFile file(QStringLiteral(":/qtwebchannel/qwebchannel.js"));
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  return QString::fromUtf8(file.readAll());
+}
+
+std::string errorDomain(QWebEngineLoadingInfo::ErrorDomain domain) {
+  switch (domain) {
+    case QWebEngineLoadingInfo::NoErrorDomain: return "none";
+    case QWebEngineLoadingInfo::InternalErrorDomain: return "internal";
+    case QWebEngineLoadingInfo::ConnectionErrorDomain: return "connection";
+    case QWebEngineLoadingInfo::CertificateErrorDomain: return "certificate";
+    case QWebEngineLoadingInfo::HttpErrorDomain: return "http";
+    case QWebEngineLoadingInfo::FtpErrorDomain: return "ftp";
+    case QWebEngineLoadingInfo::DnsErrorDomain: return "dns";
+    case QWebEngineLoadingInfo::HttpStatusCodeDomain: return "httpStatusCode";
+    default: return "unknown";
+  }
+}
+
+constexpr int kAbortedError = -3;  // Chromium's net::ERR_ABORTED
+
+}  // namespace
+
+struct QtWebEngine::State : std::enable_shared_from_this<State> {
+  using Weak = std::weak_ptr<State>;
+
+  class Page final : public QWebEnginePage {
+   public:
+    Page(QWebEngineProfile* profile, Weak state, QObject* parent)
+        : QWebEnginePage(profile, parent), state_(std::move(state)) {}
+
+   protected:
+    bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override {
+      auto s = state_.lock();
+      return s && s->acceptNavigation(url, type, isMainFrame);
+    }
+    // New windows (target=_blank, window.open) are not opened: the view shows one page.
+    QWebEnginePage* createWindow(WebWindowType) override { return nullptr; }
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int line,
+                                  const QString& source) override {
+      log(LogLevel::debug, "engine", utf8(source) + ":" + std::to_string(line) + ": " + utf8(message));
+    }
+
+   private:
+    Weak state_;
+  };
+
+  // Adds the app's fields to the requests of the view's own load whose host is
+  // trusted: the load's first request and each redirect of it. Nothing else
+  // ever carries them, so nothing needs stripping.
+  class Guard final : public QWebEngineUrlRequestInterceptor {
+   public:
+    explicit Guard(Weak state) : state_(std::move(state)) {}
+    void interceptRequest(QWebEngineUrlRequestInfo& info) override {
+      if (auto s = state_.lock()) s->intercept(info);
+    }
+
+   private:
+    Weak state_;
+  };
+
+  // Watches pinches ahead of the page, so that a refused one never reaches it.
+  class PinchFilter final : public QObject {
+   public:
+    explicit PinchFilter(Weak state) : state_(std::move(state)) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+      if (event->type() != QEvent::NativeGesture) return false;
+      auto s = state_.lock();
+      if (!s) return false;
+      auto* gesture = static_cast<QNativeGestureEvent*>(event);
+      if (gesture->gestureType() == Qt::BeginNativeGesture ||
+          (gesture->gestureType() == Qt::ZoomNativeGesture && !s->pinching)) {
+        if (!s->pinching) {
+          s->pinching = true;
+          if (s->client) s->client->scrollViewWillBeginZooming();
+        }
+      }
+      if (gesture->gestureType() == Qt::EndNativeGesture) s->pinching = false;
+      return !s->pinchEnabled;
+    }
+
+   private:
+    Weak state_;
+  };
+
+  QPointer<QWebEngineView> view;
+  QPointer<Page> page;
+  QWebEngineProfile* profile = nullptr;  // ours when ephemeral
+  bool ownsProfile = false;
+  std::unique_ptr<Guard> guard;
+  std::unique_ptr<PinchFilter> pinchFilter;
+  std::unique_ptr<local::Serving> localPages;
+  QWebChannel* channel = nullptr;      // the page's child
+  ChannelObject* channelObject = nullptr;  // the channel's child
+  WebEngineClient* client = nullptr;
+  QtMainQueue queue;
+  QString channelLibrary;
+
+  std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> channels;
+  std::vector<UserScript> userScripts;
+  std::size_t messageLimit = WebSDKConfig{}.maximumMessageBytes;
+
+  // Documents: each announces its mark from the isolated world at creation.
+  DocumentID lastDocument = 0;
+  DocumentID document = 0;
+  std::string documentMark;
+  std::deque<std::pair<std::string, DocumentID>> recentMarks;  // the last few, newest last
+  std::optional<std::string> committedURL;
+  bool committedSinceStart = false;
+
+  bool pinchEnabled = true;
+  bool pinching = false;
+  bool suppressesIncrementalRendering = false;
+  bool allowsInlineMediaPlayback = true;
+  bool javaScriptEnabled = true;
+
+  // The view's own load: its request, and whether the main-frame requests
+  // now under way are it or its redirects.
+  std::optional<URLRequest> pendingLoad;
+  QUrl pendingLoadURL;
+  bool loadChain = false;
+
+  // Navigation bookkeeping.
+  std::uint64_t lastNavigationId = 0;
+  std::optional<WebSDKNavigation> current;
+  bool navigating = false;  // an allowed main-frame navigation not yet ended
+  bool abandoned = false;   // stopped on timeout: Qt's own stop stays quiet
+  std::optional<double> pendingTimeout;
+  QTimer timeout;
+  // Navigations the client allowed later than Qt asked: each is issued again
+  // and passes once, unasked.
+  std::vector<QUrl> allowedAgain;
+  std::uint64_t lastQuestion = 0;
+  std::map<std::uint64_t, bool> deciding;  // asked now: answered in the call?
+  int emitting = 0;
+
+  struct Emitting {
+    State& s;
+    explicit Emitting(State& state) : s(state) { ++s.emitting; }
+    ~Emitting() { --s.emitting; }
+  };
+
+  // ---- Making and teardown ----
+  void make(const QtWebEngineConfiguration& configuration) {
+    const Weak weak = weak_from_this();
+    // A view with local pages has a profile of its own: Qt does not say
+    // which view a scheme's request comes from.
+    ownsProfile = configuration.ephemeral || !configuration.localPages.empty();
+    profile = ownsProfile ? new QWebEngineProfile() : QWebEngineProfile::defaultProfile();
+    view = new QWebEngineView();
+    page = new Page(profile, weak, view);
+    guard = std::make_unique<Guard>(weak);
+    page->setUrlRequestInterceptor(guard.get());
+    view->setPage(page);
+    channel = new QWebChannel(page);
+    channelObject = new ChannelObject([weak](const QJsonArray& call) {
+      if (auto s = weak.lock(); s && s->page) s->received(call);
+    });
+    channelObject->setParent(channel);
+    channel->registerObject(QString::fromLatin1(scripts::kChannelObject), channelObject);
+    page->setWebChannel(channel, QWebEngineScript::ApplicationWorld);
+    channelLibrary = channelScriptSource();
+    if (channelLibrary.isEmpty())
+      log(LogLevel::warning, "engine", "Qt's qwebchannel.js was not found: pages cannot reach the app");
+    installScripts();
+    localPages = local::serve(profile, configuration.localPages);
+
+    QObject::connect(page, &QWebEnginePage::loadingChanged, page, [weak](const QWebEngineLoadingInfo& info) {
+      if (auto s = weak.lock(); s && s->page) s->loadingChanged(info);
+    });
+    QObject::connect(page, &QWebEnginePage::authenticationRequired, page,
+                     [weak](const QUrl& url, QAuthenticator* authenticator) {
+                       if (auto s = weak.lock(); s && s->page) s->authenticate(url, authenticator);
+                     });
+    timeout.setSingleShot(true);
+    QObject::connect(&timeout, &QTimer::timeout, [weak] {
+      if (auto s = weak.lock(); s && s->page) s->loadTimedOut();
+    });
+    pinchFilter = std::make_unique<PinchFilter>(weak);
+    view->installEventFilter(pinchFilter.get());
+    const char* inspector = std::getenv("WEBSDK_INSPECTOR");
+    if (configuration.webInspector || (inspector != nullptr && std::string_view(inspector) == "1"))
+      log(LogLevel::info, "engine",
+          "developer tools: start the app with QTWEBENGINE_REMOTE_DEBUGGING=<port> and open that port in Chromium");
+  }
+
+  void shutdown() {
+    timeout.stop();
+    client = nullptr;
+    localPages.reset();
+    if (channelObject) channelObject->close();
+    if (page) page->setUrlRequestInterceptor(nullptr);
+    // A view the host destroyed first (with its window) took its page along.
+    QWebEngineView* widget = view.data();
+    view = nullptr;
+    page = nullptr;
+    if (widget != nullptr) {
+      if (emitting > 0)
+        widget->deleteLater();
+      else
+        delete widget;
+    }
+    if (ownsProfile) {
+      // After its pages, which may still be on their way out.
+      if (emitting > 0 || widget == nullptr)
+        profile->deleteLater();
+      else
+        delete profile;
+    }
+    profile = nullptr;
+  }
+
+  // ---- Scripts ----
+  void installScripts() {
+    QWebEngineScriptCollection& collection = page->scripts();
+    collection.clear();
+    auto add = [&](const QString& name, const QString& source, quint32 world) {
+      QWebEngineScript script;
+      script.setName(name);
+      script.setSourceCode(source);
+      script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+      script.setWorldId(world);
+      script.setRunsOnSubFrames(false);
+      collection.insert(script);
+    };
+    add(QStringLiteral("websdk-channel"), channelLibrary + qstring(scripts::isolatedWorld(messageLimit)),
+        QWebEngineScript::ApplicationWorld);
+    JSONArray names;
+    for (const auto& [name, handler] : channels) names.emplace_back(name);
+    add(QStringLiteral("websdk-handlers"), qstring(scripts::mainWorld(serialize(names))), QWebEngineScript::MainWorld);
+    int n = 0;
+    for (const auto& script : userScripts)
+      add(QStringLiteral("websdk-user-%1").arg(n++), qstring(script.source), QWebEngineScript::MainWorld);
+  }
+
+  // ---- Messages ----
+  void received(const QJsonArray& call) {
+    Emitting guardEmit(*this);
+    const QString kind = call.at(0).toString();
+    const std::string mark = utf8(call.at(1).toString());
+    if (kind == QLatin1String("hello") && call.size() == 3) {
+      for (const auto& [known, id] : recentMarks)
+        if (known == mark) return;  // one document says hello once
+      document = ++lastDocument;
+      documentMark = mark;
+      recentMarks.emplace_back(mark, document);
+      if (recentMarks.size() > 8) recentMarks.pop_front();
+      committedURL = utf8(call.at(2).toString());
+      committedSinceStart = true;
+      timeout.stop();
+      loadChain = false;
+      if (current && navigating) current->url = *committedURL;
+      return;
+    }
+    if (kind != QLatin1String("post") || call.size() != 6) return;
+    DocumentID from = 0;
+    for (const auto& [known, id] : recentMarks)
+      if (known == mark) from = id;
+    if (from == 0) return;  // no document of this view's said so
+    const std::string url = utf8(call.at(2).toString());
+    const std::string name = utf8(call.at(3).toString());
+    const auto it = channels.find(name);
+    if (it == channels.end()) return;
+    const auto handler = it->second.lock();
+    if (!handler) return;
+    std::string text = utf8(call.at(4).toString());
+    MessageOrigin origin{url, url, true, from};
+    if (name == "nativeRequest") {
+      // A NUL cannot travel in the bridge's text; U+0001 reads the same in JSON.
+      std::replace(text.begin(), text.end(), '\0', '\x01');
+      const auto units = static_cast<std::size_t>(std::max(0.0, call.at(5).toDouble()));
+      const std::size_t bytes = std::max(text.size(), units);
+      handler->userContentController(
+          ScriptMessage{name, JSON(nullptr), std::move(origin), std::string_view(text), bytes});
+      return;
+    }
+    handler->userContentController(
+        ScriptMessage{name, parseJSON(text), std::move(origin), std::nullopt, 0});
+  }
+
+  // ---- The app's headers ----
+  void intercept(QWebEngineUrlRequestInfo& info) {
+    if (info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeMainFrame || !pendingLoad) return;
+    const bool redirect = info.navigationType() == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
+    if (!redirect) loadChain = info.requestUrl() == pendingLoadURL;
+    if (!loadChain) return;
+    const std::string target = utf8(info.requestUrl().toString(QUrl::FullyEncoded));
+    for (const auto& [name, value] : pendingLoad->headersFor(target))
+      if (std::ranges::find(pendingLoad->confinedHeaders, name) != pendingLoad->confinedHeaders.end())
+        info.setHttpHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+  }
+
+  void send(const URLRequest& request) {
+    const QUrl url(qstring(request.url));
+    if (request.trust.maximumMessageBytes != messageLimit) {
+      messageLimit = request.trust.maximumMessageBytes;
+      installScripts();
+    }
+    pendingLoad = request;
+    pendingLoadURL = url;
+    loadChain = false;
+    if (localPages) localPages->expect(request.url, request.headersFor(request.url));
+    QWebEngineHttpRequest http(url);
+    // Fields anyone may see go on the request; the app's are added per request.
+    for (const auto& [name, value] : request.headersFor(""))
+      http.setHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+    pendingTimeout = request.timeoutInterval;
+    timeout.stop();
+    page->load(http);
+  }
+
+  // ---- Navigation ----
+  bool acceptNavigation(const QUrl& url, QWebEnginePage::NavigationType type, bool isMainFrame) {
+    Emitting guardEmit(*this);
+    if (isMainFrame) {
+      const auto again = std::ranges::find(allowedAgain, url);
+      if (again != allowedAgain.end()) {
+        allowedAgain.erase(again);
+        started(url, type == QWebEnginePage::NavigationTypeRedirect);
+        return true;
+      }
+    }
+    if (!client) return false;
+    const std::uint64_t id = ++lastQuestion;
+    deciding.emplace(id, false);
+    std::optional<bool> answer;
+    const bool redirect = type == QWebEnginePage::NavigationTypeRedirect;
+    const WebSDKNavigationAction action{utf8(url.toString(QUrl::FullyEncoded)), "GET", isMainFrame,
+                                        type == QWebEnginePage::NavigationTypeLinkClicked};
+    // A later answer cannot reach Qt's question: an allowed main-frame
+    // navigation is issued again, this time passing unasked. Its history entry
+    // and a form's body are not carried over.
+    const bool ownLoad = pendingLoad && (url == pendingLoadURL || (redirect && loadChain));
+    client->decidePolicyFor(action, [weak = weak_from_this(), id, url, isMainFrame, ownLoad,
+                                     answerSlot = &answer](WebSDKNavigationActionPolicy policy) {
+      auto s = weak.lock();
+      if (!s || !s->page) return;
+      const bool allow = policy == WebSDKNavigationActionPolicy::allow;
+      const auto it = s->deciding.find(id);
+      if (it == s->deciding.end()) return;  // the first answer stands
+      if (!it->second) {
+        *answerSlot = allow;  // inside the question: Qt hears it directly
+        s->deciding.erase(it);
+        return;
+      }
+      s->deciding.erase(it);
+      if (!allow) {
+        if (isMainFrame && ownLoad) s->pendingTimeout.reset();
+        return;
+      }
+      if (!isMainFrame) {
+        log(LogLevel::warning, "navigation",
+            "a frame's navigation allowed after Qt asked cannot be issued again: " + utf8(url.toString()));
+        return;
+      }
+      s->queue.post([weak, url, ownLoad] {
+        auto state = weak.lock();
+        if (!state || !state->page) return;
+        state->allowedAgain.push_back(url);
+        if (ownLoad && state->pendingLoad) {
+          URLRequest request = *state->pendingLoad;
+          request.url = utf8(url.toString(QUrl::FullyEncoded));
+          state->send(request);
+        } else {
+          state->page->load(url);
+        }
+      });
+    });
+    const auto it = deciding.find(id);
+    if (it != deciding.end()) it->second = true;  // answered later, if at all
+    if (answer.value_or(false)) {
+      if (isMainFrame) started(url, redirect);
+      return true;
+    }
+    if (answer && isMainFrame && ownLoad) pendingTimeout.reset();
+    return false;
+  }
+
+  void started(const QUrl& url, bool redirect) {
+    if (redirect && navigating) return;  // the navigation under way goes on
+    abandoned = false;
+    navigating = true;
+    committedSinceStart = false;
+    current = WebSDKNavigation{++lastNavigationId, utf8(url.toString(QUrl::FullyEncoded))};
+    if (pendingTimeout) armTimeout(*std::exchange(pendingTimeout, std::nullopt));
+    if (client) client->didStartProvisionalNavigation(&*current);
+  }
+  void loadingChanged(const QWebEngineLoadingInfo& info) {
+    Emitting guardEmit(*this);
+    switch (info.status()) {
+      case QWebEngineLoadingInfo::LoadStartedStatus: return;
+      case QWebEngineLoadingInfo::LoadSucceededStatus:
+        timeout.stop();
+        if (!committedSinceStart) {
+          // No word from the document (JavaScript off): the UI process's view of it.
+          document = ++lastDocument;
+          documentMark.clear();
+          committedURL = utf8(info.url().toString(QUrl::FullyEncoded));
+        }
+        if (!navigating || abandoned) return;
+        navigating = false;
+        if (client) client->didFinish(current ? &*current : nullptr);
+        return;
+      case QWebEngineLoadingInfo::LoadStoppedStatus:
+      case QWebEngineLoadingInfo::LoadFailedStatus: {
+        if (!navigating || abandoned) return;  // refused by us, or stopped on timeout
+        timeout.stop();
+        navigating = false;
+        const bool stopped = info.status() == QWebEngineLoadingInfo::LoadStoppedStatus;
+        const WebSDKError error{stopped ? "internal" : errorDomain(info.errorDomain()),
+                                stopped ? kAbortedError : info.errorCode(),
+                                stopped ? "Load stopped" : utf8(info.errorString()), false};
+        if (client) {
+          if (committedSinceStart)
+            client->didFail(current ? &*current : nullptr, error);
+          else
+            client->didFailProvisionalNavigation(current ? &*current : nullptr, error);
+        }
+        return;
+      }
+    }
+  }
+
+  void armTimeout(double seconds) {
+    timeout.stop();
+    if (!(seconds > 0) || !std::isfinite(seconds)) return;
+    timeout.start(static_cast<int>(std::min(std::ceil(seconds * 1000.0), 2.0e9)));
+  }
+
+  void loadTimedOut() {
+    Emitting guardEmit(*this);
+    const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
+    abandoned = true;
+    navigating = false;
+    page->triggerAction(QWebEnginePage::Stop);
+    if (client)
+      client->didFailProvisionalNavigation(&navigation,
+                                           WebSDKError{"connection", -7, "The request timed out.", true});
+  }
+
+  // Qt asks synchronously and takes no later answer: a delegate that answers
+  // within the call is heard; one that answers later finds the challenge
+  // cancelled.
+  void authenticate(const QUrl& url, QAuthenticator* authenticator) {
+    Emitting guardEmit(*this);
+    if (!client) {
+      *authenticator = QAuthenticator();
+      return;
+    }
+    const WebSDKAuthenticationChallenge challenge{utf8(url.host()), url.port(url.scheme() == "https" ? 443 : 80),
+                                                  utf8(authenticator->realm()), "httpBasic",
+                                                  authenticator->option(QStringLiteral("websdk-retry")).toInt()};
+    bool answered = false;
+    bool inside = true;
+    auto weak = weak_from_this();
+    client->didReceive(challenge, [&, weak](WebSDKAuthChallengeDisposition disposition,
+                                            std::optional<WebSDKURLCredential> credential) {
+      if (!inside) {
+        log(LogLevel::warning, "navigation",
+            "an authentication challenge was answered after Qt WebEngine stopped waiting: answer it within "
+            "didReceive on this engine");
+        return;
+      }
+      answered = true;
+      if (disposition == WebSDKAuthChallengeDisposition::useCredential && credential) {
+        authenticator->setUser(qstring(credential->user));
+        authenticator->setPassword(qstring(credential->password));
+      } else if (disposition == WebSDKAuthChallengeDisposition::cancelAuthenticationChallenge) {
+        *authenticator = QAuthenticator();
+      }
+    });
+    inside = false;
+    if (!answered) *authenticator = QAuthenticator();
+  }
+
+  // ---- Settings ----
+  void applySettings() {
+    page->settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, javaScriptEnabled);
+  }
+};
+
+// ---- QtWebEngine -------------------------------------------------------------------
+
+QtWebEngine::QtWebEngine(const QtWebEngineConfiguration& configuration) : state_(std::make_shared<State>()) {
+  logToQt();
+  state_->make(configuration);
+}
+
+QtWebEngine::~QtWebEngine() { state_->shutdown(); }
+
+void QtWebEngine::setClient(WebEngineClient* client) { state_->client = client; }
+
+void QtWebEngine::load(const URLRequest& request) {
+  if (state_->page) state_->send(request);
+}
+
+void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
+  State& s = *state_;
+  if (!s.page) return;
+  const QString source = qstring(script);
+  scriptBuffers::give(std::move(script));
+  if (!completion) return s.page->runJavaScript(source, QWebEngineScript::MainWorld);
+  s.page->runJavaScript(source, QWebEngineScript::MainWorld,
+                        [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
+                          if (auto state = weak.lock(); state && state->page)
+                            completion(ScriptResult{toJSON(value), std::nullopt, false});
+                        });
+}
+
+void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
+  State& s = *state_;
+  if (!s.page) return;
+  if (document == 0 || document != s.document) {
+    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
+    return;
+  }
+  if (s.documentMark.empty()) return evaluateJavaScript(std::move(script), std::move(completion));
+  // The page decides: a navigation racing the answer cannot carry it into the next document.
+  const QString source = qstring(scripts::inDocument(s.documentMark, script));
+  scriptBuffers::give(std::move(script));
+  if (!completion) return s.page->runJavaScript(source, QWebEngineScript::MainWorld);
+  s.page->runJavaScript(source, QWebEngineScript::MainWorld,
+                        [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
+                          auto state = weak.lock();
+                          if (!state || !state->page) return;
+                          if (value.typeId() == QMetaType::QString &&
+                              value.toString() == QLatin1String(scripts::kDropped))
+                            return completion(ScriptResult{std::nullopt, std::nullopt, true});
+                          completion(ScriptResult{toJSON(value), std::nullopt, false});
+                        });
+}
+
+void QtWebEngine::addUserScript(const UserScript& script) {
+  State& s = *state_;
+  if (!s.page) return;
+  s.userScripts.push_back(script);
+  s.installScripts();
+}
+
+void QtWebEngine::addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
+  State& s = *state_;
+  if (!s.page || s.channels.contains(name)) return;  // the first handler of a name keeps it
+  s.channels.emplace(std::move(name), std::move(handler));
+  s.installScripts();
+}
+
+void QtWebEngine::removeScriptMessageHandler(std::string_view name) {
+  State& s = *state_;
+  const auto it = s.channels.find(name);
+  if (it == s.channels.end()) return;
+  s.channels.erase(it);
+  if (s.page) s.installScripts();
+}
+
+std::optional<std::string_view> QtWebEngine::url() const {
+  if (!state_->page || !state_->committedURL || state_->committedURL->empty()) return std::nullopt;
+  return std::string_view(*state_->committedURL);
+}
+
+DocumentID QtWebEngine::document() const { return state_->page ? state_->document : 0; }
+
+void QtWebEngine::setPreferences(const WebPreferences& preferences) {
+  state_->javaScriptEnabled = preferences.javaScriptEnabled;
+  if (state_->page) state_->applySettings();
+}
+
+void QtWebEngine::setSuppressesIncrementalRendering(bool suppress) { state_->suppressesIncrementalRendering = suppress; }
+bool QtWebEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
+void QtWebEngine::setAllowsInlineMediaPlayback(bool allow) { state_->allowsInlineMediaPlayback = allow; }
+bool QtWebEngine::hasPinchGestureRecognizer() const { return state_->pinchFilter != nullptr; }
+void QtWebEngine::setPinchGestureRecognizerEnabled(bool enabled) { state_->pinchEnabled = enabled; }
+bool QtWebEngine::pinchGestureRecognizerEnabled() const { return state_->pinchEnabled; }
+MainQueue& QtWebEngine::mainQueue() { return state_->queue; }
+
+void* nativeHandle(WebEngine& engine) {
+  auto* qt = dynamic_cast<QtWebEngine*>(&engine);
+  return qt ? static_cast<void*>(qt->state_->view.data()) : nullptr;
+}
+
+}  // namespace websdk::qtwebengine

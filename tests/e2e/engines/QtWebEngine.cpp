@@ -1,0 +1,84 @@
+// The real-engine suite's fixture for the Qt WebEngine engine, under Qt's
+// xcb platform (xvfb-run).
+
+#include "../Engine.hpp"
+#include "websdk/qtwebengine/Native.hpp"
+
+#include <QApplication>
+#include <QNativeGestureEvent>
+#include <QPointer>
+#include <QPointingDevice>
+#include <QVBoxLayout>
+#include <QWidget>
+
+namespace websdk::e2e::engine {
+
+std::string_view name() { return "qtwebengine"; }
+
+bool start() { return qtwebengine::initialize(); }
+
+std::unique_ptr<WebEngine> make(bool ephemeral, std::vector<LocalPages> localPages) {
+  qtwebengine::QtWebEngineConfiguration configuration;
+  configuration.ephemeral = ephemeral;
+  configuration.localPages = std::move(localPages);
+  return std::make_unique<qtwebengine::QtWebEngine>(configuration);
+}
+
+bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
+  return qtwebengine::runUntil(done, bound);
+}
+
+struct Window::Native {
+  QPointer<QWidget> window;
+  Native() {
+    window = new QWidget();
+    window->setWindowTitle(QStringLiteral("WebSDK real-engine tests"));
+    window->resize(400, 600);
+    new QVBoxLayout(window);
+    window->layout()->setContentsMargins(0, 0, 0, 0);
+  }
+  ~Native() { delete window.data(); }
+};
+Window::Window() : native_(std::make_unique<Native>()) {}
+Window::~Window() = default;
+
+void Window::show(WebEngine& engine) {
+  QWidget* window = native_->window;
+  if (window == nullptr) return;
+  QLayout* layout = window->layout();
+  while (QLayoutItem* item = layout->takeAt(0)) {
+    // The view before goes back to its engine, which destroys it.
+    if (QWidget* old = item->widget()) old->setParent(nullptr);
+    delete item;
+  }
+  layout->addWidget(qtwebengine::widget(engine));
+  window->show();
+}
+
+bool Window::holdsAView() const { return native_->window && native_->window->layout()->count() > 0; }
+void Window::destroy() { delete native_->window.data(); }
+
+// A touchpad pinch as Qt delivers it: begin, a zoom step, end.
+void pinch(WebEngine& engine, double scale) {
+  QWidget* view = qtwebengine::widget(engine);
+  const QPointF at(100, 100);
+  const auto* device = QPointingDevice::primaryPointingDevice();
+  for (const auto& [type, value] : {std::pair{Qt::BeginNativeGesture, 0.0}, std::pair{Qt::ZoomNativeGesture, scale - 1},
+                                    std::pair{Qt::EndNativeGesture, 0.0}}) {
+    QNativeGestureEvent event(type, device, 2, at, at, view->mapToGlobal(at), value, QPointF(), 0);
+    QApplication::sendEvent(view, &event);
+  }
+}
+
+bool hasPinchGesture(WebEngine& engine) { return engine.hasPinchGestureRecognizer(); }
+bool pinchEnabled(WebEngine& engine) {
+  return dynamic_cast<qtwebengine::QtWebEngine&>(engine).pinchGestureRecognizerEnabled();
+}
+
+std::string_view noGuardModule() {
+  return "Qt WebEngine adds the app's headers in the UI process, from the view's request interceptor: there is no "
+         "module in the page's process that a host could leave out";
+}
+void restartWithoutGuardModule(WebEngine&, const std::string&) {}
+
+}  // namespace websdk::e2e::engine

@@ -13,7 +13,8 @@ class ChannelObject final : public QObject {
   Q_OBJECT
  public:
   explicit ChannelObject(std::function<void(const QJsonArray&)> receiver) : receiver_(std::move(receiver)) {}
-  /// ["hello", mark, url] or ["post", mark, url, handler, text, units].
+  /// ["hello", mark, url] or ["post", top document's mark, frame URL, handler, text,
+  /// units, isMainFrame].
   Q_INVOKABLE void receive(const QJsonArray& call) {
     if (receiver_) receiver_(call);
   }

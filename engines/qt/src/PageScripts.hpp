@@ -20,7 +20,8 @@ inline constexpr char kDropped[] = "\x01websdk:dropped";
 /// as its start only: it is refused unread, and its start says what it was.
 inline constexpr std::size_t kRefusedMessageStart = 4096;
 
-/// The main world's part, at document creation, ahead of any page script.
+/// The main world's part, at document creation in every frame, ahead of any
+/// page script.
 /// `handlers` is a JSON array of the handler names.
 inline std::string mainWorld(std::string_view handlers) {
   std::string s = R"JS((function () {
@@ -63,13 +64,18 @@ inline std::string isolatedWorld(std::size_t limit) {
                   ", start = " + std::to_string(kRefusedMessageStart) + ";\n";
   s += R"JS(let mark = null, bridge = null;
 const waiting = [];
-const call = args => { if (bridge) bridge.receive(args); else waiting.push(args); };
+const isTop = window === window.top;
+// Only the top frame has the channel: a frame hands its messages to the top
+// frame's isolated world, which holds the URL the frame read to the origin the
+// browser vouches for.
+const call = isTop ? args => { if (bridge) bridge.receive(args); else waiting.push(args); }
+                   : args => window.top.postMessage({websdkFrame: args}, '*');
 // Lone surrogate halves become U+FFFD, as a JSON parse of the text would read them.
 const lone = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g;
 window.addEventListener('websdk:hello', event => {
   if (mark !== null || typeof event.detail !== 'string') return;
   mark = event.detail;
-  call(['hello', mark, location.href]);
+  if (isTop) call(['hello', mark, location.href]);
 });
 window.addEventListener('websdk:post', event => {
   const d = event.detail;
@@ -78,14 +84,25 @@ window.addEventListener('websdk:post', event => {
   const units = text.length;
   if (units > limit) text = text.substring(0, start);
   text = text.replace(lone, '\uFFFD');
-  call(['post', mark, location.href, d[0], text, d[2] === true ? units : -1]);
+  call(['post', mark, location.href, d[0], text, d[2] === true ? units : -1, isTop]);
 });
-new QWebChannel(qt.webChannelTransport, channel => {
-  bridge = channel.objects.)JS";
+if (isTop) {
+  window.addEventListener('message', event => {
+    const d = event.data;
+    if (mark === null || event.source === window || d === null || typeof d !== 'object' ||
+        !Array.isArray(d.websdkFrame) || d.websdkFrame.length !== 7 || d.websdkFrame[0] !== 'post') return;
+    const args = d.websdkFrame;
+    let url = String(args[2]);
+    try { if (new URL(url).origin !== event.origin) url = event.origin; } catch (e) { url = event.origin; }
+    call(['post', mark, url, String(args[3]), String(args[4]), Number(args[5]), false]);
+  });
+  new QWebChannel(qt.webChannelTransport, channel => {
+    bridge = channel.objects.)JS";
   s += kChannelObject;
   s += R"JS(;
-  for (const args of waiting.splice(0)) bridge.receive(args);
-});
+    for (const args of waiting.splice(0)) bridge.receive(args);
+  });
+}
 window.dispatchEvent(new CustomEvent('websdk:listening'));
 })();
 )JS";

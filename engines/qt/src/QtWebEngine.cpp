@@ -248,8 +248,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::unique_ptr<Guard> guard;
   std::unique_ptr<PinchFilter> pinchFilter;
   std::unique_ptr<local::Serving> localPages;
-  QWebChannel* channel = nullptr;      // the page's child
-  ChannelObject* channelObject = nullptr;  // the channel's child
+  // The page's child, and its child: gone with the page, whoever deletes it.
+  QPointer<QWebChannel> channel;
+  QPointer<ChannelObject> channelObject;
   WebEngineClient* client = nullptr;
   QtMainQueue queue;
   QString channelLibrary;
@@ -258,12 +259,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::vector<UserScript> userScripts;
   std::size_t messageLimit = WebSDKConfig{}.maximumMessageBytes;
 
-  // Documents: each announces its mark from the isolated world at creation.
+  // Documents: each top document announces its mark from the isolated world
+  // at creation; its frames' messages come with it.
+  struct Known {
+    std::string mark;
+    DocumentID top = 0;
+  };
   DocumentID lastDocument = 0;
   DocumentID document = 0;
   std::string documentMark;
-  std::deque<std::pair<std::string, DocumentID>> recentMarks;  // the last few, newest last
+  std::deque<Known> recentMarks;  // the last few, newest last
   std::optional<std::string> committedURL;
+  std::map<DocumentID, std::string> topURLs;  // of the documents in recentMarks
   bool committedSinceStart = false;
 
   bool pinchEnabled = true;
@@ -372,13 +379,13 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   void installScripts() {
     QWebEngineScriptCollection& collection = page->scripts();
     collection.clear();
-    auto add = [&](const QString& name, const QString& source, quint32 world) {
+    auto add = [&](const QString& name, const QString& source, quint32 world, bool frames = true) {
       QWebEngineScript script;
       script.setName(name);
       script.setSourceCode(source);
       script.setInjectionPoint(QWebEngineScript::DocumentCreation);
       script.setWorldId(world);
-      script.setRunsOnSubFrames(false);
+      script.setRunsOnSubFrames(frames);
       collection.insert(script);
     };
     add(QStringLiteral("websdk-channel"), channelLibrary + qstring(scripts::isolatedWorld(messageLimit)),
@@ -388,41 +395,55 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     add(QStringLiteral("websdk-handlers"), qstring(scripts::mainWorld(serialize(names))), QWebEngineScript::MainWorld);
     int n = 0;
     for (const auto& script : userScripts)
-      add(QStringLiteral("websdk-user-%1").arg(n++), qstring(script.source), QWebEngineScript::MainWorld);
+      add(QStringLiteral("websdk-user-%1").arg(n++), qstring(script.source), QWebEngineScript::MainWorld, false);
   }
 
   // ---- Messages ----
+  const Known* known(const std::string& mark) const {
+    for (const auto& k : recentMarks)
+      if (k.mark == mark) return &k;
+    return nullptr;
+  }
+
+  void remember(Known k) {
+    recentMarks.push_back(std::move(k));
+    if (recentMarks.size() > 32) recentMarks.pop_front();
+    std::erase_if(topURLs, [&](const auto& entry) {
+      return std::ranges::none_of(recentMarks, [&](const Known& m) { return m.top == entry.first; });
+    });
+  }
+
   void received(const QJsonArray& call) {
     Emitting guardEmit(*this);
     const QString kind = call.at(0).toString();
     const std::string mark = utf8(call.at(1).toString());
     if (kind == QLatin1String("hello") && call.size() == 3) {
-      for (const auto& [known, id] : recentMarks)
-        if (known == mark) return;  // one document says hello once
+      if (known(mark) != nullptr) return;  // one document says hello once
+      const std::string url = utf8(call.at(2).toString());
       document = ++lastDocument;
       documentMark = mark;
-      recentMarks.emplace_back(mark, document);
-      if (recentMarks.size() > 8) recentMarks.pop_front();
-      committedURL = utf8(call.at(2).toString());
+      committedURL = url;
+      topURLs[document] = url;
+      remember({mark, document});
       committedSinceStart = true;
       timeout.stop();
       loadChain = false;
-      if (current && navigating) current->url = *committedURL;
+      if (current && navigating) current->url = url;
       return;
     }
-    if (kind != QLatin1String("post") || call.size() != 6) return;
-    DocumentID from = 0;
-    for (const auto& [known, id] : recentMarks)
-      if (known == mark) from = id;
-    if (from == 0) return;  // no document of this view's said so
+    if (kind != QLatin1String("post") || call.size() != 7) return;
+    const Known* from = known(mark);
+    if (from == nullptr || from->top == 0) return;  // no document of this view's said so
+    const auto topURL = topURLs.find(from->top);
     const std::string url = utf8(call.at(2).toString());
+    MessageOrigin origin{url, topURL != topURLs.end() ? topURL->second : std::string(), call.at(6).toBool(),
+                         from->top};
     const std::string name = utf8(call.at(3).toString());
     const auto it = channels.find(name);
     if (it == channels.end()) return;
     const auto handler = it->second.lock();
     if (!handler) return;
     std::string text = utf8(call.at(4).toString());
-    MessageOrigin origin{url, url, true, from};
     if (name == "nativeRequest") {
       // A NUL cannot travel in the bridge's text; U+0001 reads the same in JSON.
       std::replace(text.begin(), text.end(), '\0', '\x01');
@@ -432,8 +453,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
           ScriptMessage{name, JSON(nullptr), std::move(origin), std::string_view(text), bytes});
       return;
     }
-    handler->userContentController(
-        ScriptMessage{name, parseJSON(text), std::move(origin), std::nullopt, 0});
+    handler->userContentController(ScriptMessage{name, parseJSON(text), std::move(origin), std::nullopt, 0});
   }
 
   // ---- The app's headers ----

@@ -52,9 +52,16 @@ void pinch(WebEngine& engine, double scale);
 bool hasPinchGesture(WebEngine& engine);
 bool pinchEnabled(WebEngine& engine);
 
-/// Why the engine's headers have no module in the page's process that a host
-/// could leave out; empty when they do (WebKitGTK's guard module).
-std::string_view noGuardModule();
+/// What an engine cannot do that another can, each with the reason a test
+/// that needs it gives for skipping it; empty where it can.
+struct Limits {
+  /// The app's headers come from a module in the page's process that a host
+  /// could leave out, and which takes its load mark off every request.
+  std::string_view guardModule;
+  /// A frame's first, blank document has the page's message handlers.
+  std::string_view blankFrames;
+};
+const Limits& limits();
 /// What a host does that leaves the view's next web process without the
 /// guard module: it points the web context's module directory at `directory`
 /// (holding no module) and ends the current web process.

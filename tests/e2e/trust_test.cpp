@@ -46,16 +46,18 @@ TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
   // The same page tries other ways in: a frame it makes now, and the
   // handler's method called by hand.
   const auto body = [](const std::string& id) { return serialize(JSON(JSONObject{{"message", cartRequest(id)}})); };
+  const bool blankFrames = engine::limits().blankFrames.empty();
+  if (!blankFrames) std::printf("no blank frame's post: %s\n", std::string(engine::limits().blankFrames).c_str());
   view->engine().evaluateJavaScript(
-      "const f = document.createElement('iframe'); document.body.appendChild(f);"
-      "f.contentWindow.webkit.messageHandlers.nativeRequest.postMessage(" +
-          body("framed") +
-          ");"
+      std::string(blankFrames ? "const f = document.createElement('iframe'); document.body.appendChild(f);"
+                                "f.contentWindow.webkit.messageHandlers.nativeRequest.postMessage(" +
+                                    body("framed") + ");"
+                              : "") +
           "const h = window.webkit.messageHandlers.nativeRequest;"
           "Object.getPrototypeOf(h).postMessage.call(h, " +
           body("by-hand") + ");",
       nullptr);
-  ASSERT_TRUE(waitFor([&] { return responses().size() >= 7; }));
+  ASSERT_TRUE(waitFor([&] { return responses().size() >= (blankFrames ? 7u : 6u); }));
   EXPECT_TRUE(cart->ids.empty()) << "no request of the untrusted page reached the plugin";
   for (const auto& r : responses()) {
     EXPECT_EQ(r.at("statusCode"), JSON(1005));
@@ -159,11 +161,12 @@ TEST_F(TrustTest, HostsAreReadAsThePageReadsThem) {
   };
   for (const char* url : urls) {
     SCOPED_TRACE(url);
-    const auto seen = evaluate("(function (u) { try { return new URL(u).hostname; } catch (e) { return null; } })(" +
+    // A space marks no URL: no hostname holds one, and every engine hands a string back.
+    const auto seen = evaluate("(function (u) { try { return new URL(u).hostname; } catch (e) { return ' '; } })(" +
                                serialize(JSON(url)) + ")");
     ASSERT_TRUE(seen.has_value());
     const auto canonical = view->webSDKConfig.canonicalizer(url);
-    if (seen->is_null()) {
+    if (*seen == JSON(" ")) {
       EXPECT_EQ(canonical, std::nullopt) << "the page reads no URL here";
       continue;
     }

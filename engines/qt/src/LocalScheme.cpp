@@ -38,9 +38,8 @@ class Handler final : public QWebEngineUrlSchemeHandler {
   }
 
   void requestStarted(QWebEngineUrlRequestJob* job) override {
-    LocalRequest request{job->requestUrl().toString(QUrl::FullyEncoded).toStdString(),
-                         job->requestMethod().toStdString(),
-                         {}};
+    LocalRequest request{
+        job->requestUrl().toString(QUrl::FullyEncoded).toStdString(), job->requestMethod().toStdString(), {}};
     const auto headers = job->requestHeaders();
     for (auto it = headers.begin(); it != headers.end(); ++it)
       request.headers.emplace_back(it.key().toStdString(), it.value().toStdString());

@@ -279,11 +279,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   bool allowsInlineMediaPlayback = true;
   bool javaScriptEnabled = true;
 
-  // The view's own load: its request, and whether the main-frame requests
-  // now under way are it or its redirects.
+  // The view's own load: its request, whether the main-frame requests now
+  // under way are it or its redirects through trusted hosts only, and
+  // whether the app's fields went on one of them.
   std::optional<URLRequest> pendingLoad;
   QUrl pendingLoadURL;
   bool loadChain = false;
+  bool chainCarries = false;
+  // A redirect off the trusted hosts of a load that carried the app's fields
+  // is blocked (Chromium would carry them on) and issued again as a new
+  // navigation: its failure and its start are the navigation's own.
+  bool reissuing = false;
+  bool blockedForReissue = false;
 
   // Navigation bookkeeping.
   std::uint64_t lastNavigationId = 0;
@@ -436,8 +443,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if (from == nullptr || from->top == 0) return;  // no document of this view's said so
     const auto topURL = topURLs.find(from->top);
     const std::string url = utf8(call.at(2).toString());
-    MessageOrigin origin{url, topURL != topURLs.end() ? topURL->second : std::string(), call.at(6).toBool(),
-                         from->top};
+    MessageOrigin origin{url, topURL != topURLs.end() ? topURL->second : std::string(), call.at(6).toBool(), from->top};
     const std::string name = utf8(call.at(3).toString());
     const auto it = channels.find(name);
     if (it == channels.end()) return;
@@ -458,14 +464,59 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   // ---- The app's headers ----
   void intercept(QWebEngineUrlRequestInfo& info) {
+    log(LogLevel::debug, "headers",
+        "request " + utf8(info.requestUrl().toString()) + " resource " + std::to_string(info.resourceType()) +
+            " navigation " + std::to_string(info.navigationType()) + (pendingLoad ? " (a load pending)" : ""));
     if (info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeMainFrame || !pendingLoad) return;
-    const bool redirect = info.navigationType() == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
-    if (!redirect) loadChain = info.requestUrl() == pendingLoadURL;
+    // Qt names a redirect of the view's load as it names the load itself
+    // (typed): while the load's chain is open, such a request is its next hop.
+    const auto type = info.navigationType();
+    const bool sameNavigation = type == QWebEngineUrlRequestInfo::NavigationTypeTyped ||
+                                type == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
+    if (!loadChain || !sameNavigation) {
+      loadChain = (sameNavigation || type == QWebEngineUrlRequestInfo::NavigationTypeReload) &&
+                  info.requestUrl() == pendingLoadURL;
+      chainCarries = false;
+    }
     if (!loadChain) return;
-    const std::string target = utf8(info.requestUrl().toString(QUrl::FullyEncoded));
-    for (const auto& [name, value] : pendingLoad->headersFor(target))
-      if (std::ranges::find(pendingLoad->confinedHeaders, name) != pendingLoad->confinedHeaders.end())
-        info.setHttpHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+    const QUrl target = info.requestUrl();
+    HeaderFields fields;
+    for (auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
+      if (std::ranges::find(pendingLoad->confinedHeaders, field.first) != pendingLoad->confinedHeaders.end())
+        fields.push_back(std::move(field));
+    if (fields.empty() && !pendingLoad->confinedHeaders.empty()) {
+      // Off the trusted hosts: the load never gets the app's fields back.
+      loadChain = false;
+      // acceptNavigation stopped such a hop of a load that carried them; this
+      // is the last line, should one come here all the same.
+      if (chainCarries) info.block(true);
+      return;
+    }
+    chainCarries = chainCarries || !fields.empty();
+    for (const auto& [name, value] : fields)
+      info.setHttpHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+  }
+
+  /// Whether a redirect of the view's load to `target` would carry the app's
+  /// fields off the trusted hosts: Chromium keeps a request's fields on its
+  /// redirects, and Qt cannot take one off.
+  bool redirectLeaves(const QUrl& target) const {
+    if (!pendingLoad || !loadChain || !chainCarries) return false;
+    for (const auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
+      if (std::ranges::find(pendingLoad->confinedHeaders, field.first) != pendingLoad->confinedHeaders.end())
+        return false;
+    return true;
+  }
+
+  // The redirect's target as a navigation of its own, with the fields anyone
+  // may see and none of the app's; asked like any other.
+  void reissue(const QUrl& target) {
+    QWebEngineHttpRequest http(target);
+    if (pendingLoad)
+      for (const auto& [name, value] : pendingLoad->headersFor(""))
+        http.setHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+    reissuing = true;
+    page->load(http);
   }
 
   void send(const URLRequest& request) {
@@ -490,6 +541,15 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   // ---- Navigation ----
   bool acceptNavigation(const QUrl& url, QWebEnginePage::NavigationType type, bool isMainFrame) {
     Emitting guardEmit(*this);
+    if (isMainFrame && type == QWebEnginePage::NavigationTypeRedirect && redirectLeaves(url)) {
+      // Stopped before the request is made, and made again without them.
+      loadChain = false;
+      blockedForReissue = true;
+      queue.post([weak = weak_from_this(), url] {
+        if (auto s = weak.lock(); s && s->page) s->reissue(url);
+      });
+      return false;
+    }
     if (isMainFrame) {
       const auto again = std::ranges::find(allowedAgain, url);
       if (again != allowedAgain.end()) {
@@ -555,7 +615,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   void started(const QUrl& url, bool redirect) {
-    if (redirect && navigating) return;  // the navigation under way goes on
+    if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
     abandoned = false;
     navigating = true;
     committedSinceStart = false;
@@ -581,6 +641,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
         return;
       case QWebEngineLoadingInfo::LoadStoppedStatus:
       case QWebEngineLoadingInfo::LoadFailedStatus: {
+        if (std::exchange(blockedForReissue, false)) return;
         if (!navigating || abandoned) return;  // refused by us, or stopped on timeout
         timeout.stop();
         navigating = false;
@@ -612,8 +673,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     navigating = false;
     page->triggerAction(QWebEnginePage::Stop);
     if (client)
-      client->didFailProvisionalNavigation(&navigation,
-                                           WebSDKError{"connection", -7, "The request timed out.", true});
+      client->didFailProvisionalNavigation(&navigation, WebSDKError{"connection", -7, "The request timed out.", true});
   }
 
   // Qt asks synchronously and takes no later answer: a delegate that answers
@@ -652,9 +712,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   // ---- Settings ----
-  void applySettings() {
-    page->settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, javaScriptEnabled);
-  }
+  void applySettings() { page->settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, javaScriptEnabled); }
 };
 
 // ---- QtWebEngine -------------------------------------------------------------------
@@ -697,15 +755,15 @@ void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, Sc
   const QString source = qstring(scripts::inDocument(s.documentMark, script));
   scriptBuffers::give(std::move(script));
   if (!completion) return s.page->runJavaScript(source, QWebEngineScript::MainWorld);
-  s.page->runJavaScript(source, QWebEngineScript::MainWorld,
-                        [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
-                          auto state = weak.lock();
-                          if (!state || !state->page) return;
-                          if (value.typeId() == QMetaType::QString &&
-                              value.toString() == QLatin1String(scripts::kDropped))
-                            return completion(ScriptResult{std::nullopt, std::nullopt, true});
-                          completion(ScriptResult{toJSON(value), std::nullopt, false});
-                        });
+  s.page->runJavaScript(
+      source, QWebEngineScript::MainWorld,
+      [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
+        auto state = weak.lock();
+        if (!state || !state->page) return;
+        if (value.typeId() == QMetaType::QString && value.toString() == QLatin1String(scripts::kDropped))
+          return completion(ScriptResult{std::nullopt, std::nullopt, true});
+        completion(ScriptResult{toJSON(value), std::nullopt, false});
+      });
 }
 
 void QtWebEngine::addUserScript(const UserScript& script) {
@@ -742,7 +800,9 @@ void QtWebEngine::setPreferences(const WebPreferences& preferences) {
   if (state_->page) state_->applySettings();
 }
 
-void QtWebEngine::setSuppressesIncrementalRendering(bool suppress) { state_->suppressesIncrementalRendering = suppress; }
+void QtWebEngine::setSuppressesIncrementalRendering(bool suppress) {
+  state_->suppressesIncrementalRendering = suppress;
+}
 bool QtWebEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
 void QtWebEngine::setAllowsInlineMediaPlayback(bool allow) { state_->allowsInlineMediaPlayback = allow; }
 bool QtWebEngine::hasPinchGestureRecognizer() const { return state_->pinchFilter != nullptr; }

@@ -75,9 +75,13 @@ bool pinchEnabled(WebEngine& engine) {
   return dynamic_cast<qtwebengine::QtWebEngine&>(engine).pinchGestureRecognizerEnabled();
 }
 
-std::string_view noGuardModule() {
-  return "Qt WebEngine adds the app's headers in the UI process, from the view's request interceptor: there is no "
-         "module in the page's process that a host could leave out";
+const Limits& limits() {
+  static const Limits qt{
+      "Qt WebEngine adds the app's headers in the UI process, from the view's request interceptor: there is no "
+      "module in the page's process that a host could leave out, and no load mark",
+      "Qt WebEngine runs no user script in a frame's first, blank document: such a frame has no "
+      "window.webkit, and its page reaches the app only through the top page's"};
+  return qt;
 }
 void restartWithoutGuardModule(WebEngine&, const std::string&) {}
 

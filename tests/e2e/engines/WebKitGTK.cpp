@@ -76,7 +76,10 @@ bool pinchEnabled(WebEngine& engine) {
   return dynamic_cast<webkitgtk::WebKitGTKEngine&>(engine).pinchGestureRecognizerEnabled();
 }
 
-std::string_view noGuardModule() { return {}; }
+const Limits& limits() {
+  static const Limits none;
+  return none;
+}
 
 void restartWithoutGuardModule(WebEngine& engine, const std::string& directory) {
   WebKitWebView* view = webkitgtk::nativeWebView(engine);

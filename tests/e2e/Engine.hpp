@@ -60,6 +60,9 @@ struct Limits {
   std::string_view guardModule;
   /// A frame's first, blank document has the page's message handlers.
   std::string_view blankFrames;
+  /// The heap in use of the host's process is the WebSDK's and the
+  /// toolkit's, which a flood's second run leaves as it found it.
+  std::string_view heapIsOurs;
 };
 const Limits& limits();
 /// What a host does that leaves the view's next web process without the

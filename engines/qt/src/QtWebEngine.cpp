@@ -122,15 +122,49 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
 
 // ---- Main queue ------------------------------------------------------------------
 
+// Tasks wait in the queue's own list, and one posted event at a time drains
+// it: a burst of answers costs no posted event each, and leaves no list of
+// Qt's grown to the burst's size.
 struct QtMainQueue::Context {
   QObject object;  // lives on the UI thread: queued calls run there
+  std::mutex mutex;
+  std::deque<std::function<void()>> tasks;
+  bool scheduled = false;
+
+  void schedule() { QMetaObject::invokeMethod(&object, [this] { drain(); }, Qt::QueuedConnection); }
+
+  // A turn runs a bounded batch, so that input and painting go on between.
+  void drain() {
+    constexpr int kTurn = 256;
+    for (int n = 0; n < kTurn; ++n) {
+      std::function<void()> task;
+      {
+        std::lock_guard lock(mutex);
+        if (tasks.empty()) {
+          scheduled = false;
+          return;
+        }
+        task = std::move(tasks.front());
+        tasks.pop_front();
+      }
+      task();
+    }
+    schedule();
+  }
 };
 
-QtMainQueue::QtMainQueue() : context_(std::make_unique<Context>()) {}
+// One list for the UI thread, outliving every engine: a task posted for a
+// view that is gone still runs, and finds it gone, as GLib's would.
+QtMainQueue::QtMainQueue() {
+  static const std::shared_ptr<Context> shared(new Context, [](Context*) {});
+  context_ = shared;
+}
 QtMainQueue::~QtMainQueue() = default;
 
 void QtMainQueue::post(std::function<void()> task) {
-  QMetaObject::invokeMethod(&context_->object, std::move(task), Qt::QueuedConnection);
+  std::lock_guard lock(context_->mutex);
+  context_->tasks.push_back(std::move(task));
+  if (!std::exchange(context_->scheduled, true)) context_->schedule();
 }
 
 void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {

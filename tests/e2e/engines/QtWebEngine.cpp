@@ -80,7 +80,10 @@ const Limits& limits() {
       "Qt WebEngine adds the app's headers in the UI process, from the view's request interceptor: there is no "
       "module in the page's process that a host could leave out, and no load mark",
       "Qt WebEngine runs no user script in a frame's first, blank document: such a frame has no "
-      "window.webkit, and its page reaches the app only through the top page's"};
+      "window.webkit, and its page reaches the app only through the top page's",
+      "Qt WebEngine runs Chromium's browser side in the host's process, and its heap keeps what a burst of "
+      "messages grew (megabytes within Chromium's own code, by heaptrack): the WebSDK's part is measured on "
+      "the WebKitGTK engines"};
   return qt;
 }
 void restartWithoutGuardModule(WebEngine&, const std::string&) {}

@@ -60,8 +60,9 @@ struct WEBSDK_EXPORT QtWebEngineConfiguration {
   std::vector<LocalPages> localPages{};
 };
 
-/// The main queue on the Qt event loop of the thread that made it. post() may
-/// be called from any thread.
+/// The main queue on the Qt event loop of the UI thread (the first to make
+/// one). post() may be called from any thread; tasks run in the order posted,
+/// also after the queue that took them is gone.
 class WEBSDK_EXPORT QtMainQueue final : public MainQueue {
  public:
   QtMainQueue();
@@ -74,7 +75,7 @@ class WEBSDK_EXPORT QtMainQueue final : public MainQueue {
 
  private:
   struct Context;
-  std::unique_ptr<Context> context_;
+  std::shared_ptr<Context> context_;
   std::thread::id thread_ = std::this_thread::get_id();
 };
 

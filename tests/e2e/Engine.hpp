@@ -60,6 +60,8 @@ struct Limits {
   std::string_view guardModule;
   /// A frame's first, blank document has the page's message handlers.
   std::string_view blankFrames;
+  /// A local page's scripts fetch() its own pages, and read their status.
+  std::string_view localFetch;
   /// The heap in use of the host's process is the WebSDK's and the
   /// toolkit's, which a flood's second run leaves as it found it.
   std::string_view heapIsOurs;

@@ -22,13 +22,30 @@ inline constexpr std::size_t kRefusedMessageStart = 4096;
 
 /// The main world's part, at document creation in every frame, ahead of any
 /// page script.
-/// `handlers` is a JSON array of the handler names.
-inline std::string mainWorld(std::string_view handlers) {
+/// `handlers` is a JSON array of the handler names. Without `serviceWorkers`
+/// the page has no navigator.serviceWorker, nor do the blank frames it makes
+/// (which run no script of their own); the engine refuses a worker's script
+/// besides.
+inline std::string mainWorld(std::string_view handlers, bool serviceWorkers) {
   std::string s = R"JS((function () {
 'use strict';
 const names = )JS";
   s += handlers;
+  s += ", serviceWorkers = ";
+  s += serviceWorkers ? "true" : "false";
   s += R"JS(;
+if (!serviceWorkers) {
+  const hide = w => { try { delete w.Navigator.prototype.serviceWorker; } catch (e) {} };
+  hide(window);
+  for (const [type, key] of [[HTMLIFrameElement, 'contentWindow'], [HTMLIFrameElement, 'contentDocument']]) {
+    const get = Object.getOwnPropertyDescriptor(type.prototype, key).get;
+    Object.defineProperty(type.prototype, key, {configurable: true, enumerable: true, get() {
+      const value = get.call(this);
+      if (value) hide(key === 'contentWindow' ? value : value.defaultView);
+      return value;
+    }});
+  }
+}
 const dispatch = EventTarget.prototype.dispatchEvent, listen = EventTarget.prototype.addEventListener;
 const Custom = CustomEvent, stringify = JSON.stringify, freeze = Object.freeze;
 const random = new Uint32Array(4);
@@ -39,9 +56,12 @@ Object.defineProperty(window, '__websdkDocument', {value: mark});
 const send = (kind, detail) => dispatch.call(window, new Custom(kind, {detail}));
 listen.call(window, 'websdk:listening', () => send('websdk:hello', mark));
 send('websdk:hello', mark);
-const handlers = {};
-for (const name of names) {
-  handlers[name] = freeze({postMessage(body) {
+// As under WebKit, postMessage lives on the handlers' prototype.
+const nameOf = new WeakMap(), nameOfGet = WeakMap.prototype.get;
+class UserMessageHandler {
+  postMessage(body) {
+    const name = nameOfGet.call(nameOf, this);
+    if (name === undefined) throw new TypeError('Illegal invocation');
     if (name === 'nativeRequest') {
       const message = body !== null && typeof body === 'object' ? body.message : undefined;
       if (typeof message === 'string') send('websdk:post', [name, message, true]);
@@ -49,7 +69,14 @@ for (const name of names) {
     }
     const text = stringify(body);
     send('websdk:post', [name, text === undefined ? 'null' : text, false]);
-  }});
+  }
+}
+freeze(UserMessageHandler.prototype);
+const handlers = {};
+for (const name of names) {
+  const handler = Object.create(UserMessageHandler.prototype);
+  nameOf.set(handler, name);
+  handlers[name] = freeze(handler);
 }
 Object.defineProperty(window, 'webkit', {value: freeze({messageHandlers: freeze(handlers)}), enumerable: true});
 })();

@@ -16,6 +16,7 @@
 #include <QDeadlineTimer>
 #include <QEvent>
 #include <QFile>
+#include <QHostAddress>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLoggingCategory>
@@ -34,7 +35,10 @@
 
 #include <unistd.h>
 
+#include <array>
+#include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <deque>
 #include <map>
@@ -131,7 +135,10 @@ struct QtMainQueue::Context {
   std::deque<std::function<void()>> tasks;
   bool scheduled = false;
 
-  void schedule() { QMetaObject::invokeMethod(&object, [this] { drain(); }, Qt::QueuedConnection); }
+  void schedule() {
+    QMetaObject::invokeMethod(
+        &object, [this] { drain(); }, Qt::QueuedConnection);
+  }
 
   // A turn runs a bounded batch, so that input and painting go on between.
   void drain() {
@@ -210,6 +217,80 @@ std::string errorDomain(QWebEngineLoadingInfo::ErrorDomain domain) {
 }
 
 constexpr int kAbortedError = -3;  // Chromium's net::ERR_ABORTED
+
+// An IPv6 address as the URL standard writes it: lowercase hex, the longest
+// run of two or more zero pieces (the first of equals) compressed.
+std::string ipv6Text(const Q_IPV6ADDR& address) {
+  std::array<unsigned, 8> pieces{};
+  for (std::size_t i = 0; i < 8; ++i) pieces[i] = (unsigned{address[2 * i]} << 8) | address[2 * i + 1];
+  std::size_t bestStart = 8, bestLength = 0;
+  for (std::size_t i = 0; i < 8;) {
+    std::size_t j = i;
+    while (j < 8 && pieces[j] == 0) ++j;
+    if (j - i > bestLength && j - i >= 2) bestStart = i, bestLength = j - i;
+    i = j == i ? i + 1 : j;
+  }
+  std::string out = "[";
+  for (std::size_t i = 0; i < 8; ++i) {
+    if (i == bestStart) {
+      out += i == 0 ? "::" : ":";
+      i += bestLength - 1;
+      continue;
+    }
+    char piece[8];
+    std::snprintf(piece, sizeof piece, "%x", pieces[i]);
+    out += piece;
+    if (i != 7) out += ':';
+  }
+  return out + "]";
+}
+
+// Chromium's reading of a URL: the WebSDK's own, with international host
+// names in their ASCII form (UTS #46, by Qt) and IPv6 hosts as Chromium
+// writes them.
+std::optional<std::string> chromiumCanonicalURL(std::string_view url) {
+  std::optional<std::string> canonical = canonicalURL(url);
+  if (!canonical && std::ranges::any_of(url, [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
+    const QUrl parsed(qstring(url), QUrl::StrictMode);
+    if (parsed.isValid() && !parsed.host().isEmpty())
+      canonical = canonicalURL(utf8(parsed.toString(QUrl::FullyEncoded)));
+  }
+  if (!canonical) return std::nullopt;
+  const std::string scheme = canonical->substr(0, canonical->find(':'));
+  const bool special =
+      scheme == "http" || scheme == "https" || scheme == "ws" || scheme == "wss" || scheme == "ftp" || scheme == "file";
+  if (!special) {
+    // Chromium 102 reads a host only in a scheme registered with one (the
+    // app's local pages), lowercased; in any other it reads none.
+    const QWebEngineUrlScheme registered = QWebEngineUrlScheme::schemeByName(QByteArray::fromStdString(scheme));
+    if (registered.name().isEmpty() || registered.syntax() == QWebEngineUrlScheme::Syntax::Path)
+      return hostOf(*canonical) ? std::nullopt : canonical;
+    if (const auto host = hostOf(*canonical)) {
+      const std::size_t at = static_cast<std::size_t>(host->data() - canonical->data()), length = host->size();
+      for (std::size_t i = at; i < at + length; ++i)
+        (*canonical)[i] = static_cast<char>(std::tolower(static_cast<unsigned char>((*canonical)[i])));
+    }
+    return canonical;
+  }
+  if (scheme == "file" && canonical->starts_with("file:///")) {
+    // Chromium keeps a file URL's "localhost", which the standard drops.
+    std::string_view raw = url;
+    while (!raw.empty() && static_cast<unsigned char>(raw.front()) <= 0x20) raw.remove_prefix(1);
+    if (raw.size() > 16 && QByteArray(raw.data(), 16).toLower() == "file://localhost" &&
+        (raw.size() == 16 || raw[16] == '/' || raw[16] == '\\'))
+      canonical->insert(7, "localhost");
+  }
+  const auto host = hostOf(*canonical);
+  if (host && host->size() > 2 && host->front() == '[') {
+    QHostAddress address;
+    if (address.setAddress(qstring(host->substr(1, host->size() - 2))) &&
+        address.protocol() == QAbstractSocket::IPv6Protocol) {
+      const std::size_t at = static_cast<std::size_t>(host->data() - canonical->data()), length = host->size();
+      canonical->replace(at, length, ipv6Text(address.toIPv6Address()));
+    }
+  }
+  return canonical;
+}
 
 }  // namespace
 
@@ -291,7 +372,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> channels;
   std::vector<UserScript> userScripts;
+  // From the last load's trust: they shape the scripts every document gets.
   std::size_t messageLimit = WebSDKConfig{}.maximumMessageBytes;
+  bool serviceWorkers = WebSDKConfig{}.allowsServiceWorkers;
 
   // Documents: each top document announces its mark from the isolated world
   // at creation; its frames' messages come with it.
@@ -433,7 +516,8 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
         QWebEngineScript::ApplicationWorld);
     JSONArray names;
     for (const auto& [name, handler] : channels) names.emplace_back(name);
-    add(QStringLiteral("websdk-handlers"), qstring(scripts::mainWorld(serialize(names))), QWebEngineScript::MainWorld);
+    add(QStringLiteral("websdk-handlers"), qstring(scripts::mainWorld(serialize(names), serviceWorkers)),
+        QWebEngineScript::MainWorld);
     int n = 0;
     for (const auto& script : userScripts)
       add(QStringLiteral("websdk-user-%1").arg(n++), qstring(script.source), QWebEngineScript::MainWorld, false);
@@ -498,6 +582,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   // ---- The app's headers ----
   void intercept(QWebEngineUrlRequestInfo& info) {
+    // A service worker would see the app's headers on what it serves.
+    if (info.resourceType() == QWebEngineUrlRequestInfo::ResourceTypeServiceWorker && !serviceWorkers)
+      return info.block(true);
     log(LogLevel::debug, "headers",
         "request " + utf8(info.requestUrl().toString()) + " resource " + std::to_string(info.resourceType()) +
             " navigation " + std::to_string(info.navigationType()) + (pendingLoad ? " (a load pending)" : ""));
@@ -555,8 +642,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   void send(const URLRequest& request) {
     const QUrl url(qstring(request.url));
-    if (request.trust.maximumMessageBytes != messageLimit) {
+    if (request.trust.maximumMessageBytes != messageLimit || request.trust.allowsServiceWorkers != serviceWorkers) {
       messageLimit = request.trust.maximumMessageBytes;
+      serviceWorkers = request.trust.allowsServiceWorkers;
       installScripts();
     }
     pendingLoad = request;
@@ -828,6 +916,8 @@ std::optional<std::string_view> QtWebEngine::url() const {
 }
 
 DocumentID QtWebEngine::document() const { return state_->page ? state_->document : 0; }
+
+URLCanonicalizer QtWebEngine::urlCanonicalizer() const { return &chromiumCanonicalURL; }
 
 void QtWebEngine::setPreferences(const WebPreferences& preferences) {
   state_->javaScriptEnabled = preferences.javaScriptEnabled;

@@ -81,6 +81,9 @@ const Limits& limits() {
       "module in the page's process that a host could leave out, and no load mark",
       "Qt WebEngine runs no user script in a frame's first, blank document: such a frame has no "
       "window.webkit, and its page reaches the app only through the top page's",
+      "Qt WebEngine 6.4 lets no fetch() reach an app's own scheme (Qt 6.6 adds the switch for it), and a scheme's "
+      "answer has no status: a refusal fails the request. Pages, their scripts, styles and images load; views with "
+      "local pages have a profile of their own",
       "Qt WebEngine runs Chromium's browser side in the host's process, and its heap keeps what a burst of "
       "messages grew (megabytes within Chromium's own code, by heaptrack): the WebSDK's part is measured on "
       "the WebKitGTK engines"};

@@ -102,6 +102,8 @@ class WEBSDK_EXPORT QtWebEngine final : public WebEngine {
   void removeScriptMessageHandler(std::string_view name) override;
   std::optional<std::string_view> url() const override;
   DocumentID document() const override;
+  /// URLs as Chromium reads them (international and IPv6 hosts included).
+  URLCanonicalizer urlCanonicalizer() const override;
   void setPreferences(const WebPreferences& preferences) override;
   /// Qt WebEngine has no incremental-rendering switch: the value is only kept.
   void setSuppressesIncrementalRendering(bool suppress) override;

@@ -13,6 +13,9 @@
 
 namespace websdk::gtkhost {
 
+/// Starts GTK for this process; false without a display.
+inline bool start(int& argc, char**& argv) { return webkitgtk::initialize(&argc, &argv); }
+
 class Window {
  public:
   explicit Window(const char* title = "WebSDK", int width = 400, int height = 600) {

@@ -1,5 +1,6 @@
-// websdk-demo (GTK 3, WebKitGTK 4.1) and websdk-demo-gtk4 (GTK 4, WebKitGTK
-// 6.0), one source: a GTK host app that shows a checkout page in a WebSDKWebView.
+// websdk-demo (GTK 3, WebKitGTK 4.1), websdk-demo-gtk4 (GTK 4, WebKitGTK 6.0)
+// and websdk-demo-qt (Qt 6 WebEngine), one source: a host app that shows a
+// checkout page in a WebSDKWebView.
 // The page is served by an in-process loopback HTTP server; the app's plugins
 // answer its requests and every request and response is printed.
 //
@@ -14,10 +15,27 @@
 #include "DemoOptions.hpp"
 #include "DemoPlugins.hpp"
 
-#include "tools/common/GtkWindow.hpp"
 #include "tools/common/LoopbackServer.hpp"
-#include "websdk/webkitgtk/Native.hpp"
 #include "websdk/webview/WebSDKRequestHeaders.hpp"
+
+// The engine this demo is built with, and its window.
+#ifdef WEBSDK_DEMO_QT
+#include "tools/common/QtWindow.hpp"
+namespace websdk::demo {
+namespace engine = qtwebengine;
+namespace host = qthost;
+using Engine = qtwebengine::QtWebEngine;
+using Configuration = qtwebengine::QtWebEngineConfiguration;
+}  // namespace websdk::demo
+#else
+#include "tools/common/GtkWindow.hpp"
+namespace websdk::demo {
+namespace engine = webkitgtk;
+namespace host = gtkhost;
+using Engine = webkitgtk::WebKitGTKEngine;
+using Configuration = webkitgtk::WebKitGTKConfiguration;
+}  // namespace websdk::demo
+#endif
 
 #include <chrono>
 #include <cstring>
@@ -104,7 +122,7 @@ WebSDKHeaders appHeaders() {
 std::optional<JSON> evaluate(WebSDKWebView& view, const std::string& script) {
   auto result = std::make_shared<std::optional<ScriptResult>>();
   view.engine().evaluateJavaScript(script, [result](ScriptResult r) { *result = std::move(r); });
-  if (!webkitgtk::runUntil([&] { return result->has_value(); }, 10s)) return std::nullopt;
+  if (!engine::runUntil([&] { return result->has_value(); }, 10s)) return std::nullopt;
   return (*result)->value;
 }
 
@@ -114,7 +132,7 @@ std::optional<JSON> evaluate(WebSDKWebView& view, const std::string& script) {
 bool settle(WebSDKWebView& view) {
   auto drained = std::make_shared<bool>(false);
   view.engine().mainQueue().post([drained] { *drained = true; });
-  if (!webkitgtk::runUntil([&] { return *drained; }, 10s)) return false;
+  if (!engine::runUntil([&] { return *drained; }, 10s)) return false;
   return evaluate(view, "true").has_value();
 }
 
@@ -136,7 +154,7 @@ bool runCheckout(WebSDKWebView& view, const TrafficPrinter& traffic, const std::
     std::cout << "\n== step " << i + 1 << "/" << steps.size() << ": " << step.name << std::endl;
     const auto start = std::chrono::steady_clock::now();
     step.act();
-    const bool answered = webkitgtk::runUntil(
+    const bool answered = engine::runUntil(
         [&] {
           for (const auto& action : step.answersFor) {
             const auto ids = traffic.requestsFor(action);
@@ -168,7 +186,7 @@ int run(int argc, char** argv) {
   const bool headless = options->headless;
   const bool localPages = options->localPages;
   const std::string screenshot = options->screenshot;
-  if (!webkitgtk::initialize(&argc, &argv)) {
+  if (!host::start(argc, argv)) {
     std::cerr << "websdk-demo: no display (headless runs go under xvfb-run -a)" << std::endl;
     return 2;
   }
@@ -176,7 +194,7 @@ int run(int argc, char** argv) {
   PageServer server;
   if (!server.listening()) return 2;
 
-  gtkhost::Window window("WebSDK demo: checkout", 420, 820);
+  host::Window window("WebSDK demo: checkout", 420, 820);
 
   auto navigation = std::make_shared<NavigationPrinter>(std::cout);
   auto traffic = std::make_shared<TrafficPrinter>(std::cout);
@@ -186,7 +204,7 @@ int run(int argc, char** argv) {
 
   // The checkout from the loopback server, or as the app's own pages: then
   // the whitelist names their scheme and host, and nothing else.
-  webkitgtk::WebKitGTKConfiguration configuration;
+  Configuration configuration;
   std::vector<std::string> whitelist{"127.0.0.1"};
   std::string checkoutURL = server.url();
   if (localPages) {
@@ -194,8 +212,8 @@ int run(int argc, char** argv) {
     whitelist = {configuration.localPages[0].origin()};
     checkoutURL = configuration.localPages[0].url();
   }
-  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(configuration), whitelist, generic,
-                                    payments, navigation, traffic);
+  auto view =
+      WebSDKWebView::create(std::make_unique<Engine>(configuration), whitelist, generic, payments, navigation, traffic);
   generic->attach(view);
   payments->attach(view);
   cart->attach(view);
@@ -246,7 +264,7 @@ int run(int argc, char** argv) {
 
   if (!screenshot.empty()) {
     std::string why;
-    if (gtkhost::writeSnapshot(view->engine(), screenshot, why)) {
+    if (host::writeSnapshot(view->engine(), screenshot, why)) {
       std::cout << "screenshot   " << screenshot << std::endl;
     } else {
       std::cerr << "websdk-demo: could not write " << screenshot << ": " << why << std::endl;

@@ -41,6 +41,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <limits>
 #include <map>
 #include <mutex>
 
@@ -116,11 +117,15 @@ bool initialize(int& argc, char** argv) {
 }
 
 bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
+  if (done()) return true;
+  // The loop sleeps until an event comes; a timer at the bound is one.
   QDeadlineTimer deadline(bound.count());
+  QTimer wake;
+  wake.setSingleShot(true);
+  wake.start(static_cast<int>(std::clamp<qint64>(bound.count(), 0, std::numeric_limits<int>::max())));
   bool ok = false;
   while (!(ok = done()) && !deadline.hasExpired())
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
-                                    static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 1, 50)));
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   return ok;
 }
 
@@ -414,6 +419,8 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::optional<WebSDKNavigation> current;
   bool navigating = false;  // an allowed main-frame navigation not yet ended
   bool abandoned = false;   // stopped on timeout: Qt's own stop stays quiet
+  // The URL of that navigation: its stop may come after the next one started.
+  std::optional<std::string> abandonedURL;
   std::optional<double> pendingTimeout;
   QTimer timeout;
   // Navigations the client allowed later than Qt asked: each is issued again
@@ -764,6 +771,10 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       case QWebEngineLoadingInfo::LoadStoppedStatus:
       case QWebEngineLoadingInfo::LoadFailedStatus: {
         if (std::exchange(blockedForReissue, false)) return;
+        if (abandonedURL && *abandonedURL == utf8(info.url().toString(QUrl::FullyEncoded))) {
+          abandonedURL.reset();
+          return;
+        }
         if (!navigating || abandoned) return;  // refused by us, or stopped on timeout
         timeout.stop();
         navigating = false;
@@ -792,6 +803,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     Emitting guardEmit(*this);
     const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
     abandoned = true;
+    abandonedURL = navigation.url;
     navigating = false;
     page->triggerAction(QWebEnginePage::Stop);
     if (client)

@@ -1,0 +1,301 @@
+// The page -> plugin -> page round trip through Qt WebEngine, against a floor
+// that uses Qt WebEngine alone: the same page, its handlers a bare QWebChannel
+// object that finds the request id by searching the text (no JSON library)
+// and answers with a ready-made envelope by runJavaScript. Each benchmark
+// alternates floor and WebSDK batches in one run, so both see the same
+// machine. Needs a display: xvfb-run -a.
+
+#include "QtFloorChannel.hpp"
+#include "websdk/bridge/families/Cart.hpp"
+#include "websdk/qtwebengine/Native.hpp"
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <QFile>
+#include <QHBoxLayout>
+#include <QWebChannel>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
+#include <QWidget>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace websdk {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::string_view kBaseURI = "http://127.0.0.1/bench";
+
+// The page is the same for both sides: it posts requests, counts answers in
+// nativeResponse (touching the payload) and reports when the batch is done.
+constexpr std::string_view kPage = R"(<!doctype html><html><body><script>
+let remaining = 0, next = 0, pipelined = false, bytes = 0;
+function send() {
+  const id = String(next++);
+  window.webkit.messageHandlers.nativeRequest.postMessage({message:
+    '{"type":"GET_LOCAL_CART","requestId":"' + id + '","payload":{"tenant":{"marketplaceId":"m1","marketplaceCategory":"FOOD","marketplaceBusinessLine":"DV-MEALS"}}}'});
+}
+function nativeResponse(envelope) {
+  bytes += envelope.payload.length;
+  if (--remaining === 0) { window.webkit.messageHandlers.done.postMessage(bytes); return; }
+  if (!pipelined) send();
+}
+function run(n, pipe) {
+  remaining = n; pipelined = pipe;
+  if (pipe) { for (let i = 0; i < n; ++i) send(); } else { send(); }
+}
+</script></body></html>)";
+
+// A JSON answer of about `size` bytes, as a plugin would send it.
+std::string payloadOfSize(std::size_t size) {
+  std::string out = R"({"items":[)";
+  for (int i = 0; out.size() + 64 < size; ++i) {
+    if (i) out += ',';
+    out += R"({"id":"item-)" + std::to_string(i) + R"(","name":"Garlic naan","qty":2,"price":45.0})";
+  }
+  out += "]}";
+  return out;
+}
+
+bool loadPage(QWebEnginePage* page, const std::function<bool()>& ready) {
+  page->setHtml(QString::fromUtf8(kPage.data(), static_cast<qsizetype>(kPage.size())),
+                QUrl(QString::fromUtf8(kBaseURI.data(), static_cast<qsizetype>(kBaseURI.size()))));
+  return qtwebengine::runUntil(ready, 20s);
+}
+
+// ---- Floor: Qt WebEngine alone -------------------------------------------------------
+
+class Floor {
+ public:
+  Floor() {
+    view_ = new QWebEngineView();
+    page_ = view_->page();
+    page_->setWebChannel(&channel_);
+    channel_.registerObject(QStringLiteral("floor"), &object_);
+    QFile library(QStringLiteral(":/qtwebchannel/qwebchannel.js"));
+    library.open(QIODevice::ReadOnly);
+    QWebEngineScript script;
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setWorldId(QWebEngineScript::MainWorld);
+    script.setSourceCode(QString::fromUtf8(library.readAll()) + QStringLiteral(R"JS(
+      (function () {
+        let floor = null; const waiting = [];
+        const call = (m, ...a) => { if (floor) floor[m](...a); else waiting.push([m, a]); };
+        window.webkit = {messageHandlers: {
+          nativeRequest: {postMessage: body => call('request', body.message)},
+          done: {postMessage: () => call('finished')}}};
+        new QWebChannel(qt.webChannelTransport, c => {
+          floor = c.objects.floor;
+          for (const [m, a] of waiting.splice(0)) floor[m](...a);
+        });
+      })();)JS"));
+    page_->scripts().insert(script);
+    QObject::connect(page_, &QWebEnginePage::loadFinished, [this](bool) { loaded_ = true; });
+    object_.onRequest = [this](const QString& text) {
+      const std::string s = text.toStdString();
+      constexpr std::string_view key = R"("requestId":")";
+      const auto start = s.find(key) + key.size();
+      const auto end = s.find('"', start);
+      std::string answer;
+      answer.reserve(prefix_.size() + (end - start) + suffix_.size());
+      answer.append(prefix_).append(s, start, end - start).append(suffix_);
+      page_->runJavaScript(QString::fromStdString(answer));
+    };
+  }
+  ~Floor() { delete view_; }
+  QWidget* widget() { return view_; }
+  bool load() {
+    return loadPage(page_, [this] { return loaded_; });
+  }
+
+  void setPayload(const std::string& payload) {
+    // The envelope is made once; only the request id is spliced in per answer.
+    const std::string marker = "\x01";
+    const std::string script =
+        nativeResponseScript(WebSDKResponseModel{"SUCCESS", 0, std::nullopt, marker, payload}).value();
+    const auto at = script.find("\\u0001");
+    prefix_ = script.substr(0, at);
+    suffix_ = script.substr(at + 6);
+  }
+
+  bool run(int n, bool pipelined) {
+    object_.done = false;
+    page_->runJavaScript(QString::fromStdString("run(" + std::to_string(n) + "," + (pipelined ? "true" : "false") +
+                                                ")"));
+    return qtwebengine::runUntil([this] { return object_.done; }, 120s);
+  }
+
+ private:
+  QWebEngineView* view_;
+  QWebEnginePage* page_;
+  QWebChannel channel_;
+  FloorChannel object_;
+  std::string prefix_, suffix_;
+  bool loaded_ = false;
+};
+
+// ---- WebSDK --------------------------------------------------------------------------
+
+class AllowAll final : public WebSDKNavigationDelegate {
+ public:
+  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
+  void didFinish(WebSDKWebView&, const WebSDKNavigation*) override { finished = true; }
+  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError&) override {}
+  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&, WebSDKAuthChallengeCompletion) override {}
+  bool finished = false;
+};
+
+class CartAnswers final : public DvCartWebViewCallBacks {
+ public:
+  std::weak_ptr<WebSDKWebView> view;
+  std::string payload;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
+    if (auto v = view.lock()) v->sendWebSDKResponse(payload, WebSDKResponseType::success, request.requestId);
+  }
+};
+
+class Done final : public ScriptMessageHandler {
+ public:
+  void userContentController(const ScriptMessage&) override { done = true; }
+  bool done = false;
+};
+
+class SDK {
+ public:
+  SDK() {
+    view_ = WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(), {"127.0.0.1"}, nullptr, nullptr,
+                                  navigation_);
+    cart_->view = view_;
+    view_->setCartPlugin(cart_);
+    view_->engine().addScriptMessageHandler(done_, "done");
+  }
+  QWidget* widget() { return qtwebengine::widget(view_->engine()); }
+  bool load() {
+    return loadPage(qtwebengine::page(view_->engine()), [this] { return navigation_->finished; });
+  }
+  void setPayload(const std::string& payload) { cart_->payload = payload; }
+  bool run(int n, bool pipelined) {
+    done_->done = false;
+    view_->engine().evaluateJavaScript("run(" + std::to_string(n) + "," + (pipelined ? "true" : "false") + ")",
+                                       nullptr);
+    return qtwebengine::runUntil([this] { return done_->done; }, 120s);
+  }
+
+ private:
+  std::shared_ptr<AllowAll> navigation_ = std::make_shared<AllowAll>();
+  std::shared_ptr<CartAnswers> cart_ = std::make_shared<CartAnswers>();
+  std::shared_ptr<Done> done_ = std::make_shared<Done>();
+  std::shared_ptr<WebSDKWebView> view_;
+};
+
+// ---- The run ---------------------------------------------------------------------------
+
+struct Rig {
+  std::unique_ptr<QWidget> window;
+  std::unique_ptr<Floor> floor;
+  std::unique_ptr<SDK> sdk;
+  bool ok = false;
+
+  Rig() {
+    if (!qtwebengine::initialize()) return;
+    window = std::make_unique<QWidget>();
+    auto* box = new QHBoxLayout(window.get());
+    floor = std::make_unique<Floor>();
+    sdk = std::make_unique<SDK>();
+    for (QWidget* view : {floor->widget(), sdk->widget()}) {
+      view->setMinimumSize(400, 400);
+      box->addWidget(view);
+    }
+    window->show();
+    ok = floor->load() && sdk->load();
+  }
+  ~Rig() {
+    // The views go with their engines and the floor, not with the window.
+    for (QWidget* view : {floor ? floor->widget() : nullptr, sdk ? sdk->widget() : nullptr})
+      if (view) view->setParent(nullptr);
+  }
+  static Rig& get() {
+    static Rig rig;
+    return rig;
+  }
+};
+
+struct Figures {
+  double floorUs = 0, sdkUs = 0;
+};
+std::map<std::string, Figures>& results() {
+  static std::map<std::string, Figures> r;
+  return r;
+}
+
+void RoundTrip(benchmark::State& state) {
+  const auto size = static_cast<std::size_t>(state.range(0));
+  const bool pipelined = state.range(1) != 0;
+  // Batches long enough that the kick-off evaluation is noise.
+  const int batch = size >= (1u << 20) ? 4 : size >= 10'000 ? 50 : 200;
+  Rig& rig = Rig::get();
+  if (!rig.ok) {
+    state.SkipWithError("no display or the pages did not load: run under xvfb-run -a");
+    return;
+  }
+  const std::string payload = payloadOfSize(size);
+  rig.floor->setPayload(payload);
+  rig.sdk->setPayload(payload);
+  // One batch of each first, to warm both processes up.
+  rig.floor->run(batch, pipelined);
+  rig.sdk->run(batch, pipelined);
+
+  // Medians of per-batch times: the machine is shared, and a spike in one
+  // batch should not decide the ratio.
+  std::vector<double> floorUs, sdkUs;
+  for (auto _ : state) {
+    auto t0 = Clock::now();
+    if (!rig.floor->run(batch, pipelined)) state.SkipWithError("floor batch did not finish");
+    auto t1 = Clock::now();
+    if (!rig.sdk->run(batch, pipelined)) state.SkipWithError("WebSDK batch did not finish");
+    auto t2 = Clock::now();
+    floorUs.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count() / batch);
+    sdkUs.push_back(std::chrono::duration<double, std::micro>(t2 - t1).count() / batch);
+  }
+  const auto median = [](std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0.0 : v[v.size() / 2];
+  };
+  const Figures f{median(floorUs), median(sdkUs)};
+  state.counters["floor_us"] = f.floorUs;
+  state.counters["websdk_us"] = f.sdkUs;
+  state.counters["ratio"] = f.sdkUs / f.floorUs;
+  results()[std::to_string(size) + (pipelined ? " pipelined" : " sequential")] = f;
+}
+
+BENCHMARK(RoundTrip)
+    ->ArgNames({"bytes", "pipelined"})
+    ->ArgsProduct({{100, 10'000, 1 << 20}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MinTime(2.0);
+
+}  // namespace
+}  // namespace websdk
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+
+  std::printf("\nRound trip on Qt WebEngine, page -> plugin -> page (median microseconds per round trip)\n");
+  std::printf("%-22s %12s %12s %8s %8s\n", "answer", "floor", "WebSDK", "ratio", "target");
+  for (const auto& [name, f] : websdk::results())
+    std::printf("%-22s %12.1f %12.1f %7.2fx %7.2fx\n", name.c_str(), f.floorUs, f.sdkUs, f.sdkUs / f.floorUs, 1.25);
+  return 0;
+}

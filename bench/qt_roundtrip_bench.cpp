@@ -129,8 +129,8 @@ class Floor {
 
   bool run(int n, bool pipelined) {
     object_.done = false;
-    page_->runJavaScript(QString::fromStdString("run(" + std::to_string(n) + "," + (pipelined ? "true" : "false") +
-                                                ")"));
+    page_->runJavaScript(
+        QString::fromStdString("run(" + std::to_string(n) + "," + (pipelined ? "true" : "false") + ")"));
     return qtwebengine::runUntil([this] { return object_.done; }, 120s);
   }
 

@@ -1,8 +1,9 @@
 # What `cmake --install` puts in place for host apps: the headers, the
 # libraries, websdk-inspect, a CMake package (find_package(WebSDK CONFIG) with
 # WebSDK::websdk, WebSDK::testing and, where they are built, the engines
-# WebSDK::webkitgtk and WebSDK::webkitgtk6) and pkg-config files (websdk,
-# websdk-testing, websdk-webkitgtk, websdk-webkitgtk6).
+# WebSDK::webkitgtk, WebSDK::webkitgtk6 and WebSDK::qtwebengine) and
+# pkg-config files (websdk, websdk-testing, websdk-webkitgtk,
+# websdk-webkitgtk6, websdk-qtwebengine).
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -39,6 +40,11 @@ foreach(engine IN ITEMS webkitgtk webkitgtk6)
   target_compile_definitions(websdk_${engine} INTERFACE
     "$<INSTALL_INTERFACE:WEBSDK_PACKAGE_WEB_EXTENSIONS_DIR=${WEBSDK_INCLUDE_TO_${ENGINE}_EXTENSIONS}>")
 endforeach()
+set(WEBSDK_HAS_QTWEBENGINE OFF)
+if(TARGET websdk_qtwebengine)
+  set(WEBSDK_HAS_QTWEBENGINE ON)
+  list(APPEND pcengines qtwebengine)
+endif()
 if(TARGET websdk-inspect)
   # With shared libraries, the tool finds them beside its own bin/.
   file(RELATIVE_PATH WEBSDK_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})

@@ -98,6 +98,7 @@ const isTop = window === window.top;
 const call = isTop ? args => { if (bridge) bridge.receive(args); else waiting.push(args); }
                    : args => window.top.postMessage({websdkFrame: args}, '*');
 // Lone surrogate halves become U+FFFD, as a JSON parse of the text would read them.
+const surrogate = /[\uD800-\uDFFF]/;
 const lone = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g;
 window.addEventListener('websdk:hello', event => {
   if (mark !== null || typeof event.detail !== 'string') return;
@@ -110,7 +111,7 @@ window.addEventListener('websdk:post', event => {
   let text = d[1];
   const units = text.length;
   if (units > limit) text = text.substring(0, start);
-  text = text.replace(lone, '\uFFFD');
+  if (surrogate.test(text)) text = text.replace(lone, '\uFFFD');
   call(['post', mark, location.href, d[0], text, d[2] === true ? units : -1, isTop]);
 });
 if (isTop) {

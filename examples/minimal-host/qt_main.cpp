@@ -78,8 +78,8 @@ int main(int argc, char** argv) {
   LocalShop shop(kPage);
 
   auto navigation = std::make_shared<NavigationPolicy>();
-  auto view = WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(), {"127.0.0.1"}, nullptr, nullptr,
-                                    navigation);
+  auto view =
+      WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(), {"127.0.0.1"}, nullptr, nullptr, navigation);
   auto cart = std::make_shared<CartPlugin>(view);
   view->setCartPlugin(cart);
 

@@ -13,10 +13,11 @@ class ChannelObject final : public QObject {
   Q_OBJECT
  public:
   explicit ChannelObject(std::function<void(const QJsonArray&)> receiver) : receiver_(std::move(receiver)) {}
-  /// ["hello", mark, url] or ["post", top document's mark, frame URL, handler, text,
-  /// units, isMainFrame].
-  Q_INVOKABLE void receive(const QJsonArray& call) {
-    if (receiver_) receiver_(call);
+  /// Calls in the order the page made them, each ["hello", mark, url] or
+  /// ["post", top document's mark, frame URL, handler, text, units, isMainFrame].
+  Q_INVOKABLE void receive(const QJsonArray& calls) {
+    for (const auto& call : calls)
+      if (receiver_ && call.isArray()) receiver_(call.toArray());
   }
   void close() { receiver_ = nullptr; }
 

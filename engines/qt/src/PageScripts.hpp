@@ -95,8 +95,21 @@ const isTop = window === window.top;
 // Only the top frame has the channel: a frame hands its messages to the top
 // frame's isolated world, which holds the URL the frame read to the origin the
 // browser vouches for.
-const call = isTop ? args => { if (bridge) bridge.receive(args); else waiting.push(args); }
-                   : args => window.top.postMessage({websdkFrame: args}, '*');
+// The messages of one task go to the app together, at its end: a burst costs
+// one crossing, not one each.
+let batchBytes = 0, flushing = false;
+const flush = () => {
+  flushing = false;
+  if (!bridge || waiting.length === 0) return;
+  batchBytes = 0;
+  bridge.receive(waiting.splice(0));
+};
+const call = isTop ? args => {
+  waiting.push(args);
+  batchBytes += args[4] === undefined ? 0 : args[4].length;
+  if (batchBytes > 1048576) flush();
+  else if (!flushing) { flushing = true; queueMicrotask(flush); }
+} : args => window.top.postMessage({websdkFrame: args}, '*');
 // Lone surrogate halves become U+FFFD, as a JSON parse of the text would read them.
 const surrogate = /[\uD800-\uDFFF]/;
 const lone = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g;
@@ -128,7 +141,7 @@ if (isTop) {
     bridge = channel.objects.)JS";
   s += kChannelObject;
   s += R"JS(;
-    for (const args of waiting.splice(0)) bridge.receive(args);
+    flush();
   });
 }
 window.dispatchEvent(new CustomEvent('websdk:listening'));

@@ -401,13 +401,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   bool allowsInlineMediaPlayback = true;
   bool javaScriptEnabled = true;
 
-  // The view's own load: its request, whether the main-frame requests now
-  // under way are it or its redirects through trusted hosts only, and
-  // whether the app's fields went on one of them.
+  // The view's own load: its request, and whether the main-frame requests now
+  // under way are it or its redirects through trusted hosts only. Known from
+  // the main frame's requests and redirects alone, which come in order: never
+  // from a document's word, which may come late.
   std::optional<URLRequest> pendingLoad;
   QUrl pendingLoadURL;
   bool loadChain = false;
-  bool chainCarries = false;
+  // Whether the last main-frame request carried the app's fields: Chromium
+  // keeps a request's fields on its redirects, and Qt cannot take one off.
+  bool lastCarried = false;
+  // An allowed redirect: the next main-frame request is its hop.
+  bool redirectHopNext = false;
   // A redirect off the trusted hosts of a load that carried the app's fields
   // is blocked (Chromium would carry them on) and issued again as a new
   // navigation: its failure and its start are the navigation's own.
@@ -559,7 +564,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       remember({mark, document});
       committedSinceStart = true;
       timeout.stop();
-      loadChain = false;
       if (current && navigating) current->url = url;
       return;
     }
@@ -592,49 +596,45 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     // A service worker would see the app's headers on what it serves.
     if (info.resourceType() == QWebEngineUrlRequestInfo::ResourceTypeServiceWorker && !serviceWorkers)
       return info.block(true);
-    log(LogLevel::debug, "headers",
-        "request " + utf8(info.requestUrl().toString()) + " resource " + std::to_string(info.resourceType()) +
-            " navigation " + std::to_string(info.navigationType()) + (pendingLoad ? " (a load pending)" : ""));
-    if (info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeMainFrame || !pendingLoad) return;
-    // Qt names a redirect of the view's load as it names the load itself
-    // (typed): while the load's chain is open, such a request is its next hop.
-    const auto type = info.navigationType();
-    const bool sameNavigation = type == QWebEngineUrlRequestInfo::NavigationTypeTyped ||
-                                type == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
-    if (!loadChain || !sameNavigation) {
-      loadChain = (sameNavigation || type == QWebEngineUrlRequestInfo::NavigationTypeReload) &&
-                  info.requestUrl() == pendingLoadURL;
-      chainCarries = false;
+    if (info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeMainFrame) return;
+    const bool hop = std::exchange(redirectHopNext, false);
+    const bool carried = std::exchange(lastCarried, false);
+    if (!hop) {
+      // A navigation of its own: the view's load when it is the load's URL
+      // (Qt names the load typed, and a reload of it reloads).
+      const auto type = info.navigationType();
+      loadChain = pendingLoad && info.requestUrl() == pendingLoadURL &&
+                  (type == QWebEngineUrlRequestInfo::NavigationTypeTyped ||
+                   type == QWebEngineUrlRequestInfo::NavigationTypeReload);
     }
-    if (!loadChain) return;
-    const QUrl target = info.requestUrl();
-    HeaderFields fields;
-    for (auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
-      if (std::ranges::find(pendingLoad->confinedHeaders, field.first) != pendingLoad->confinedHeaders.end())
-        fields.push_back(std::move(field));
-    if (fields.empty() && !pendingLoad->confinedHeaders.empty()) {
-      // Off the trusted hosts: the load never gets the app's fields back.
-      loadChain = false;
-      // acceptNavigation stopped such a hop of a load that carried them; this
-      // is the last line, should one come here all the same.
-      if (chainCarries) info.block(true);
-      return;
+    const HeaderFields fields = loadChain ? appFieldsFor(info.requestUrl()) : HeaderFields{};
+    // Off the trusted hosts: the load never gets the app's fields back.
+    if (fields.empty()) loadChain = false;
+    if (hop && carried && fields.empty()) {
+      // acceptNavigation stops such a hop before its request is made; this is
+      // the last line, should one come here all the same.
+      log(LogLevel::warning, "headers",
+          "a redirect off the trusted hosts was blocked: " + utf8(info.requestUrl().toString()));
+      return info.block(true);
     }
-    chainCarries = chainCarries || !fields.empty();
+    lastCarried = !fields.empty() || (hop && carried);
     for (const auto& [name, value] : fields)
       info.setHttpHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
   }
 
-  /// Whether a redirect of the view's load to `target` would carry the app's
-  /// fields off the trusted hosts: Chromium keeps a request's fields on its
-  /// redirects, and Qt cannot take one off.
-  bool redirectLeaves(const QUrl& target) const {
-    if (!pendingLoad || !loadChain || !chainCarries) return false;
-    for (const auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
+  /// The app's fields a request of the view's load to `target` may carry.
+  HeaderFields appFieldsFor(const QUrl& target) const {
+    HeaderFields fields;
+    if (!pendingLoad) return fields;
+    for (auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
       if (std::ranges::find(pendingLoad->confinedHeaders, field.first) != pendingLoad->confinedHeaders.end())
-        return false;
-    return true;
+        fields.push_back(std::move(field));
+    return fields;
   }
+
+  /// Whether a redirect to `target` would carry the app's fields off the
+  /// trusted hosts.
+  bool redirectLeaves(const QUrl& target) const { return lastCarried && appFieldsFor(target).empty(); }
 
   // The redirect's target as a navigation of its own, with the fields anyone
   // may see and none of the app's; asked like any other.
@@ -673,6 +673,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if (isMainFrame && type == QWebEnginePage::NavigationTypeRedirect && redirectLeaves(url)) {
       // Stopped before the request is made, and made again without them.
       loadChain = false;
+      lastCarried = false;
       blockedForReissue = true;
       queue.post([weak = weak_from_this(), url] {
         if (auto s = weak.lock(); s && s->page) s->reissue(url);
@@ -684,6 +685,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       if (again != allowedAgain.end()) {
         allowedAgain.erase(again);
         started(url, type == QWebEnginePage::NavigationTypeRedirect);
+        redirectHopNext = type == QWebEnginePage::NavigationTypeRedirect;
         return true;
       }
     }
@@ -737,6 +739,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if (it != deciding.end()) it->second = true;  // answered later, if at all
     if (answer.value_or(false)) {
       if (isMainFrame) started(url, redirect);
+      if (isMainFrame) redirectHopNext = redirect;
       return true;
     }
     if (answer && isMainFrame && ownLoad) pendingTimeout.reset();

@@ -65,6 +65,38 @@ TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
   }
 }
 
+// An untrusted page that knows how pages reach the app on every engine tries
+// the channel's own ways in: the events that carry a message, a frame's
+// message it makes up with a trusted URL, a new document mark. None reaches
+// the plugin; what is judged at all is judged by the page's own URL.
+TEST_F(TrustTest, AnUntrustedPageCannotSpeakForATrustedOne) {
+  view->setCartPlugin(cart);
+  server.page("/untrusted", testPage());
+  ASSERT_TRUE(loadAndWait(server.url("/untrusted", "localhost")));
+  const std::string trusted = server.url("/", "127.0.0.1");
+  const auto message = [](const std::string& id) { return serialize(JSON(cartRequest(id))); };
+  view->engine().evaluateJavaScript(
+      "window.dispatchEvent(new CustomEvent('websdk:hello', {detail: 'forged'}));"
+      "try { Object.defineProperty(window, '__websdkDocument', {value: 'forged'}); } catch (e) {}"
+      "window.dispatchEvent(new CustomEvent('websdk:post', {detail: ['nativeRequest', " +
+          message("event") +
+          ", true]}));"
+          "window.postMessage({websdkFrame: ['post', 'forged', " +
+          serialize(JSON(trusted)) + ", 'nativeRequest', " + message("frame") +
+          ", 10, false]}, '*');"
+          "window.webkit.messageHandlers.nativeRequest.postMessage({message: " +
+          message("plain") + "});",
+      nullptr);
+  // The plain post is always judged; the others may be, and come before it.
+  ASSERT_TRUE(waitFor([&] { return responseTo("plain").has_value(); }));
+  waitFor([] { return false; }, std::chrono::milliseconds(300));
+  EXPECT_TRUE(cart->ids.empty()) << "a forged message reached the plugin";
+  for (const auto& r : responses()) {
+    EXPECT_EQ(r.at("statusCode"), JSON(1005));
+    EXPECT_EQ(r.at("statusMessage"), JSON(server.url("/untrusted", "localhost")));
+  }
+}
+
 // A trusted page asks, the view moves on, the host answers late: the next
 // document sees nothing, whoever it is, and the listener hears of the drop.
 TEST_F(TrustTest, ALateAnswerNeverReachesTheNextDocument) {

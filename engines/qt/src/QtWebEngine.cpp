@@ -281,7 +281,7 @@ std::optional<std::string> chromiumCanonicalURL(std::string_view url) {
     // Chromium keeps a file URL's "localhost", which the standard drops.
     std::string_view raw = url;
     while (!raw.empty() && static_cast<unsigned char>(raw.front()) <= 0x20) raw.remove_prefix(1);
-    if (raw.size() > 16 && QByteArray(raw.data(), 16).toLower() == "file://localhost" &&
+    if (raw.size() >= 16 && QByteArray(raw.data(), 16).toLower() == "file://localhost" &&
         (raw.size() == 16 || raw[16] == '/' || raw[16] == '\\'))
       canonical->insert(7, "localhost");
   }
@@ -324,8 +324,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   };
 
   // Adds the app's fields to the requests of the view's own load whose host is
-  // trusted: the load's first request and each redirect of it. Nothing else
-  // ever carries them, so nothing needs stripping.
+  // trusted: the load's first request and each redirect of it. No other
+  // request gets them; Chromium keeps them on a redirect, so one off the
+  // trusted hosts is stopped before its request is made (acceptNavigation).
   class Guard final : public QWebEngineUrlRequestInterceptor {
    public:
     explicit Guard(Weak state) : state_(std::move(state)) {}
@@ -337,11 +338,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     Weak state_;
   };
 
-  // Watches pinches ahead of the page, so that a refused one never reaches it.
+  // Watches pinches ahead of the page, so that a refused one never reaches it:
+  // on the view and on the widget Chromium draws into, which the view makes
+  // as its child and which takes the device's gestures.
   class PinchFilter final : public QObject {
    public:
     explicit PinchFilter(Weak state) : state_(std::move(state)) {}
     bool eventFilter(QObject*, QEvent* event) override {
+      if (event->type() == QEvent::ChildAdded) {
+        QObject* child = static_cast<QChildEvent*>(event)->child();
+        if (child->isWidgetType()) child->installEventFilter(this);
+        return false;
+      }
       if (event->type() != QEvent::NativeGesture) return false;
       auto s = state_.lock();
       if (!s) return false;
@@ -479,6 +487,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     });
     pinchFilter = std::make_unique<PinchFilter>(weak);
     view->installEventFilter(pinchFilter.get());
+    for (QWidget* child : view->findChildren<QWidget*>()) child->installEventFilter(pinchFilter.get());
     const char* inspector = std::getenv("WEBSDK_INSPECTOR");
     if (configuration.webInspector || (inspector != nullptr && std::string_view(inspector) == "1"))
       log(LogLevel::info, "engine",

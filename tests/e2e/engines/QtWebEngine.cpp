@@ -58,9 +58,11 @@ void Window::show(WebEngine& engine) {
 bool Window::holdsAView() const { return native_->window && native_->window->layout()->count() > 0; }
 void Window::destroy() { delete native_->window.data(); }
 
-// A touchpad pinch as Qt delivers it: begin, a zoom step, end.
+// A touchpad pinch as Qt delivers it, to the widget Chromium draws into:
+// begin, a zoom step, end.
 void pinch(WebEngine& engine, double scale) {
   QWidget* view = qtwebengine::widget(engine);
+  if (view->focusProxy() != nullptr) view = view->focusProxy();
   const QPointF at(100, 100);
   const auto* device = QPointingDevice::primaryPointingDevice();
   for (const auto& [type, value] : {std::pair{Qt::BeginNativeGesture, 0.0}, std::pair{Qt::ZoomNativeGesture, scale - 1},

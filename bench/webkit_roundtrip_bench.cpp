@@ -11,6 +11,8 @@
 #include "websdk/webkitgtk/Native.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
+#include "RoundTrip.hpp"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -26,40 +28,8 @@ namespace {
 
 namespace compat = webkitgtk::compat;
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-
-constexpr std::string_view kBaseURI = "http://127.0.0.1/bench";
-
-// The page is the same for both sides: it posts requests, counts answers in
-// nativeResponse (touching the payload) and reports when the batch is done.
-constexpr std::string_view kPage = R"(<!doctype html><html><body><script>
-let remaining = 0, next = 0, pipelined = false, bytes = 0;
-function send() {
-  const id = String(next++);
-  window.webkit.messageHandlers.nativeRequest.postMessage({message:
-    '{"type":"GET_LOCAL_CART","requestId":"' + id + '","payload":{"tenant":{"marketplaceId":"m1","marketplaceCategory":"FOOD","marketplaceBusinessLine":"DV-MEALS"}}}'});
-}
-function nativeResponse(envelope) {
-  bytes += envelope.payload.length;
-  if (--remaining === 0) { window.webkit.messageHandlers.done.postMessage(bytes); return; }
-  if (!pipelined) send();
-}
-function run(n, pipe) {
-  remaining = n; pipelined = pipe;
-  if (pipe) { for (let i = 0; i < n; ++i) send(); } else { send(); }
-}
-</script></body></html>)";
-
-// A JSON answer of about `size` bytes, as a plugin would send it.
-std::string payloadOfSize(std::size_t size) {
-  std::string out = R"({"items":[)";
-  for (int i = 0; out.size() + 64 < size; ++i) {
-    if (i) out += ',';
-    out += R"({"id":"item-)" + std::to_string(i) + R"(","name":"Garlic naan","qty":2,"price":45.0})";
-  }
-  out += "]}";
-  return out;
-}
+using bench::kBaseURI;
+using bench::kPage;
 
 bool loadPage(WebKitWebView* view, const std::function<bool()>& ready) {
   webkit_web_view_load_html(view, kPage.data(), kBaseURI.data());
@@ -229,60 +199,8 @@ struct Rig {
   }
 };
 
-struct Figures {
-  double floorUs = 0, sdkUs = 0;
-};
-std::map<std::string, Figures>& results() {
-  static std::map<std::string, Figures> r;
-  return r;
-}
-
-void RoundTrip(benchmark::State& state) {
-  const auto size = static_cast<std::size_t>(state.range(0));
-  const bool pipelined = state.range(1) != 0;
-  // Batches long enough that the kick-off evaluation is noise.
-  const int batch = size >= (1u << 20) ? 4 : size >= 10'000 ? 50 : 200;
-  Rig& rig = Rig::get();
-  if (!rig.ok) {
-    state.SkipWithError("no display or the pages did not load: run under xvfb-run -a");
-    return;
-  }
-  const std::string payload = payloadOfSize(size);
-  rig.floor->setPayload(payload);
-  rig.sdk->setPayload(payload);
-  // One batch of each first, to warm both processes up.
-  rig.floor->run(batch, pipelined);
-  rig.sdk->run(batch, pipelined);
-
-  // Medians of per-batch times: the machine is shared, and a spike in one
-  // batch should not decide the ratio.
-  std::vector<double> floorUs, sdkUs;
-  for (auto _ : state) {
-    auto t0 = Clock::now();
-    if (!rig.floor->run(batch, pipelined)) state.SkipWithError("floor batch did not finish");
-    auto t1 = Clock::now();
-    if (!rig.sdk->run(batch, pipelined)) state.SkipWithError("WebSDK batch did not finish");
-    auto t2 = Clock::now();
-    floorUs.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count() / batch);
-    sdkUs.push_back(std::chrono::duration<double, std::micro>(t2 - t1).count() / batch);
-  }
-  const auto median = [](std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0.0 : v[v.size() / 2];
-  };
-  const Figures f{median(floorUs), median(sdkUs)};
-  state.counters["floor_us"] = f.floorUs;
-  state.counters["websdk_us"] = f.sdkUs;
-  state.counters["ratio"] = f.sdkUs / f.floorUs;
-  results()[std::to_string(size) + (pipelined ? " pipelined" : " sequential")] = f;
-}
-
-BENCHMARK(RoundTrip)
-    ->ArgNames({"bytes", "pipelined"})
-    ->ArgsProduct({{100, 10'000, 1 << 20}, {0, 1}})
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->MinTime(2.0);
+void RoundTrip(benchmark::State& state) { bench::roundTrip(state, Rig::get()); }
+WEBSDK_ROUND_TRIP_BENCHMARK(RoundTrip);
 
 }  // namespace
 }  // namespace websdk
@@ -293,14 +211,8 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
 
-  std::printf("\nRound trip, page -> plugin -> page (median microseconds per round trip)\n");
-  std::printf("%-22s %12s %12s %8s %8s\n", "answer", "floor", "WebSDK", "ratio", "target");
-  for (const auto& [name, f] : websdk::results()) {
-    const double target = name.starts_with("100 ")      ? 1.10
-                          : name.starts_with("10000 ")  ? 1.15
-                          : name.ends_with("pipelined") ? 1.15
-                                                        : 1.25;
-    std::printf("%-22s %12.1f %12.1f %7.2fx %7.2fx\n", name.c_str(), f.floorUs, f.sdkUs, f.sdkUs / f.floorUs, target);
-  }
+  websdk::bench::printFigures("Round trip, page -> plugin -> page", [](const std::string& name) {
+    return name.starts_with("100 ") ? 1.10 : name.starts_with("10000 ") || name.ends_with("pipelined") ? 1.15 : 1.25;
+  });
   return 0;
 }

@@ -11,6 +11,7 @@
 
 #include "CartPlugin.hpp"
 #include "LocalShop.hpp"
+#include "ShopPage.hpp"
 
 #include <websdk/webkitgtk/Native.hpp>
 #include <websdk/webview/WebSDKRequestHeaders.hpp>
@@ -22,50 +23,6 @@
 
 using namespace websdk;
 
-namespace {
-
-// The app's session token: one of the header fields only trusted hosts get.
-constexpr const char* kToken = "demo-token";
-
-// The page: it posts to "nativeRequest" and gets its answer in nativeResponse.
-constexpr const char* kPage = R"(<!doctype html>
-<html><head><meta charset="utf-8"><title>waiting</title></head>
-<body><h1>Cart</h1><p id="cart">Asking the app&hellip;</p>
-<script>
-function nativeResponse(envelope) {
-  const cart = JSON.parse(envelope.payload);
-  document.getElementById("cart").textContent = cart.items.length + " item(s), total " + cart.total;
-  document.title = "answered " + cart.total;
-}
-window.webkit.messageHandlers.nativeRequest.postMessage({ message: JSON.stringify({
-  type: "GET_LOCAL_CART", requestId: "1", payload: { tenant: { marketplaceId: "meals" } } }) });
-</script></body></html>)";
-
-// The app's say on navigation. With the real engine every navigation waits for
-// this answer, so a view that loads pages needs a navigation delegate.
-class NavigationPolicy final : public WebSDKNavigationDelegate {
- public:
-  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
-  void didFinish(WebSDKWebView&, const WebSDKNavigation* navigation) override {
-    if (navigation) std::cout << "minimal-host-gtk: loaded " << navigation->url << std::endl;
-  }
-  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError& error) override {
-    std::cerr << "minimal-host-gtk: load failed: " << error.description << std::endl;
-  }
-  // Pages stay on the shop; anything else would go to the system browser.
-  void decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
-                       WebSDKNavigationActionDecision decisionHandler) override {
-    const bool trusted = webView.webSDKConfig.isWhitelistedURL(action.url) || action.url == "about:blank";
-    decisionHandler(trusted ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
-  }
-  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&,
-                  WebSDKAuthChallengeCompletion completionHandler) override {
-    completionHandler(WebSDKAuthChallengeDisposition::performDefaultHandling, std::nullopt);
-  }
-};
-
-}  // namespace
-
 int main(int argc, char** argv) {
   const bool exitWhenAnswered = argc > 1 && std::strcmp(argv[1], "--exit-when-answered") == 0;
   if (!webkitgtk::initialize(&argc, &argv)) {
@@ -74,10 +31,10 @@ int main(int argc, char** argv) {
   }
 
   // The shop's server; here a stand-in on this machine (LocalShop.hpp).
-  LocalShop shop(kPage);
+  LocalShop shop(example::kPage);
 
   // The shop's host is trusted with the bridge and with the app's headers.
-  auto navigation = std::make_shared<NavigationPolicy>();
+  auto navigation = std::make_shared<example::NavigationPolicy>("minimal-host-gtk");
   auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
                                     navigation);
   auto cart = std::make_shared<CartPlugin>(view);
@@ -97,8 +54,8 @@ int main(int argc, char** argv) {
 
   // The app's header fields go only to trusted hosts, also across redirects.
   using H = WebSDKRequestHeaders;
-  view->loadWebView(shop.url(), {{std::string(H::platform), "linux"}, {std::string(H::token), kToken}}, std::nullopt,
-                    30 /* seconds */);
+  view->loadWebView(shop.url(), {{std::string(H::platform), "linux"}, {std::string(H::token), example::kToken}},
+                    std::nullopt, 30 /* seconds */);
   WebKitWebView* webView = webkitgtk::nativeWebView(view->engine());
 
   int status = 0;
@@ -113,7 +70,7 @@ int main(int argc, char** argv) {
     std::cout << "minimal-host-gtk: page title \"" << (title ? title : "") << "\"" << std::endl;
     const std::string token = shop.header(std::string(H::token));
     std::cout << "minimal-host-gtk: the shop got token \"" << token << "\"" << std::endl;
-    status = answered && token == kToken ? 0 : 1;
+    status = answered && token == example::kToken ? 0 : 1;
   } else {
 #ifdef WEBSDK_WEBKITGTK6
     // GTK 4 has no gtk_main(): the app runs the loop until its window goes.

@@ -8,6 +8,7 @@
 
 #include "CartPlugin.hpp"
 #include "LocalShop.hpp"
+#include "ShopPage.hpp"
 
 #include <websdk/qtwebengine/Native.hpp>
 #include <websdk/webview/WebSDKRequestHeaders.hpp>
@@ -22,50 +23,6 @@
 
 using namespace websdk;
 
-namespace {
-
-// The app's session token: one of the header fields only trusted hosts get.
-constexpr const char* kToken = "demo-token";
-
-// The page: it posts to "nativeRequest" and gets its answer in nativeResponse,
-// as it does under WebKit.
-constexpr const char* kPage = R"(<!doctype html>
-<html><head><meta charset="utf-8"><title>waiting</title></head>
-<body><h1>Cart</h1><p id="cart">Asking the app&hellip;</p>
-<script>
-function nativeResponse(envelope) {
-  const cart = JSON.parse(envelope.payload);
-  document.getElementById("cart").textContent = cart.items.length + " item(s), total " + cart.total;
-  document.title = "answered " + cart.total;
-}
-window.webkit.messageHandlers.nativeRequest.postMessage({ message: JSON.stringify({
-  type: "GET_LOCAL_CART", requestId: "1", payload: { tenant: { marketplaceId: "meals" } } }) });
-</script></body></html>)";
-
-// Pages stay on the shop. Qt asks about a navigation and wants the answer
-// at once: this delegate answers within the call, so nothing is issued again.
-class NavigationPolicy final : public WebSDKNavigationDelegate {
- public:
-  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
-  void didFinish(WebSDKWebView&, const WebSDKNavigation* navigation) override {
-    if (navigation) std::cout << "minimal-host-qt: loaded " << navigation->url << std::endl;
-  }
-  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError& error) override {
-    std::cerr << "minimal-host-qt: load failed: " << error.description << std::endl;
-  }
-  void decidePolicyFor(WebSDKWebView& webView, const WebSDKNavigationAction& action,
-                       WebSDKNavigationActionDecision decisionHandler) override {
-    const bool trusted = webView.webSDKConfig.isWhitelistedURL(action.url) || action.url == "about:blank";
-    decisionHandler(trusted ? WebSDKNavigationActionPolicy::allow : WebSDKNavigationActionPolicy::cancel);
-  }
-  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&,
-                  WebSDKAuthChallengeCompletion completionHandler) override {
-    completionHandler(WebSDKAuthChallengeDisposition::performDefaultHandling, std::nullopt);
-  }
-};
-
-}  // namespace
-
 int main(int argc, char** argv) {
   const bool exitWhenAnswered = argc > 1 && std::strcmp(argv[1], "--exit-when-answered") == 0;
   // Makes the QApplication; as root it also turns Chromium's sandbox off.
@@ -75,9 +32,9 @@ int main(int argc, char** argv) {
   }
 
   // The shop's server; here a stand-in on this machine (LocalShop.hpp).
-  LocalShop shop(kPage);
+  LocalShop shop(example::kPage);
 
-  auto navigation = std::make_shared<NavigationPolicy>();
+  auto navigation = std::make_shared<example::NavigationPolicy>("minimal-host-qt");
   auto view =
       WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(), {"127.0.0.1"}, nullptr, nullptr, navigation);
   auto cart = std::make_shared<CartPlugin>(view);
@@ -90,8 +47,8 @@ int main(int argc, char** argv) {
 
   // The app's header fields go only to trusted hosts, also across redirects.
   using H = WebSDKRequestHeaders;
-  view->loadWebView(shop.url(), {{std::string(H::platform), "linux"}, {std::string(H::token), kToken}}, std::nullopt,
-                    30 /* seconds */);
+  view->loadWebView(shop.url(), {{std::string(H::platform), "linux"}, {std::string(H::token), example::kToken}},
+                    std::nullopt, 30 /* seconds */);
   QWebEnginePage* page = qtwebengine::page(view->engine());
 
   int status = 0;
@@ -101,7 +58,7 @@ int main(int argc, char** argv) {
     std::cout << "minimal-host-qt: page title \"" << page->title().toStdString() << "\"" << std::endl;
     const std::string token = shop.header(std::string(H::token));
     std::cout << "minimal-host-qt: the shop got token \"" << token << "\"" << std::endl;
-    status = answered && token == kToken ? 0 : 1;
+    status = answered && token == example::kToken ? 0 : 1;
   } else {
     status = QApplication::exec();
   }

@@ -1,5 +1,7 @@
 #include "websdk/webview/LocalPages.hpp"
 
+#include "websdk/Log.hpp"
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -179,6 +181,23 @@ const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url
     if (sameScheme && parts->authority == pages.host && pages.problem().empty()) return &pages;
   }
   return nullptr;
+}
+
+std::vector<LocalPages> servablePages(std::span<const LocalPages> pages,
+                                      const std::function<std::string(const LocalPages&)>& engineProblem) {
+  std::vector<LocalPages> served;
+  for (const auto& page : pages) {
+    std::string problem = page.problem();
+    if (problem.empty() && engineProblem) problem = engineProblem(page);
+    if (!problem.empty()) {
+      log(LogLevel::warning, "engine", "the local pages " + page.origin() + " are not served: " + problem);
+    } else if (servedBy(served, page.url()) != nullptr) {
+      log(LogLevel::warning, "engine", "the local pages " + page.origin() + " are given twice: the first are served");
+    } else {
+      served.push_back(page);
+    }
+  }
+  return served;
 }
 
 }  // namespace websdk

@@ -88,21 +88,11 @@ Serving::~Serving() { profile_->removeUrlSchemeHandler(handler_.get()); }
 void Serving::expect(const std::string& url, HeaderFields fields) { handler_->expect(url, std::move(fields)); }
 
 std::unique_ptr<Serving> serve(QWebEngineProfile* profile, const std::vector<LocalPages>& pages) {
-  std::vector<LocalPages> served;
-  for (const auto& page : pages) {
-    const std::string problem = page.problem();
-    if (!problem.empty()) {
-      log(LogLevel::warning, "engine", "the local pages " + page.origin() + " are not served: " + problem);
-    } else if (servedBy(served, page.url()) != nullptr) {
-      log(LogLevel::warning, "engine", "the local pages " + page.origin() + " are given twice: the first are served");
-    } else if (QWebEngineUrlScheme::schemeByName(QByteArray::fromStdString(page.scheme)).name().isEmpty()) {
-      log(LogLevel::warning, "engine",
-          "the local pages " + page.origin() + " are not served: the scheme \"" + page.scheme +
-              "\" was not registered before the QApplication was made (websdk::qtwebengine::prepare)");
-    } else {
-      served.push_back(page);
-    }
-  }
+  std::vector<LocalPages> served = servablePages(pages, [](const LocalPages& page) -> std::string {
+    if (!QWebEngineUrlScheme::schemeByName(QByteArray::fromStdString(page.scheme)).name().isEmpty()) return {};
+    return "the scheme \"" + page.scheme +
+           "\" was not registered before the QApplication was made (websdk::qtwebengine::prepare)";
+  });
   if (served.empty()) return nullptr;
   return std::make_unique<Serving>(profile, std::move(served));
 }

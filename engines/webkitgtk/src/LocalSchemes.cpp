@@ -151,17 +151,7 @@ void Serving::expect(const std::string& url, HeaderFields fields) {
 }
 
 std::unique_ptr<Serving> serve(WebKitWebView* view, const std::vector<LocalPages>& pages) {
-  std::vector<LocalPages> served;
-  for (const auto& page : pages) {
-    const std::string problem = page.problem();
-    if (!problem.empty()) {
-      log(LogLevel::warning, "engine", "the local pages " + page.origin() + " are not served: " + problem);
-    } else if (servedBy(served, page.url()) != nullptr) {
-      log(LogLevel::warning, "engine", "the local pages " + page.origin() + " are given twice: the first are served");
-    } else {
-      served.push_back(page);
-    }
-  }
+  std::vector<LocalPages> served = servablePages(pages);
   if (served.empty()) return nullptr;
   return std::make_unique<Serving>(view, std::move(served));
 }

@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace websdk {
 
@@ -87,5 +88,11 @@ struct WEBSDK_EXPORT LocalPages {
 /// The pages of `all` that serve `url`: same scheme and exactly the same
 /// host, with no user or port. Nothing when none does.
 WEBSDK_EXPORT const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url);
+
+/// The pages of `pages` an engine can serve, in order: a warning names each
+/// that cannot, and why (its own problem(), the engine's `engineProblem`, or
+/// pages given twice).
+WEBSDK_EXPORT std::vector<LocalPages> servablePages(
+    std::span<const LocalPages> pages, const std::function<std::string(const LocalPages&)>& engineProblem = {});
 
 }  // namespace websdk

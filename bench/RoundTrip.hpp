@@ -1,0 +1,123 @@
+#pragma once
+// What the round-trip benches of every engine share: the page, the answers,
+// the alternating floor/WebSDK batches and the table of ratios. Each engine's
+// bench brings its floor, its WebSDK side and the rig that shows both.
+
+#include "websdk/webview/WebSDKWebView.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace websdk::bench {
+
+using Clock = std::chrono::steady_clock;
+
+inline constexpr std::string_view kBaseURI = "http://127.0.0.1/bench";
+
+// The page is the same for both sides: it posts requests, counts answers in
+// nativeResponse (touching the payload) and reports when the batch is done.
+inline constexpr std::string_view kPage = R"(<!doctype html><html><body><script>
+let remaining = 0, next = 0, pipelined = false, bytes = 0;
+function send() {
+  const id = String(next++);
+  window.webkit.messageHandlers.nativeRequest.postMessage({message:
+    '{"type":"GET_LOCAL_CART","requestId":"' + id + '","payload":{"tenant":{"marketplaceId":"m1","marketplaceCategory":"FOOD","marketplaceBusinessLine":"DV-MEALS"}}}'});
+}
+function nativeResponse(envelope) {
+  bytes += envelope.payload.length;
+  if (--remaining === 0) { window.webkit.messageHandlers.done.postMessage(bytes); return; }
+  if (!pipelined) send();
+}
+function run(n, pipe) {
+  remaining = n; pipelined = pipe;
+  if (pipe) { for (let i = 0; i < n; ++i) send(); } else { send(); }
+}
+</script></body></html>)";
+
+// A JSON answer of about `size` bytes, as a plugin would send it.
+inline std::string payloadOfSize(std::size_t size) {
+  std::string out = R"({"items":[)";
+  for (int i = 0; out.size() + 64 < size; ++i) {
+    if (i) out += ',';
+    out += R"({"id":"item-)" + std::to_string(i) + R"(","name":"Garlic naan","qty":2,"price":45.0})";
+  }
+  out += "]}";
+  return out;
+}
+
+struct Figures {
+  double floorUs = 0, sdkUs = 0;
+};
+inline std::map<std::string, Figures>& results() {
+  static std::map<std::string, Figures> r;
+  return r;
+}
+
+/// One figure: batches of `size`-byte answers, pipelined or not, floor and
+/// WebSDK alternating on `rig` (which has `ok`, `floor` and `sdk`).
+template <class Rig>
+void roundTrip(benchmark::State& state, Rig& rig) {
+  const auto size = static_cast<std::size_t>(state.range(0));
+  const bool pipelined = state.range(1) != 0;
+  // Batches long enough that the kick-off evaluation is noise.
+  const int batch = size >= (1u << 20) ? 4 : size >= 10'000 ? 50 : 200;
+  if (!rig.ok) {
+    state.SkipWithError("no display or the pages did not load: run under xvfb-run -a");
+    return;
+  }
+  const std::string payload = payloadOfSize(size);
+  rig.floor->setPayload(payload);
+  rig.sdk->setPayload(payload);
+  // One batch of each first, to warm both processes up.
+  rig.floor->run(batch, pipelined);
+  rig.sdk->run(batch, pipelined);
+
+  // Medians of per-batch times: the machine is shared, and a spike in one
+  // batch should not decide the ratio.
+  std::vector<double> floorUs, sdkUs;
+  for (auto _ : state) {
+    auto t0 = Clock::now();
+    if (!rig.floor->run(batch, pipelined)) state.SkipWithError("floor batch did not finish");
+    auto t1 = Clock::now();
+    if (!rig.sdk->run(batch, pipelined)) state.SkipWithError("WebSDK batch did not finish");
+    auto t2 = Clock::now();
+    floorUs.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count() / batch);
+    sdkUs.push_back(std::chrono::duration<double, std::micro>(t2 - t1).count() / batch);
+  }
+  const auto median = [](std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0.0 : v[v.size() / 2];
+  };
+  const Figures f{median(floorUs), median(sdkUs)};
+  state.counters["floor_us"] = f.floorUs;
+  state.counters["websdk_us"] = f.sdkUs;
+  state.counters["ratio"] = f.sdkUs / f.floorUs;
+  results()[std::to_string(size) + (pipelined ? " pipelined" : " sequential")] = f;
+}
+
+/// The figures of the run, one line each, against `target(name)`.
+inline void printFigures(const char* title, const std::function<double(const std::string&)>& target) {
+  std::printf("\n%s (median microseconds per round trip)\n", title);
+  std::printf("%-22s %12s %12s %8s %8s\n", "answer", "floor", "WebSDK", "ratio", "target");
+  for (const auto& [name, f] : results())
+    std::printf("%-22s %12.1f %12.1f %7.2fx %7.2fx\n", name.c_str(), f.floorUs, f.sdkUs, f.sdkUs / f.floorUs,
+                target(name));
+}
+
+/// The six figures: 100 B, 10 KB and 1 MB answers, sequential and pipelined.
+#define WEBSDK_ROUND_TRIP_BENCHMARK(function) \
+  BENCHMARK(function)                          \
+      ->ArgNames({"bytes", "pipelined"})       \
+      ->ArgsProduct({{100, 10'000, 1 << 20}, {0, 1}}) \
+      ->Unit(benchmark::kMillisecond)          \
+      ->UseRealTime()                          \
+      ->MinTime(2.0)
+
+}  // namespace websdk::bench

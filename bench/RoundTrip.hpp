@@ -3,6 +3,7 @@
 // the alternating floor/WebSDK batches and the table of ratios. Each engine's
 // bench brings its floor, its WebSDK side and the rig that shows both.
 
+#include "websdk/bridge/families/Cart.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include <benchmark/benchmark.h>
@@ -60,6 +61,32 @@ inline std::map<std::string, Figures>& results() {
   return r;
 }
 
+// The WebSDK side's parts, whatever the engine: a delegate that allows every
+// navigation, a cart plugin answering at once, and the page's "done".
+class AllowAll final : public WebSDKNavigationDelegate {
+ public:
+  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
+  void didFinish(WebSDKWebView&, const WebSDKNavigation*) override { finished = true; }
+  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError&) override {}
+  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&, WebSDKAuthChallengeCompletion) override {}
+  bool finished = false;
+};
+
+class CartAnswers final : public DvCartWebViewCallBacks {
+ public:
+  std::weak_ptr<WebSDKWebView> view;
+  std::string payload;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
+    if (auto v = view.lock()) v->sendWebSDKResponse(payload, WebSDKResponseType::success, request.requestId);
+  }
+};
+
+class Done final : public ScriptMessageHandler {
+ public:
+  void userContentController(const ScriptMessage&) override { done = true; }
+  bool done = false;
+};
+
 /// One figure: batches of `size`-byte answers, pipelined or not, floor and
 /// WebSDK alternating on `rig` (which has `ok`, `floor` and `sdk`).
 template <class Rig>
@@ -112,12 +139,12 @@ inline void printFigures(const char* title, const std::function<double(const std
 }
 
 /// The six figures: 100 B, 10 KB and 1 MB answers, sequential and pipelined.
-#define WEBSDK_ROUND_TRIP_BENCHMARK(function) \
-  BENCHMARK(function)                          \
-      ->ArgNames({"bytes", "pipelined"})       \
+#define WEBSDK_ROUND_TRIP_BENCHMARK(function)         \
+  BENCHMARK(function)                                 \
+      ->ArgNames({"bytes", "pipelined"})              \
       ->ArgsProduct({{100, 10'000, 1 << 20}, {0, 1}}) \
-      ->Unit(benchmark::kMillisecond)          \
-      ->UseRealTime()                          \
+      ->Unit(benchmark::kMillisecond)                 \
+      ->UseRealTime()                                 \
       ->MinTime(2.0)
 
 }  // namespace websdk::bench

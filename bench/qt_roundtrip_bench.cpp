@@ -115,29 +115,9 @@ class Floor {
 
 // ---- WebSDK --------------------------------------------------------------------------
 
-class AllowAll final : public WebSDKNavigationDelegate {
- public:
-  void didStartProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*) override {}
-  void didFinish(WebSDKWebView&, const WebSDKNavigation*) override { finished = true; }
-  void didFailProvisionalNavigation(WebSDKWebView&, const WebSDKNavigation*, const WebSDKError&) override {}
-  void didReceive(WebSDKWebView&, const WebSDKAuthenticationChallenge&, WebSDKAuthChallengeCompletion) override {}
-  bool finished = false;
-};
-
-class CartAnswers final : public DvCartWebViewCallBacks {
- public:
-  std::weak_ptr<WebSDKWebView> view;
-  std::string payload;
-  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
-    if (auto v = view.lock()) v->sendWebSDKResponse(payload, WebSDKResponseType::success, request.requestId);
-  }
-};
-
-class Done final : public ScriptMessageHandler {
- public:
-  void userContentController(const ScriptMessage&) override { done = true; }
-  bool done = false;
-};
+using bench::AllowAll;
+using bench::CartAnswers;
+using bench::Done;
 
 class SDK {
  public:

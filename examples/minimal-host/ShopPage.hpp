@@ -46,7 +46,8 @@ class NavigationPolicy final : public websdk::WebSDKNavigationDelegate {
   void decidePolicyFor(websdk::WebSDKWebView& webView, const websdk::WebSDKNavigationAction& action,
                        websdk::WebSDKNavigationActionDecision decisionHandler) override {
     const bool trusted = webView.webSDKConfig.isWhitelistedURL(action.url) || action.url == "about:blank";
-    decisionHandler(trusted ? websdk::WebSDKNavigationActionPolicy::allow : websdk::WebSDKNavigationActionPolicy::cancel);
+    decisionHandler(trusted ? websdk::WebSDKNavigationActionPolicy::allow
+                            : websdk::WebSDKNavigationActionPolicy::cancel);
   }
   void didReceive(websdk::WebSDKWebView&, const websdk::WebSDKAuthenticationChallenge&,
                   websdk::WebSDKAuthChallengeCompletion completionHandler) override {

@@ -16,8 +16,8 @@ namespace websdk::qtwebengine::scripts {
 inline constexpr char kChannelObject[] = "websdk";
 /// What an evaluation meant for another document completes with.
 inline constexpr char kDropped[] = "\x01websdk:dropped";
-/// A message larger than this many UTF-16 units, or than the size limit, goes
-/// as its start only: it is refused unread, and its start says what it was.
+/// A message over the size limit goes as its first this many UTF-16 units
+/// only: it is refused unread, and its start says what it was.
 inline constexpr std::size_t kRefusedMessageStart = 4096;
 
 /// The main world's part, at document creation in every frame, ahead of any

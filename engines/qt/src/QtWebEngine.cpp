@@ -406,7 +406,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   bool pinchEnabled = true;
   bool pinching = false;
   bool suppressesIncrementalRendering = false;
-  bool allowsInlineMediaPlayback = true;
   bool javaScriptEnabled = true;
 
   // The view's own load: its request, and whether the main-frame requests now
@@ -431,8 +430,8 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::uint64_t lastNavigationId = 0;
   std::optional<WebSDKNavigation> current;
   bool navigating = false;  // an allowed main-frame navigation not yet ended
-  bool abandoned = false;   // stopped on timeout: Qt's own stop stays quiet
-  // The URL of that navigation: its stop may come after the next one started.
+  // A navigation stopped on timeout: Qt's own stop of it stays quiet, also
+  // when it comes after the next navigation started.
   std::optional<std::string> abandonedURL;
   std::optional<double> pendingTimeout;
   QTimer timeout;
@@ -757,7 +756,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   void started(const QUrl& url, bool redirect) {
     if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
-    abandoned = false;
     navigating = true;
     committedSinceStart = false;
     current = WebSDKNavigation{++lastNavigationId, utf8(url.toString(QUrl::FullyEncoded))};
@@ -776,7 +774,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
           documentMark.clear();
           committedURL = utf8(info.url().toString(QUrl::FullyEncoded));
         }
-        if (!navigating || abandoned) return;
+        if (!navigating) return;
         navigating = false;
         if (client) client->didFinish(current ? &*current : nullptr);
         return;
@@ -787,7 +785,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
           abandonedURL.reset();
           return;
         }
-        if (!navigating || abandoned) return;  // refused by us, or stopped on timeout
+        if (!navigating) return;  // refused by us, or stopped on timeout
         timeout.stop();
         navigating = false;
         const bool stopped = info.status() == QWebEngineLoadingInfo::LoadStoppedStatus;
@@ -814,7 +812,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   void loadTimedOut() {
     Emitting guardEmit(*this);
     const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
-    abandoned = true;
     abandonedURL = navigation.url;
     navigating = false;
     page->triggerAction(QWebEnginePage::Stop);
@@ -952,7 +949,7 @@ void QtWebEngine::setSuppressesIncrementalRendering(bool suppress) {
   state_->suppressesIncrementalRendering = suppress;
 }
 bool QtWebEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
-void QtWebEngine::setAllowsInlineMediaPlayback(bool allow) { state_->allowsInlineMediaPlayback = allow; }
+void QtWebEngine::setAllowsInlineMediaPlayback(bool) {}
 bool QtWebEngine::hasPinchGestureRecognizer() const { return state_->pinchFilter != nullptr; }
 void QtWebEngine::setPinchGestureRecognizerEnabled(bool enabled) { state_->pinchEnabled = enabled; }
 bool QtWebEngine::pinchGestureRecognizerEnabled() const { return state_->pinchEnabled; }

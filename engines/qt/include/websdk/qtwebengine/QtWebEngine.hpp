@@ -107,7 +107,7 @@ class WEBSDK_EXPORT QtWebEngine final : public WebEngine {
   void setPreferences(const WebPreferences& preferences) override;
   /// Qt WebEngine has no incremental-rendering switch: the value is only kept.
   void setSuppressesIncrementalRendering(bool suppress) override;
-  /// Desktop Chromium always plays media inline: the value is only kept.
+  /// Desktop Chromium always plays media inline: no effect.
   void setAllowsInlineMediaPlayback(bool allow) override;
   bool hasPinchGestureRecognizer() const override;
   void setPinchGestureRecognizerEnabled(bool enabled) override;

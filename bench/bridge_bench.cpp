@@ -6,6 +6,9 @@
 //   IntakeRecorded/cart: the cart intake with the traffic recorder on (masked,
 //   to a file in the temporary directory): what recording costs a request.
 //   Envelope/1MB: the envelope of a 1 MB payload, in bytes per second.
+//   Answer/<way>: a cart request taken in and answered with a small payload,
+//   by id or through the request's reply, until the page has it: what a
+//   reply's binding costs against the by-id lookup.
 
 #include "websdk/bridge/Families.hpp"
 #include "websdk/testing/TestingEngine.hpp"
@@ -84,6 +87,39 @@ BENCHMARK_CAPTURE(Intake, first_family_generic, kFirst, false);
 BENCHMARK_CAPTURE(Intake, cart, kCart, false);
 BENCHMARK_CAPTURE(Intake, last_family_menuList, kLast, false);
 BENCHMARK_CAPTURE(Intake, cart_recorded, kCart, true);
+
+// Answers each cart request at once, by id or through its reply.
+struct AnsweringCart final : DvCartWebViewCallBacks {
+  WebSDKWebView* view = nullptr;
+  bool byReply = false;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
+    const JSONObject answer{{"items", 2}, {"total", 498}};
+    if (byReply)
+      request.reply().sendWebSDKResponse(answer, WebSDKResponseType::success);
+    else
+      view->sendWebSDKResponse(answer, WebSDKResponseType::success, request.requestId);
+  }
+};
+
+void Answer(benchmark::State& state, bool byReply) {
+  auto engine = std::make_unique<testing::TestingEngine>();
+  engine->setURL("https://checkout.example.com/cart");
+  auto* raw = engine.get();
+  auto view = WebSDKWebView::create(std::move(engine), WebSDKConfig{{"example.com"}});
+  auto cart = std::make_shared<AnsweringCart>();
+  cart->view = view.get();
+  cart->byReply = byReply;
+  view->setCartPlugin(cart);
+  const ScriptMessage message{"nativeRequest", JSONObject{{"message", kCart}}, raw->topOrigin()};
+  for (auto _ : state) {
+    view->handler()->userContentController(message);
+    raw->queue().drain();
+  }
+  if (view->answerCounts().expected != state.iterations()) state.SkipWithError("an answer went astray");
+  view.reset();
+}
+BENCHMARK_CAPTURE(Answer, by_id, false);
+BENCHMARK_CAPTURE(Answer, reply, true);
 
 enum class Payload { text, menuJSON, denseJSON };
 

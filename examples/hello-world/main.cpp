@@ -15,10 +15,9 @@ window.webkit.messageHandlers.nativeRequest.postMessage({ message: JSON.stringif
 </script>)";
 
 struct Cart final : DvCartWebViewCallBacks {
-  std::weak_ptr<WebSDKWebView> view;
   void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
-    if (auto v = view.lock())
-      v->sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success, request.requestId);
+    // The request's reply answers it, and only it, once: no view to hold.
+    request.reply().sendWebSDKResponse(JSONObject{{"items", 2}}, WebSDKResponseType::success);
   }
 };
 
@@ -29,7 +28,6 @@ int main(int argc, char** argv) {
   auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(engine), {"app://hello"}, nullptr,
                                     nullptr, WebSDKTrustedHostsNavigationDelegate::shared());
   auto cart = std::make_shared<Cart>();
-  cart->view = view;
   view->setCartPlugin(cart);
 
   GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);

@@ -3,8 +3,9 @@
 using namespace websdk;
 
 void CartPlugin::handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload& payload) {
-  auto view = view_.lock();
-  if (!view) return;  // the screen is gone: nobody to answer
+  // Bound to this request and the page that asked it: it answers once, and
+  // if it is let go unanswered the page hears that the request failed.
+  WebSDKReply reply = request.reply();
   using Case = WebSDKCartRequestPayloadCase;
 
   if (const auto* cart = payload.get<Case::getCart>()) {
@@ -12,23 +13,21 @@ void CartPlugin::handleCartRequest(const WebSDKCartRequestModel& request, const 
     JSONObject answer{{"marketplaceId", cart->marketplaceId},
                       {"items", JSONArray{JSONObject{{"id", "paneer-tikka"}, {"quantity", 2}}}},
                       {"total", 498}};
-    view->sendWebSDKResponse(answer, WebSDKResponseType::success, request.requestId);
+    reply.sendWebSDKResponse(answer, WebSDKResponseType::success);
     return;
   }
   if (const auto* coupon = payload.get<Case::applyCoupon>()) {
-    // Slow work (a network call, say) goes to another thread; the answer is
-    // sent from there.
+    // Slow work (a network call, say) goes to another thread with the reply;
+    // the answer is sent from there.
     std::lock_guard lock(mutex_);
-    workers_.emplace_back([weak = view_, requestId = request.requestId, cartValue = coupon->cartValue] {
-      if (auto view = weak.lock()) {
-        JSONObject answer{{"coupon", "WELCOME50"}, {"discount", 50}, {"total", cartValue - 50}};
-        view->sendWebSDKResponse(answer, WebSDKResponseType::success, requestId);
-      }
+    workers_.emplace_back([reply = std::move(reply), cartValue = coupon->cartValue]() mutable {
+      JSONObject answer{{"coupon", "WELCOME50"}, {"discount", 50}, {"total", cartValue - 50}};
+      reply.sendWebSDKResponse(answer, WebSDKResponseType::success);
     });
     return;
   }
   // Everything else this app does not do.
-  view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled), std::string(payload.caseName()));
+  reply.sendFailure(rawValue(WebSDKStatusCode::notHandled), std::string(payload.caseName()));
 }
 
 void CartPlugin::finish() {

@@ -15,6 +15,7 @@
 
 #include <websdk/webkitgtk/Native.hpp>
 #include <websdk/webview/WebSDKRequestHeaders.hpp>
+#include <websdk/webview/WebSDKWebView.hpp>
 
 #include <chrono>
 #include <cstring>
@@ -37,7 +38,7 @@ int main(int argc, char** argv) {
   auto navigation = std::make_shared<example::NavigationPolicy>("minimal-host-gtk");
   auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(), {"127.0.0.1"}, nullptr, nullptr,
                                     navigation);
-  auto cart = std::make_shared<CartPlugin>(view);
+  auto cart = std::make_shared<CartPlugin>();
   view->setCartPlugin(cart);
 
 #ifdef WEBSDK_WEBKITGTK6

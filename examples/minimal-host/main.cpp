@@ -5,6 +5,7 @@
 #include "CartPlugin.hpp"
 
 #include <websdk/testing/TestingEngine.hpp>
+#include <websdk/webview/WebSDKWebView.hpp>
 
 #include <iostream>
 #include <map>
@@ -19,7 +20,7 @@ int main() {
   auto view = WebSDKWebView::create(std::move(engine), {"shop.example"});
 
   // 2. The plugin. The view holds it weakly: the app keeps it alive.
-  auto cart = std::make_shared<CartPlugin>(view);
+  auto cart = std::make_shared<CartPlugin>();
   view->setCartPlugin(cart);
 
   // 3. The page loads and asks.

@@ -12,6 +12,7 @@
 
 #include <websdk/qtwebengine/Native.hpp>
 #include <websdk/webview/WebSDKRequestHeaders.hpp>
+#include <websdk/webview/WebSDKWebView.hpp>
 
 #include <QApplication>
 #include <QMainWindow>
@@ -37,7 +38,7 @@ int main(int argc, char** argv) {
   auto navigation = std::make_shared<example::NavigationPolicy>("minimal-host-qt");
   auto view =
       WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(), {"127.0.0.1"}, nullptr, nullptr, navigation);
-  auto cart = std::make_shared<CartPlugin>(view);
+  auto cart = std::make_shared<CartPlugin>();
   view->setCartPlugin(cart);
 
   QMainWindow window;

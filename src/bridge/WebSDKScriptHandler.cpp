@@ -1,5 +1,6 @@
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 
+#include "ReplyOffer.hpp"
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/webview/WebSDKTrafficRecorder.hpp"
@@ -135,7 +136,7 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   const auto plugin = handler.plugin<F>();
   if (!plugin) return Trial::dropped;
   // Noted before the call: a plugin may answer from inside it.
-  handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
+  const std::uint64_t serial = handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
   if (recording) {
     // Described from the payload as it is recorded, masked: a replay of the
     // recording must find the same, and no masked value may reach the file
@@ -146,6 +147,8 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
     const auto described = F::Payload::validateRequest(recorded);
     recording->received = (described ? *described : *typed).describe();
   }
+  // The request's reply is on offer to the plugin for the length of its call.
+  const detail::ReplyOffer offer(handler.webview, requestId, document, serial);
   F::call(*plugin, request, *typed);
   return Trial::delivered;
 }
@@ -332,9 +335,10 @@ void WebSDKScriptHandler::answerFailure(std::string requestId, WebSDKStatusCode 
                 document);
 }
 
-void WebSDKScriptHandler::expectAnswer(std::string_view requestId, DocumentID document, std::string_view family,
-                                       std::string_view action) {
-  if (const auto view = webview.lock()) view->expectAnswer(std::string(requestId), document, family, action);
+std::uint64_t WebSDKScriptHandler::expectAnswer(std::string_view requestId, DocumentID document,
+                                                std::string_view family, std::string_view action) {
+  if (const auto view = webview.lock()) return view->expectAnswer(std::string(requestId), document, family, action);
+  return 0;
 }
 
 }  // namespace websdk

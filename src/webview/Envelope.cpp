@@ -4,6 +4,7 @@
 #include "websdk/json/Quoted.hpp"
 #include "websdk/webview/ScriptBuffers.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
+#include "websdk/webview/WebSDKResponseProtocol.hpp"
 
 #include <charconv>
 #include <cstring>
@@ -63,6 +64,26 @@ std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view
 }  // namespace
 
 std::optional<std::string> encodeEnvelope(const WebSDKResponseModel& response) { return encode(response, {}, {}); }
+
+WebSDKResponseProtocol::WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary) {
+  JSONObject o;
+  for (const auto& [k, v] : dictionary) o.emplace(k, v);
+  value_ = std::move(o);
+}
+
+WebSDKResponseModel makeResponse(WebSDKResponseType type, std::string requestId, std::optional<std::string> payload,
+                                 std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage) {
+  const std::int64_t code = statusCode.value_or(
+      rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown));
+  return WebSDKResponseModel{std::string(rawValue(type)), code, std::move(statusMessage), std::move(requestId),
+                             std::move(payload)};
+}
+
+std::optional<std::string> renderPayload(const JSON& value) {
+  auto text = serializePrettyIfRepresentable(value);
+  if (!text || !isValidUTF8(*text)) return std::nullopt;
+  return text;
+}
 
 std::optional<std::string> nativeResponseScript(const WebSDKResponseModel& response) {
   return encode(response, "nativeResponse(", ")");

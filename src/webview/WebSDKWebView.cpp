@@ -12,15 +12,6 @@ namespace websdk {
 namespace {
 constexpr std::string_view kHandlerName = "nativeRequest";
 
-// A rendering that is not UTF-8 (a string in the value held other bytes), or
-// of a value holding NaN or an infinity, is a failed rendering: the answer
-// goes out without its payload.
-std::optional<std::string> rendered(const JSON& value) {
-  auto text = serializePrettyIfRepresentable(value);
-  if (!text || !isValidUTF8(*text)) return std::nullopt;
-  return text;
-}
-
 // What in the header text ends the header script's single-quoted string early,
 // and where.
 std::optional<std::string> headerTextBreaks(std::string_view text) {
@@ -31,12 +22,6 @@ std::optional<std::string> headerTextBreaks(std::string_view text) {
   return std::string(what) + " at byte " + std::to_string(at);
 }
 }  // namespace
-
-WebSDKResponseProtocol::WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary) {
-  JSONObject o;
-  for (const auto& [k, v] : dictionary) o.emplace(k, v);
-  value_ = std::move(o);
-}
 
 WebSDKAppFunctions WebSDKAppFunctions::nativeHeaders(const WebSDKHeaders& fields) {
   JSONObject object;
@@ -259,8 +244,8 @@ void WebSDKWebView::scrollViewWillBeginZooming() {
 
 // ---- Answers -----------------------------------------------------------------
 
-void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
-                                 std::string_view action) {
+std::uint64_t WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                                          std::string_view action) {
   // A page that asks and never hears back must not grow this without bound:
   // past the limit the oldest documents' requests are forgotten first.
   constexpr std::size_t kLimit = std::size_t{1} << 16;
@@ -281,11 +266,12 @@ void WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID docume
   const auto& deadlines = webSDKConfig.answerDeadlines;
   auto deadline = deadlines.find(family);
   if (deadline == deadlines.end()) deadline = deadlines.find("*");
-  if (deadline == deadlines.end()) return;
+  if (deadline == deadlines.end()) return serial;
   engine_->mainQueue().postAfter(deadline->second,
                                  [weak = weak_from_this(), requestId, serial, limit = deadline->second] {
                                    if (const auto view = weak.lock()) view->answerOverdue(requestId, serial, limit);
                                  });
+  return serial;
 }
 
 void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit) {
@@ -297,12 +283,9 @@ void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t se
   const WebSDKPendingRequest request{requestId, asked->family, asked->action, asked->askedAt};
   const DocumentID document = asked->document;
   const bool fails = webSDKConfig.failsOverdueRequests;
-  if (fails) {
-    // Settled now: the plugin's own answer, if it ever comes, is unasked.
-    it->second.erase(asked);
-    --awaitingCount_;
-    if (it->second.empty()) awaiting_.erase(it);
-  }
+  // Settled now: the plugin's own answer, if it ever comes, is unasked (and
+  // dropped, once the page that asked is gone).
+  if (fails) settle(requestId, it->second, asked);
   const std::string waited = std::to_string(limit.count()) + " ms";
   log(LogLevel::warning, "answer",
       "request id \"" + requestId + "\" (" + std::string(request.family) + " " + std::string(request.action) +
@@ -328,15 +311,75 @@ std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const {
   return out;
 }
 
+void WebSDKWebView::settle(const std::string& requestId, std::deque<Awaiting>& requests,
+                           std::deque<Awaiting>::iterator asked) {
+  const DocumentID document = asked->document;
+  requests.erase(asked);
+  --awaitingCount_;
+  if (requests.empty()) awaiting_.erase(requestId);
+  // Bounded: a page that asks without end must not grow this either.
+  constexpr std::size_t kRemembered = 4096;
+  constexpr auto kRememberedFor = std::chrono::minutes(10);
+  const auto now = std::chrono::steady_clock::now();
+  while (!settledOrder_.empty() &&
+         (settledOrder_.size() >= kRemembered || now - settledOrder_.front().second > kRememberedFor)) {
+    const auto& [id, at] = settledOrder_.front();
+    if (const auto old = settled_.find(id); old != settled_.end() && old->second.at == at) settled_.erase(old);
+    settledOrder_.pop_front();
+  }
+  settled_.insert_or_assign(requestId, Settled{document, now});
+  settledOrder_.emplace_back(requestId, now);
+}
+
 std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& requestId, WebSDKDropReason& why) {
   if (const auto it = awaiting_.find(requestId); it != awaiting_.end()) {
-    const DocumentID document = it->second.front().document;
-    it->second.pop_front();
-    --awaitingCount_;
-    if (it->second.empty()) awaiting_.erase(it);
+    // A page that reloads and counts its ids from 1 again asks the same id
+    // twice: the answer is the shown document's, if it asked.
+    auto& requests = it->second;
+    auto asked = std::ranges::find(requests, engine_->document(), &Awaiting::document);
+    if (asked == requests.end()) asked = requests.begin();
+    const DocumentID document = asked->document;
+    settle(requestId, requests, asked);
     ++answerCounts_.expected;
     why = WebSDKDropReason::documentGone;
     return document;
+  }
+  return unaskedTarget(requestId, std::nullopt, why);
+}
+
+std::optional<DocumentID> WebSDKWebView::boundTarget(const std::string& requestId, DocumentID document,
+                                                     std::uint64_t serial, bool abandoned, WebSDKDropReason& why) {
+  if (const auto it = awaiting_.find(requestId); it != awaiting_.end())
+    if (const auto asked = std::ranges::find(it->second, serial, &Awaiting::serial); asked != it->second.end()) {
+      if (abandoned) {
+        ++answerCounts_.abandoned;
+        const WebSDKPendingRequest request{requestId, asked->family, asked->action, asked->askedAt};
+        log(LogLevel::warning, "answer",
+            "the reply to request id \"" + requestId + "\" (" + std::string(request.family) + " " +
+                std::string(request.action) + ") was let go without an answer; the page is told it failed");
+        if (auto listener = webJSCommunicatorDelegate.lock()) listener->didAbandonRequest(request);
+      }
+      settle(requestId, it->second, asked);
+      ++answerCounts_.expected;
+      why = WebSDKDropReason::documentGone;
+      return document;
+    }
+  // Answered already: by its deadline, or by id. A reply let go then owes nothing.
+  if (abandoned) return std::nullopt;
+  return unaskedTarget(requestId, document, why);
+}
+
+std::optional<DocumentID> WebSDKWebView::unaskedTarget(const std::string& requestId, std::optional<DocumentID> bound,
+                                                       WebSDKDropReason& why) {
+  const DocumentID shown = engine_->document();
+  const auto asked = settled_.find(requestId);
+  const bool askerGone = bound ? *bound != shown : asked != settled_.end() && asked->second.document != shown;
+  if (askerGone) {
+    ++answerCounts_.late;
+    log(LogLevel::warning, "answer",
+        "an answer to request id \"" + requestId + "\", answered or failed already, for a page that is gone; dropped");
+    why = WebSDKDropReason::documentGone;
+    return std::nullopt;
   }
   ++answerCounts_.unasked;
   if (webSDKConfig.dropsUnaskedAnswers) {
@@ -378,52 +421,74 @@ ScriptCompletion WebSDKWebView::dropNotice(WebSDKResponseModel response) {
 }
 
 void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<DocumentID> document) {
+  send(std::move(response), AnswerRoute{document});
+}
+
+void WebSDKWebView::answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial,
+                                  bool abandoned) {
+  send(std::move(response), AnswerRoute{document, serial, abandoned});
+}
+
+void WebSDKWebView::refuseRepeatedAnswer(const std::string& requestId) {
+  if (carriedToUIThread([requestId](WebSDKWebView& v) { v.refuseRepeatedAnswer(requestId); })) return;
+  ++answerCounts_.repeated;
+}
+
+void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
   // A page script is UTF-8 text. An envelope holding other bytes would reach
   // the page broken (or not parse there), so such an answer is not sent at all.
   auto script = nativeResponseScript(response);
   if (!script) return;
-  if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
+  // The host sent it; an abandoned reply's failure is the view's own, told
+  // once it is known to be owed.
+  if (!route.abandoned)
+    if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
   // One task per answer: answers keep their place among everything else the
   // host posts to the main queue. The task holds the view weakly: answers
   // queued for a view that is gone by then do nothing.
-  engine_->mainQueue().post(
-      [weak = weak_from_this(), script = std::move(*script), response = std::move(response), document]() mutable {
-        const auto view = weak.lock();
-        if (!view) {
-          log(LogLevel::warning, "answer",
-              "the answer to request id \"" + response.requestId + "\" came after its web view was torn down; dropped");
-          return;
-        }
-        WebSDKDropReason why = WebSDKDropReason::documentGone;
-        const auto target = document ? document : view->answerTarget(response.requestId, why);
-        if (!target) return view->tellDropped(response, why);
-        if (view->recorder_) view->recorder_->answer(response, view->shownURL());
-        // Hearing back costs a trip from the page: asked for only when a
-        // listener or a recording wants to know of answers that never ran.
-        const bool hear = !view->webJSCommunicatorDelegate.expired() || view->recorder_;
-        view->engine_->evaluateInDocument(*target, std::move(script),
-                                          hear ? view->dropNotice(std::move(response)) : nullptr);
-      });
+  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script), response = std::move(response),
+                             route]() mutable {
+    const auto view = weak.lock();
+    if (!view) {
+      log(LogLevel::warning, "answer",
+          "the answer to request id \"" + response.requestId + "\" came after its web view was torn down; dropped");
+      return;
+    }
+    WebSDKDropReason why = WebSDKDropReason::documentGone;
+    const auto target = route.serial != 0
+                            ? view->boundTarget(response.requestId, *route.document, route.serial, route.abandoned, why)
+                        : route.document ? route.document
+                                         : view->answerTarget(response.requestId, why);
+    if (!target) {
+      if (!route.abandoned) view->tellDropped(response, why);
+      return;
+    }
+    if (route.abandoned)
+      if (auto listener = view->webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
+    if (view->recorder_) view->recorder_->answer(response, view->shownURL());
+    // Hearing back costs a trip from the page: asked for only when a
+    // listener or a recording wants to know of answers that never ran.
+    const bool hear = !view->webJSCommunicatorDelegate.expired() || view->recorder_;
+    view->engine_->evaluateInDocument(*target, std::move(script),
+                                      hear ? view->dropNotice(std::move(response)) : nullptr);
+  });
 }
 
 void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
                             std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage) {
-  const std::int64_t code = statusCode.value_or(
-      rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown));
-  deliver(
-      WebSDKResponseModel{std::string(rawValue(type)), code, std::move(statusMessage), requestId, std::move(payload)});
+  send(makeResponse(type, requestId, std::move(payload), statusCode, std::move(statusMessage)), AnswerRoute{});
 }
 
 void WebSDKWebView::sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
                                        std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(rendered(with), type, requestId, statusCode, std::move(statusMessage));
+  respond(renderPayload(with), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type,
                                        const std::string& requestId, std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(rendered(with.json()), type, requestId, statusCode, std::move(statusMessage));
+  respond(renderPayload(with.json()), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
@@ -445,9 +510,7 @@ void WebSDKWebView::sendFailure(const std::string& requestId, std::optional<std:
 void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
                                        const std::optional<std::string>& encoder) {
   if (carriedToUIThread([=](WebSDKWebView& v) { v.sendWebSDKResponse(type, requestId, encoder); })) return;
-  const auto code =
-      rawValue(type == WebSDKResponseType::success ? WebSDKStatusCode::success : WebSDKStatusCode::unknown);
-  WebSDKResponseModel response{std::string(rawValue(type)), code, std::nullopt, requestId, encoder};
+  WebSDKResponseModel response = makeResponse(type, requestId, encoder);
   auto script = nativeResponseScript(response);
   // A payload that is not UTF-8 is left out; a request id that is not drops the answer.
   if (!script && response.payload) {

@@ -75,8 +75,7 @@ JSONObject CartPlugin::cart() const {
 }
 
 void CartPlugin::handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload& payload) {
-  const auto view = view_.lock();
-  if (!view) return;
+  WebSDKReply reply = request.reply();
   using C = WebSDKCartRequestPayloadCase;
   switch (payload.kind()) {
     case C::getCart: break;
@@ -95,7 +94,7 @@ void CartPlugin::handleCartRequest(const WebSDKCartRequestModel& request, const 
       const auto& model = *payload.get<C::applyCoupon>();
       constexpr double kMinimum = 500;
       if (model.cartValue < kMinimum) {
-        view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled),
+        reply.sendFailure(rawValue(WebSDKStatusCode::notHandled),
                           "Add items worth " + formatDouble(kMinimum - model.cartValue) + " more for DOVARA60");
         return;
       }
@@ -108,35 +107,31 @@ void CartPlugin::handleCartRequest(const WebSDKCartRequestModel& request, const 
       coupon_.reset();
       discount_ = 0;
       break;
-    default:
-      view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
-      return;
+    default: reply.sendFailure(rawValue(WebSDKStatusCode::notHandled), "not handled by the demo"); return;
   }
-  view->sendWebSDKResponse(cart(), WebSDKResponseType::success, request.requestId);
+  reply.sendWebSDKResponse(cart(), WebSDKResponseType::success);
 }
 
 // ---- Generic ---------------------------------------------------------------------
 
 void GenericPlugin::handleGenericRequest(const WebSDKGenericRequestModel& request,
                                          const WebSDKGenericRequestPayload& payload) {
-  const auto view = view_.lock();
-  if (!view) return;
+  WebSDKReply reply = request.reply();
   using C = WebSDKGenericRequestPayloadCase;
   switch (payload.kind()) {
     case C::getUserInfo:
-      view->sendWebSDKResponse(
+      reply.sendWebSDKResponse(
           WebSDKGetUserInfoResponseModel{"c-1024", "Asha Rao", "+91 98450 00010", "asha@example.com", false, {}, {}},
-          WebSDKResponseType::success, request.requestId);
+          WebSDKResponseType::success);
       return;
     case C::getLocation:
-      view->sendWebSDKResponse(WebSDKGetLocationResponseModel{12.9784, 77.6408}, WebSDKResponseType::success,
-                               request.requestId);
+      reply.sendWebSDKResponse(WebSDKGetLocationResponseModel{12.9784, 77.6408}, WebSDKResponseType::success);
       return;
     case C::getCurrentAddress:
-      view->sendWebSDKResponse(WebSDKGetCurrentAddressResponseModel{"12, 4th Cross, Indiranagar, Bengaluru 560038"},
-                               WebSDKResponseType::success, request.requestId);
+      reply.sendWebSDKResponse(WebSDKGetCurrentAddressResponseModel{"12, 4th Cross, Indiranagar, Bengaluru 560038"},
+                               WebSDKResponseType::success);
       return;
-    default: view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
+    default: reply.sendFailure(rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
   }
 }
 
@@ -148,34 +143,31 @@ PaymentsPlugin::~PaymentsPlugin() {
 
 void PaymentsPlugin::handlePaymentsRequest(const WebSDKPaymentsRequestModel& request,
                                            const WebSDKPaymentsRequestPayload& payload) {
-  const auto view = view_.lock();
-  if (!view) return;
+  WebSDKReply reply = request.reply();
   using C = WebSDKPaymentsRequestPayloadCase;
   switch (payload.kind()) {
     case C::payUsingAmazonPay: {
       const auto& model = *payload.get<C::payUsingAmazonPay>();
       if (model.state == WebSDKAmazonPayRequestState::getBalance) {
-        view->sendWebSDKResponse(WebSDKAmazonPayGetbalanceResponseModel{true, 1500.0}, WebSDKResponseType::success,
-                                 request.requestId);
+        reply.sendWebSDKResponse(WebSDKAmazonPayGetbalanceResponseModel{true, 1500.0}, WebSDKResponseType::success);
         return;
       }
       if (model.state != WebSDKAmazonPayRequestState::proceedToPay) break;
       const int order = ++orders_;
-      // The provider approves on its own thread; the answer may be sent from there.
-      provider_.emplace_back([weak = view_, requestId = request.requestId, order] {
+      // The provider approves on its own thread; the reply goes with it.
+      provider_.emplace_back([reply = std::move(reply), order]() mutable {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        if (auto v = weak.lock())
-          v->sendWebSDKResponse(
-              WebSDKAmazonPayProceedToPayResponseModel{"SUCCESS", "DV-" + std::to_string(4100 + order),
-                                                       "AMZ-TXN-" + std::to_string(9000 + order)},
-              WebSDKResponseType::success, requestId);
+        reply.sendWebSDKResponse(
+            WebSDKAmazonPayProceedToPayResponseModel{"SUCCESS", "DV-" + std::to_string(4100 + order),
+                                                     "AMZ-TXN-" + std::to_string(9000 + order)},
+            WebSDKResponseType::success);
       });
       return;
     }
-    case C::confirmOrderEvent: view->sendSuccess(request.requestId); return;
+    case C::confirmOrderEvent: reply.sendSuccess(); return;
     default: break;
   }
-  view->sendFailure(request.requestId, rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
+  reply.sendFailure(rawValue(WebSDKStatusCode::notHandled), "not handled by the demo");
 }
 
 // ---- Navigation --------------------------------------------------------------------

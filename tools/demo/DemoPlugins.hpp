@@ -45,7 +45,6 @@ class TrafficPrinter final : public WebSDKJSCommunicationProtocol {
 class CartPlugin final : public DvCartWebViewCallBacks {
  public:
   CartPlugin();
-  void attach(std::weak_ptr<WebSDKWebView> view) { view_ = std::move(view); }
   void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload& payload) override;
 
  private:
@@ -57,7 +56,6 @@ class CartPlugin final : public DvCartWebViewCallBacks {
   JSONObject cart() const;
   double subtotal() const;
 
-  std::weak_ptr<WebSDKWebView> view_;
   std::vector<Item> items_;
   std::optional<std::string> coupon_;
   double discount_ = 0;
@@ -66,25 +64,21 @@ class CartPlugin final : public DvCartWebViewCallBacks {
 /// The user, their location and their address.
 class GenericPlugin final : public DvWebViewGenericCallsBacks {
  public:
-  void attach(std::weak_ptr<WebSDKWebView> view) { view_ = std::move(view); }
   void handleGenericRequest(const WebSDKGenericRequestModel& request,
                             const WebSDKGenericRequestPayload& payload) override;
 
  private:
-  std::weak_ptr<WebSDKWebView> view_;
 };
 
 /// A simulated payment provider: a payment is approved a moment later, on the
 /// provider's own thread, as a real SDK would answer.
 class PaymentsPlugin final : public DvWebViewPaymentsCallsBacks {
  public:
-  void attach(std::weak_ptr<WebSDKWebView> view) { view_ = std::move(view); }
   ~PaymentsPlugin() override;
   void handlePaymentsRequest(const WebSDKPaymentsRequestModel& request,
                              const WebSDKPaymentsRequestPayload& payload) override;
 
  private:
-  std::weak_ptr<WebSDKWebView> view_;
   std::vector<std::thread> provider_;
   int orders_ = 0;
 };

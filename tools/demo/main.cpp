@@ -214,9 +214,6 @@ int run(int argc, char** argv) {
   }
   auto view =
       WebSDKWebView::create(std::make_unique<Engine>(configuration), whitelist, generic, payments, navigation, traffic);
-  generic->attach(view);
-  payments->attach(view);
-  cart->attach(view);
   view->setCartPlugin(cart);
 
   const WebSDKHeaders headers = appHeaders();

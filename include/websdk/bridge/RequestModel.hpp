@@ -2,6 +2,7 @@
 // The request a page posts, as one family reads it: the action, the page's
 // request id and the raw payload dictionary.
 
+#include "websdk/bridge/WebSDKReply.hpp"
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/json/Readings.hpp"
@@ -34,6 +35,11 @@ struct WebSDKBridgeRequest {
     if (!requestId) return std::nullopt;
     return WebSDKBridgeRequest{*type, std::move(*requestId), fields.object("payload")};
   }
+
+  /// This request's reply, bound to it and to the document that sent it: take
+  /// it while handling the request (once), then answer through it from
+  /// anywhere. See WebSDKReply.
+  WebSDKReply reply() const { return takeReply(requestId); }
 
   WEBSDK_RECORD(WebSDKBridgeRequest, type, requestId, payload)
 };

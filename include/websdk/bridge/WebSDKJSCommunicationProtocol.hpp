@@ -57,6 +57,9 @@ class WEBSDK_EXPORT WebSDKJSCommunicationProtocol {
   /// A request its family's plugin had not answered by the family's deadline
   /// (`WebSDKConfig::answerDeadlines`). Called on the UI thread.
   virtual void didMissAnswerDeadline(const WebSDKPendingRequest& request) { (void)request; }
+  /// A request whose reply was let go without an answer: the page was told
+  /// it failed. Called on the UI thread.
+  virtual void didAbandonRequest(const WebSDKPendingRequest& request) { (void)request; }
 };
 
 }  // namespace websdk

@@ -11,6 +11,7 @@
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,9 +33,16 @@ class WEBSDK_EXPORT BridgeView {
   virtual void deliver(WebSDKResponseModel response, std::optional<DocumentID> document) = 0;
   /// Request `requestId` of `document`, an `action` of `family`, is being
   /// handed to a plugin: its answer belongs to that document. Both names are
-  /// the bridge's own, valid for the program's life. UI thread.
-  virtual void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
-                            std::string_view action) = 0;
+  /// the bridge's own, valid for the program's life. Returns the request's
+  /// serial, which tells a reused id's requests apart. UI thread.
+  virtual std::uint64_t expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                                     std::string_view action) = 0;
+  /// The answer a reply gives request `serial` of `document`: that request's
+  /// only. `abandoned`: the reply was let go unanswered. Any thread.
+  virtual void answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial,
+                             bool abandoned) = 0;
+  /// A reply answered a second time: refused, and counted. Any thread.
+  virtual void refuseRepeatedAnswer(const std::string& requestId) = 0;
 
  protected:
   ~BridgeView() = default;
@@ -76,8 +84,10 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   void userContentController(const ScriptMessage& message) override;
 
   /// Notes that a request `document` sent, being handed to a plugin now, is
-  /// answered into that document. UI thread, during userContentController.
-  void expectAnswer(std::string_view requestId, DocumentID document, std::string_view family, std::string_view action);
+  /// answered into that document; its serial (0 with no view). UI thread,
+  /// during userContentController.
+  std::uint64_t expectAnswer(std::string_view requestId, DocumentID document, std::string_view family,
+                             std::string_view action);
 
   /// The record of the message being handled, while the view records its
   /// traffic; nothing otherwise. UI thread, during userContentController.

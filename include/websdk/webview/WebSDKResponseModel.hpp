@@ -47,6 +47,18 @@ struct WEBSDK_EXPORT WebSDKResponseModel {
   WEBSDK_RECORD(WebSDKResponseModel, type, statusCode, statusMessage, requestId, payload)
 };
 
+/// The envelope of an answer as every send operation makes it: the code
+/// defaults to 0 for a success and 1 for a failure; a given code always wins.
+WEBSDK_EXPORT WebSDKResponseModel makeResponse(WebSDKResponseType type, std::string requestId,
+                                               std::optional<std::string> payload,
+                                               std::optional<std::int64_t> statusCode = std::nullopt,
+                                               std::optional<std::string> statusMessage = std::nullopt);
+
+/// A payload value rendered as the answer carries it (indented JSON text);
+/// nothing when it cannot be (NaN, an infinity, a string that is not UTF-8):
+/// the answer then goes without its payload.
+WEBSDK_EXPORT std::optional<std::string> renderPayload(const JSON& value);
+
 /// The envelope as compact JSON text: the fields in declaration order, absent
 /// optionals left out, strings escaped so that the text is also a valid
 /// JavaScript object literal (U+2028 and U+2029 included). Nothing when a

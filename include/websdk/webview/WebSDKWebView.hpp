@@ -12,6 +12,7 @@
 #include "websdk/webview/WebSDKJSFunctionType.hpp"
 #include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
+#include "websdk/webview/WebSDKResponseProtocol.hpp"
 
 #include <chrono>
 #include <cstdint>
@@ -43,23 +44,13 @@ class DvWebViewMenuListCallbacks;
 
 /// The answers a view was given, by whether a page was waiting for them.
 struct WEBSDK_EXPORT WebSDKAnswerCounts {
-  std::uint64_t expected = 0;  // to a request handed to a plugin and not answered before
-  std::uint64_t unasked = 0;   // to an id never asked, or answered already
-  std::uint64_t overdue = 0;   // requests still unanswered at their family's deadline
+  std::uint64_t expected = 0;   // to a request handed to a plugin and not answered before
+  std::uint64_t unasked = 0;    // to an id never asked, or answered already
+  std::uint64_t overdue = 0;    // requests still unanswered at their family's deadline
+  std::uint64_t late = 0;       // to a request of a document gone, answered or failed already: dropped
+  std::uint64_t repeated = 0;   // a reply's second answer: refused
+  std::uint64_t abandoned = 0;  // replies let go unanswered: the page was told the request failed
   bool operator==(const WebSDKAnswerCounts&) const = default;
-};
-
-/// A response payload: any response model (a record) or a dictionary of
-/// strings, rendered to JSON when the answer is sent.
-class WEBSDK_EXPORT WebSDKResponseProtocol {
- public:
-  template <Record T>
-  WebSDKResponseProtocol(const T& model) : value_(toJSON(model)) {}
-  WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary);
-  const JSON& json() const { return value_; }
-
- private:
-  JSON value_;
 };
 
 using WebSDKHeaders = std::map<std::string, std::string>;
@@ -275,11 +266,31 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   }
 
   const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
-  void expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
-                    std::string_view action) override;
-  /// The document that asked `requestId` (forgotten once answered), or, for
-  /// an id never asked, the document shown if it is whitelisted. UI thread.
+  std::uint64_t expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                             std::string_view action) override;
+  void answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial, bool abandoned) override;
+  void refuseRepeatedAnswer(const std::string& requestId) override;
+  /// Where an answer goes: a document named by the bridge, the request a
+  /// reply is bound to, or (neither) whichever document asked the id.
+  struct AnswerRoute {
+    std::optional<DocumentID> document;
+    std::uint64_t serial = 0;
+    bool abandoned = false;
+  };
+  /// The one way every answer but the ready-encoded one goes to the page.
+  void send(WebSDKResponseModel response, AnswerRoute route);
+  /// The document that asked `requestId`: of several, the one shown, else the
+  /// oldest (each forgotten once answered); for an id never asked, the
+  /// document shown if it is whitelisted. UI thread.
   std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
+  /// The same for the answer of a reply bound to request `serial` of
+  /// `document`: that document, once. UI thread.
+  std::optional<DocumentID> boundTarget(const std::string& requestId, DocumentID document, std::uint64_t serial,
+                                        bool abandoned, WebSDKDropReason& why);
+  /// An answer to an id nobody waits for: dropped as late when the document
+  /// that last asked it is gone, else an unasked answer. UI thread.
+  std::optional<DocumentID> unaskedTarget(const std::string& requestId, std::optional<DocumentID> bound,
+                                          WebSDKDropReason& why);
   /// The committed document shown, if its host is whitelisted. UI thread.
   std::optional<DocumentID> trustedDocumentShown();
   /// Evaluates a pushed call in the document shown, if it is whitelisted.
@@ -307,6 +318,18 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit);
   std::unordered_map<std::string, std::deque<Awaiting>> awaiting_;
   std::size_t awaitingCount_ = 0;
+  /// Takes the request `asked` of `requests` (of id `requestId`) off the
+  /// waiting list and remembers who asked it.
+  void settle(const std::string& requestId, std::deque<Awaiting>& requests, std::deque<Awaiting>::iterator asked);
+  // Ids answered or failed lately, with the document that asked each: a
+  // duplicate or late answer to a document gone goes nowhere, never to the
+  // next page. Bounded in count and age. UI thread only.
+  struct Settled {
+    DocumentID document;
+    std::chrono::steady_clock::time_point at;
+  };
+  std::unordered_map<std::string, Settled> settled_;
+  std::deque<std::pair<std::string, std::chrono::steady_clock::time_point>> settledOrder_;
   WebSDKAnswerCounts answerCounts_;
   // The last document found on a whitelisted host. UI thread only.
   DocumentID trustedDocument_ = 0;

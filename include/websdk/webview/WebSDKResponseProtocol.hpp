@@ -1,0 +1,25 @@
+#pragma once
+// A response payload as the send operations take it: any response model (a
+// record) or a dictionary of strings, rendered to JSON when the answer is sent.
+
+#include "websdk/Export.hpp"
+#include "websdk/json/JSON.hpp"
+#include "websdk/json/Record.hpp"
+
+#include <map>
+#include <string>
+
+namespace websdk {
+
+class WEBSDK_EXPORT WebSDKResponseProtocol {
+ public:
+  template <Record T>
+  WebSDKResponseProtocol(const T& model) : value_(toJSON(model)) {}
+  WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary);
+  const JSON& json() const { return value_; }
+
+ private:
+  JSON value_;
+};
+
+}  // namespace websdk

@@ -91,7 +91,9 @@ TEST_F(RepliesTest, DuplicateAndLateAnswersOfAGoneDocumentReachNoLaterOne) {
     newDocument(server.url("/page"));
     postFromPage(clearCart("n1"));
     ASSERT_TRUE(waitFor([&] { return cart->replies.size() == 1; }));
-    if (afterDeadline) ASSERT_TRUE(waitFor([&] { return responses().size() == 1; }));  // failed in A
+    if (afterDeadline) {
+      ASSERT_TRUE(waitFor([&] { return responses().size() == 1; }));  // failed in A
+    }
     newDocument(server.url("/page", "localhost"));
     const std::size_t dropped = listener->dropped.size();
     if (!afterDeadline) view->sendSuccess("n1");

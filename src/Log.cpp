@@ -1,5 +1,6 @@
 #include "websdk/Log.hpp"
 
+#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -23,8 +24,20 @@ std::string_view levelName(LogLevel level) {
     case LogLevel::debug: return "DEBUG";
     case LogLevel::info: return "INFO";
     case LogLevel::warning: return "WARNING";
+    case LogLevel::error: return "ERROR";
   }
   return "WARNING";
+}
+
+// What the default sink shows: warnings and errors, and info or debug when
+// WEBSDK_LOG asks for them.
+LogLevel shownFrom() {
+  static const LogLevel level = [] {
+    const char* asked = std::getenv("WEBSDK_LOG");
+    const std::string_view a = asked != nullptr ? asked : "";
+    return a == "debug" ? LogLevel::debug : a == "info" ? LogLevel::info : LogLevel::warning;
+  }();
+  return level;
 }
 
 }  // namespace
@@ -42,17 +55,27 @@ void detail::setPlatformLogSink(LogSink sink) {
   sinks().platform = std::move(next);
 }
 
-void log(LogLevel level, std::string_view topic, std::string_view message) {
+void log(LogLevel level, std::string_view topic, std::string_view message) { log(level, topic, {}, message); }
+
+void log(LogLevel level, std::string_view topic, std::string_view view, std::string_view message) {
   std::shared_ptr<const LogSink> sink;
   {
     std::lock_guard lock(sinks().mutex);
     sink = sinks().host ? sinks().host : sinks().platform;
   }
   // Called outside the lock: a sink may log, or replace itself.
-  const LogRecord record{level, topic, message};
+  const LogRecord record{level, topic, message, view};
   if (sink) return (*sink)(record);
-  if (level == LogLevel::debug) return;
-  std::cerr << "websdk-" << levelName(level) << ": " << message << std::endl;
+  if (level < shownFrom()) return;
+  std::cerr << "websdk-" << levelName(level) << ": " << logLine(record) << std::endl;
+}
+
+std::string logLine(const LogRecord& record) {
+  if (record.view.empty()) return std::string(record.message);
+  std::string out;
+  out.reserve(record.view.size() + record.message.size() + 3);
+  out.append("[").append(record.view).append("] ").append(record.message);
+  return out;
 }
 
 }  // namespace websdk

@@ -12,14 +12,26 @@
 
 namespace websdk {
 
-enum class LogLevel { debug, info, warning };
+/// How much a message matters. Every engine shows warnings and errors by
+/// default and info or debug only when asked (GLib: G_MESSAGES_DEBUG=websdk;
+/// Qt: QT_LOGGING_RULES="websdk.info=true"; with no engine:
+/// WEBSDK_LOG=info or WEBSDK_LOG=debug).
+enum class LogLevel {
+  debug,
+  info,
+  warning,  // something the host should fix, or a page's refused attempt
+  error,    // a misuse the WebSDK cannot carry on from
+};
 
 /// One message. `topic` is a stable word a host may filter on: "navigation",
-/// "load", "headers", "answer", "trust", "engine".
+/// "load", "headers", "answer", "trust", "engine", "plugin", "push".
 struct WEBSDK_EXPORT LogRecord {
   LogLevel level;
   std::string_view topic;
   std::string_view message;
+  /// The web view it is about ("view 3", or the name the host gave it in
+  /// `WebSDKConfig::name`); empty when it is about no one view.
+  std::string_view view = {};
 };
 
 using LogSink = std::function<void(const LogRecord&)>;
@@ -31,6 +43,12 @@ WEBSDK_EXPORT LogSink setLogSink(LogSink sink);
 
 /// Tells `message` through the sink in place.
 WEBSDK_EXPORT void log(LogLevel level, std::string_view topic, std::string_view message);
+/// The same, about the web view named `view`.
+WEBSDK_EXPORT void log(LogLevel level, std::string_view topic, std::string_view view, std::string_view message);
+
+/// "[view] message", or the message alone when it names no view: how the
+/// engines' logs print a record.
+WEBSDK_EXPORT std::string logLine(const LogRecord& record);
 
 namespace detail {
 /// Where messages go when the host has set no sink: an engine sets its

@@ -87,7 +87,7 @@ void WebSDKReply::answer(WebSDKResponseModel response) {
   }
   const auto view = binding_->view.lock();
   if (std::exchange(binding_->answered, true)) {
-    log(LogLevel::warning, "answer",
+    log(LogLevel::warning, "answer", view ? view->viewName() : std::string_view(),
         "request id \"" + shownId(binding_->requestId) +
             "\" was answered through its reply already; this second answer is refused");
     if (view) view->refuseRepeatedAnswer(binding_->requestId);

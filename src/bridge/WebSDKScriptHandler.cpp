@@ -130,6 +130,7 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   if (!typed) return Trial::declined;
   if (!handler.subscribed<F>()) {
     failureMessage = F::failureMessage;
+    handler.noteUnsubscribed(F::slot, requestId, rawValue(request.type));
     return Trial::notSubscribed;
   }
   // Taken afresh: a host object released by now is not called.
@@ -235,7 +236,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       auto start = scanTheStart(text, kRefusedMessageStart);
       if (recording_) recording_->action = start.type.value_or("");
       if (view && std::exchange(refusalLogged_, origin.topDocument) != origin.topDocument)
-        log(LogLevel::warning, "trust",
+        log(LogLevel::warning, "trust", view->viewName(),
             "a request from " + (judged.empty() ? std::string("a page with no URL") : judged) + " (action \"" +
                 shown(start.type) + "\", request id \"" + shown(start.found) +
                 "\") was refused: its host is not whitelisted (told once per page)");
@@ -287,6 +288,14 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
   }
   answerFailure(request, WebSDKStatusCode::notFound, std::string(kNotAValidRequest), origin.topDocument);
+}
+
+void WebSDKScriptHandler::noteUnsubscribed(std::size_t slot, std::string_view requestId, std::string_view action) {
+  if (!unsubscribedAsks_[slot]) unsubscribedAsks_[slot] = "request id \"" + shown(std::string(requestId)) + "\" (" + std::string(action) + ")";
+}
+
+std::optional<std::string> WebSDKScriptHandler::takeUnsubscribedAsk(std::size_t slot) {
+  return std::exchange(unsubscribedAsks_[slot], std::nullopt);
 }
 
 bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view url) {

@@ -15,10 +15,10 @@ void WebSDKTrustedHostsNavigationDelegate::didStartProvisionalNavigation(WebSDKW
 
 void WebSDKTrustedHostsNavigationDelegate::didFinish(WebSDKWebView&, const WebSDKNavigation*) {}
 
-void WebSDKTrustedHostsNavigationDelegate::didFailProvisionalNavigation(WebSDKWebView&,
+void WebSDKTrustedHostsNavigationDelegate::didFailProvisionalNavigation(WebSDKWebView& webView,
                                                                         const WebSDKNavigation* navigation,
                                                                         const WebSDKError& error) {
-  log(LogLevel::warning, "navigation",
+  log(LogLevel::warning, "navigation", webView.name(),
       "the load of " + (navigation ? navigation->url : std::string("a page")) + " failed: " + error.description);
 }
 
@@ -37,8 +37,11 @@ void WebSDKTrustedHostsNavigationDelegate::didReceive(WebSDKWebView&, const WebS
   completionHandler(WebSDKAuthChallengeDisposition::performDefaultHandling, std::nullopt);
 }
 
-void WebSDKTrustedHostsNavigationDelegate::refused(WebSDKWebView&, const WebSDKNavigationAction& action) {
-  log(LogLevel::info, "navigation", "the navigation to " + action.url + " was cancelled: its host is not trusted");
+void WebSDKTrustedHostsNavigationDelegate::refused(WebSDKWebView& webView, const WebSDKNavigationAction& action) {
+  // A warning: a view refused its very first page shows nothing but a blank window.
+  log(LogLevel::warning, "navigation", webView.name(),
+      "the navigation to " + action.url +
+          " was cancelled: its host is not on the view's whitelist (WebSDKTrustedHostsNavigationDelegate)");
 }
 
 }  // namespace websdk

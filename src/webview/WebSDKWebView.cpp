@@ -5,12 +5,37 @@
 #include "websdk/webview/WebSDKTrafficRecorder.hpp"
 
 #include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 
 namespace websdk {
 namespace {
 constexpr std::string_view kHandlerName = "nativeRequest";
+
+constexpr double kDefaultLoadTimeout = 60;
+
+// A field name is an HTTP token; a value holds no line break and no NUL.
+std::optional<std::string> fieldRefused(std::string_view name, std::string_view value) {
+  constexpr std::string_view kTokenMarks = "!#$%&'*+-.^_`|~";
+  if (name.empty()) return "its name is empty";
+  for (const char c : name)
+    if (!std::isalnum(static_cast<unsigned char>(c)) && kTokenMarks.find(c) == std::string_view::npos)
+      return "its name holds " + std::string(c == ' ' ? "a space" : "a character a field name cannot have") +
+             " (names are letters, digits and !#$%&'*+-.^_`|~)";
+  if (value.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
+    return "its value holds a line break or a NUL, which would end the field early";
+  return std::nullopt;
+}
+
+// Text of the host's in a log line: no control character.
+std::string shownText(std::string_view text) {
+  std::string out;
+  for (const char c : text) out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
+  return out;
+}
 
 // What in the header text ends the header script's single-quoted string early,
 // and where.
@@ -85,6 +110,13 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   view->setPlugin<SetRecipientInfoFamily>(setRecipientInfoDelegate);
   view->webJSCommunicatorDelegate = webJSCommunicationDelegate;
   view->engine_->setClient(view.get());
+  // The view holds its delegate and listener weakly. One that nothing else
+  // holds (std::make_shared<...>() written into the call) would die before
+  // the first navigation, and the view with it would stay blank: the view
+  // keeps such a one itself.
+  if (webViewDelegate.use_count() == 1) view->keptDelegate_ = webViewDelegate;
+  if (webJSCommunicationDelegate.use_count() == 1) view->keptListener_ = webJSCommunicationDelegate;
+  view->checkSettings(config);
   return view;
 }
 
@@ -93,6 +125,7 @@ namespace {
 // form as every URL they are held against.
 WebSDKConfig forEngine(WebSDKConfig config, const WebEngine& engine) {
   config.canonicalizer = engine.urlCanonicalizer();
+  std::erase_if(config.answerDeadlines, [](const auto& deadline) { return deadline.second.count() <= 0; });
   return config.normalized();
 }
 
@@ -128,8 +161,17 @@ std::map<std::string, std::string> headerFields(const WebSDKAppFunctions& functi
 }
 }  // namespace
 
+namespace {
+std::string nameFor(const WebSDKConfig& config) {
+  static std::atomic<std::uint64_t> made{0};
+  const std::uint64_t n = ++made;
+  return config.name.empty() ? "view " + std::to_string(n) : config.name;
+}
+}  // namespace
+
 WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const WebSDKConfig& config)
     : webSDKConfig(forEngine(config, *engine)),
+      name_(nameFor(config)),
       handler_(std::make_shared<WebSDKScriptHandler>()),
       engine_(std::move(engine)),
       recorder_(recorderFor(webSDKConfig)) {
@@ -141,6 +183,10 @@ WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const W
 
 WebSDKWebView::~WebSDKWebView() = default;
 
+void WebSDKWebView::say(LogLevel level, std::string_view topic, std::string_view message) const {
+  log(level, topic, name_, message);
+}
+
 // Everything that touches the engine runs on the UI thread: a call from
 // another thread is carried there, in order with the rest of its work.
 void WebSDKWebView::addWebSDKScriptHandler() {
@@ -151,7 +197,64 @@ void WebSDKWebView::removeWebSDKScriptHandler() {
   if (carriedToUIThread([](WebSDKWebView& v) { v.removeWebSDKScriptHandler(); })) return;
   engine_->removeScriptMessageHandler(kHandlerName);
 }
-void WebSDKWebView::resetWebView() { handler_->webview.reset(); }
+void WebSDKWebView::resetWebView() {
+  handler_->webview.reset();
+  detached_ = true;
+}
+
+namespace {
+// Why a whitelist entry can never match a page's URL, if it cannot.
+std::optional<std::string> entryNeverMatches(std::string_view entry) {
+  if (entry.empty()) return "it is empty, and an empty entry trusts nothing";
+  if (const auto separator = entry.find("://"); separator != std::string_view::npos) {
+    if (entry.substr(separator + 3).find_first_of("/?#") != std::string_view::npos)
+      return "it has a path, query or fragment: an entry with a scheme names a scheme and host only "
+             "(\"app://shop\"), so it matches no page";
+    if (separator + 3 == entry.size()) return "it names a scheme but no host";
+    return std::nullopt;
+  }
+  if (entry.starts_with('[')) return std::nullopt;  // an IPv6 address
+  if (const auto at = entry.find_first_of(":/?#@\\ "); at != std::string_view::npos) {
+    const char c = entry[at];
+    return std::string(c == ':'   ? "it has a port (or a scheme without \"//\")"
+                       : c == ' ' ? "it has a space"
+                       : c == '@' ? "it has a user"
+                                  : "it has a path, query or fragment") +
+           ": a plain entry names a host, matched without scheme, port or path, so it matches no page "
+           "(write \"shop.example\", or \"app://shop\" for the app's own pages)";
+  }
+  return std::nullopt;
+}
+}  // namespace
+
+void WebSDKWebView::checkSettings(const WebSDKConfig& given) const {
+  for (const auto& entry : given.whitelistedHosts)
+    if (const auto why = entryNeverMatches(entry))
+      say(LogLevel::warning, "trust", "the whitelist entry \"" + entry + "\" can never match: " + *why);
+  for (const auto& [family, limit] : given.answerDeadlines)
+    if (limit.count() <= 0)
+      say(LogLevel::warning, "answer",
+          "the answer deadline of \"" + family + "\" is " + std::to_string(limit.count()) +
+              " ms; a deadline must be longer than 0 ms, so this one is not kept");
+}
+
+void WebSDKWebView::watchHeld(std::string what, std::weak_ptr<const void> object) {
+  engine_->mainQueue().post([weak = weak_from_this(), what = std::move(what), object = std::move(object)] {
+    if (const auto view = weak.lock(); view && object.expired())
+      view->say(LogLevel::warning, "plugin",
+                "the " + what +
+                    " handed to the view is gone already: the view holds it weakly, and nothing else held it "
+                    "(a temporary?). Keep a std::shared_ptr to it for as long as the view");
+  });
+}
+
+void WebSDKWebView::registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin) {
+  if (const auto refused = handler_->takeUnsubscribedAsk(slot); refused && !plugin.expired())
+    say(LogLevel::warning, "plugin",
+        "the " + std::string(family) + " plugin was registered after the page had asked: " + *refused +
+            " got 1004 (not subscribed). Register plugins before the page loads");
+  if (!plugin.expired()) watchHeld(std::string(family) + " plugin", std::move(plugin));
+}
 
 void WebSDKWebView::setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& p) {
   setPlugin<RestaurantEmpathyFamily>(p);
@@ -182,8 +285,15 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
   // judging the raw text could trust a host the engine then does not reach.
   const auto canonical = webSDKConfig.canonicalizer(with);
   if (!canonical) {
-    log(LogLevel::warning, "load", "loadWebView: \"" + with + "\" is not a URL; nothing was loaded");
+    say(LogLevel::warning, "load", "loadWebView: \"" + with + "\" is not a URL; nothing was loaded");
     return;
+  }
+  if (!(timeoutInterval > 0) || !std::isfinite(timeoutInterval)) {
+    say(LogLevel::warning, "load",
+        "loadWebView: the timeout " + std::to_string(timeoutInterval) + " for " + *canonical +
+            " is not a positive number of seconds; the load gets " + std::to_string(int(kDefaultLoadTimeout)) +
+            " s");
+    timeoutInterval = kDefaultLoadTimeout;
   }
   if (recorder_) {
     recorder_->addSecrets(requestHeaders);
@@ -208,6 +318,16 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
       std::erase_if(headers, [&](const auto& field) { return sameFieldName(field.first, external.first); });
       headers.insert_or_assign(external.first, external.second);
     }
+  // A field the network layer refuses would be dropped out of sight, the
+  // app's token with it: it is left out here, and said.
+  std::erase_if(headers, [&](const auto& field) {
+    const auto why = fieldRefused(field.first, field.second);
+    if (why)
+      say(LogLevel::warning, "headers",
+          "loadWebView: the header field \"" + shownText(field.first) + "\" is not sent: " + *why);
+    return why.has_value();
+  });
+  std::erase_if(confined, [&](const std::string& name) { return fieldRefused(name, "").has_value(); });
   URLRequest request{*canonical,          {headers.begin(), headers.end()},
                      timeoutInterval,     URLRequestCachePolicy::useProtocolCachePolicy,
                      std::move(confined), webSDKConfig};
@@ -217,7 +337,7 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
 void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
   if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSScript(type); })) return;
   if (const auto breaking = type.escaped() ? std::nullopt : headerTextBreaks(type.headers()))
-    log(LogLevel::warning, "headers",
+    say(LogLevel::warning, "headers",
         "executeJSScript: the header text holds " + *breaking +
             ", which ends the header script's string early: the script will not run and the page gets no "
             "window.__native_headers__. The text is inserted as it stands; make it with "
@@ -287,7 +407,7 @@ void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t se
   // dropped, once the page that asked is gone).
   if (fails) settle(requestId, it->second, asked);
   const std::string waited = std::to_string(limit.count()) + " ms";
-  log(LogLevel::warning, "answer",
+  say(LogLevel::warning, "answer",
       "request id \"" + requestId + "\" (" + std::string(request.family) + " " + std::string(request.action) +
           ") has no answer after " + waited + (fails ? "; the page is told it failed" : "; it still waits"));
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didMissAnswerDeadline(request);
@@ -354,7 +474,7 @@ std::optional<DocumentID> WebSDKWebView::boundTarget(const std::string& requestI
       if (abandoned) {
         ++answerCounts_.abandoned;
         const WebSDKPendingRequest request{requestId, asked->family, asked->action, asked->askedAt};
-        log(LogLevel::warning, "answer",
+        say(LogLevel::warning, "answer",
             "the reply to request id \"" + requestId + "\" (" + std::string(request.family) + " " +
                 std::string(request.action) + ") was let go without an answer; the page is told it failed");
         if (auto listener = webJSCommunicatorDelegate.lock()) listener->didAbandonRequest(request);
@@ -376,21 +496,21 @@ std::optional<DocumentID> WebSDKWebView::unaskedTarget(const std::string& reques
   const bool askerGone = bound ? *bound != shown : asked != settled_.end() && asked->second.document != shown;
   if (askerGone) {
     ++answerCounts_.late;
-    log(LogLevel::warning, "answer",
+    say(LogLevel::warning, "answer",
         "an answer to request id \"" + requestId + "\", answered or failed already, for a page that is gone; dropped");
     why = WebSDKDropReason::documentGone;
     return std::nullopt;
   }
   ++answerCounts_.unasked;
   if (webSDKConfig.dropsUnaskedAnswers) {
-    log(LogLevel::warning, "answer",
+    say(LogLevel::warning, "answer",
         "an answer to request id \"" + requestId +
             "\", which no page asked or which was answered already; dropped (dropsUnaskedAnswers)");
     why = WebSDKDropReason::notAsked;
     return std::nullopt;
   }
   // Otherwise only a trusted page shown now may see it.
-  log(LogLevel::warning, "answer",
+  say(LogLevel::warning, "answer",
       "an answer to request id \"" + requestId +
           "\", which no page asked or which was answered already; it goes to the page shown, if trusted");
   why = WebSDKDropReason::pageNotWhitelisted;
@@ -435,6 +555,14 @@ void WebSDKWebView::refuseRepeatedAnswer(const std::string& requestId) {
 }
 
 void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
+  // Detached by the host: the bridge is done with this page.
+  if (detached_) {
+    if (!toldDetached_.exchange(true))
+      say(LogLevel::warning, "answer",
+          "an answer to request id \"" + shownText(response.requestId) +
+              "\" came after resetWebView(); answers after it are dropped (told once)");
+    return;
+  }
   // A page script is UTF-8 text. An envelope holding other bytes would reach
   // the page broken (or not parse there), so such an answer is not sent at all.
   auto script = nativeResponseScript(response);
@@ -531,6 +659,17 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
 
 // ---- Page events ---------------------------------------------------------------
 
+void WebSDKWebView::warnOfBreakingText(const WebSDKJSFunctionType& type) {
+  if (toldBreakingPush_) return;
+  const auto breaking = type.breakingText();
+  if (!breaking) return;
+  toldBreakingPush_ = true;
+  say(LogLevel::warning, "push",
+      "the " + std::string(type.caseName()) + " push has " + *breaking +
+          " in a text argument, which is spliced into the page's script as it stands: it can end the argument "
+          "early and run as script. Send .escaped() pushes for text the app does not control (told once per view)");
+}
+
 void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
   // Pushed events carry the app's state (login, addresses, payloads): only a
   // committed document on a whitelisted host receives them.
@@ -563,6 +702,7 @@ void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& 
   if (carriedToUIThread(
           [type, completionHandler](WebSDKWebView& v) { v.executeJSFunctionWithCompletion(type, completionHandler); }))
     return;
+  warnOfBreakingText(type);
   push(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
     // A script error, or a page that never ran it, is not passed on: the
     // handler then gets nothing.
@@ -572,6 +712,7 @@ void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& 
 
 void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
   if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSFunction(type); })) return;
+  warnOfBreakingText(type);
   push(type.script(), nullptr);
 }
 
@@ -594,7 +735,7 @@ void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
   if (auto d = webSDKNavigationDelegate.lock()) return d->decidePolicyFor(*this, action, std::move(decisionHandler));
   // Waiting is the rule without a delegate; a blank view with no word of why is not.
   if (!std::exchange(toldNoDelegate_, true))
-    log(LogLevel::warning, "navigation",
+    say(LogLevel::warning, "navigation",
         "the navigation to " + action.url +
             " waits for a decision, but no navigation delegate is attached, so no page loads: give the view one, "
             "and keep a reference to it, for the view holds it weakly (WebSDKTrustedHostsNavigationDelegate::shared() "
@@ -607,7 +748,7 @@ void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
 void WebSDKWebView::didReceive(const WebSDKAuthenticationChallenge& challenge,
                                WebSDKAuthChallengeCompletion completionHandler) {
   if (auto d = webSDKNavigationDelegate.lock()) return d->didReceive(*this, challenge, std::move(completionHandler));
-  log(LogLevel::warning, "navigation",
+  say(LogLevel::warning, "navigation",
       "an authentication challenge from " + challenge.host + " is never answered: no navigation delegate is attached");
 }
 

@@ -239,6 +239,24 @@ TEST_F(BridgeTest, EveryPushedEventReachesItsPageFunctionWithItsArguments) {
     EXPECT_EQ(calls[i], parseJSON(rows[i].expected)) << rows[i].expected;
 }
 
+// Text the app does not control, pushed in the escaped form, reaches the
+// page function as the very text it was, whatever it holds: none of it runs.
+TEST_F(BridgeTest, EscapedPushesArriveAsPlainText) {
+  using F = WebSDKJSFunctionType;
+  const std::string injection = "x'); document.title='INJECTED'; ('";
+  const std::string awkward = "C:\\dir\\ \"quoted\" it's\nline two </script><script>alert(1)</script> \u2028";
+  view->executeJSFunction(F::globalJSBridgeHandler(injection).escaped());
+  view->executeJSFunction(F::handlePXSearchActions(awkward, injection).escaped());
+  view->executeJSFunction(F::searchQueryInput(injection).escaped());
+  ASSERT_TRUE(waitFor([&] { return page->of("call").size() >= 3; }));
+  const auto calls = page->of("call");
+  EXPECT_EQ(calls[0], (JSON(JSONObject{{"name", "globalJSBridgeHandler"}, {"args", JSONArray{JSON(injection)}}})));
+  EXPECT_EQ(calls[1], (JSON(JSONObject{{"name", "HANDLE_PX_SEARCH_ACTIONS"},
+                                       {"args", JSONArray{JSON(awkward), JSON(injection)}}})));
+  EXPECT_EQ(calls[2], (JSON(JSONObject{{"name", "SEARCH_QUERY_INPUT"}, {"args", JSONArray{JSON(injection)}}})));
+  EXPECT_NE(evaluate("document.title"), JSON("INJECTED"));
+}
+
 TEST_F(BridgeTest, CompletionGetsThePageFunctionsResultAndNothingOnAScriptError) {
   std::vector<std::optional<JSON>> results;
   const auto record = [&](std::optional<JSON> value) { results.push_back(std::move(value)); };

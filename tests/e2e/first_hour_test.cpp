@@ -49,7 +49,7 @@ TEST_F(E2ETest, TheReadyMadeDelegateKeepsTheViewOnItsTrustedHosts) {
   EXPECT_EQ(server.requestsTo("/start")[0].header("token"), "t");
   const auto before = server.requestsTo("/away").size();
   evaluate("document.getElementById('out').click()");
-  ASSERT_TRUE(waitFor([&] { return log.told("was cancelled: its host is not trusted"); }));
+  ASSERT_TRUE(waitFor([&] { return log.told("was cancelled: its host is not on the view's whitelist"); }));
   EXPECT_EQ(server.requestsTo("/away").size(), before) << "the main frame stays";
   EXPECT_EQ(view->url(), server.url("/start"));
 }

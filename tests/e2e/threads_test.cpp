@@ -52,5 +52,12 @@ TEST_F(E2ETest, ViewsDroppedWhileWorkersUseThemAreTornDownOnTheUIThread) {
   std::printf("rounds whose last reference may have gone on a worker: %d of 100\n", lastOnWorker);
 }
 
+// An engine made on a worker would make the toolkit abort with no word of
+// why: the WebSDK says why first, and stops.
+TEST(EngineThreads, AnEngineMadeOffTheUIThreadSaysWhyBeforeItStops) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(std::thread([] { auto engine = engine::make(); }).join(), "made off the UI thread");
+}
+
 }  // namespace
 }  // namespace websdk::e2e

@@ -54,6 +54,33 @@ TEST(WebSDKJSFunctionType, EveryCaseWritesItsCallTextVerbatim) {
   EXPECT_EQ(casesSeen, allCases<WebSDKJSFunctionTypeCase>().size());
 }
 
+// The escaped form: each text argument a JSON string literal, whatever it
+// holds; the function, its guard and every other argument as before.
+TEST(WebSDKJSFunctionType, TheEscapedFormWritesTextAsStringLiterals) {
+  const ScriptRow rows[] = {
+      {F::openDeeplink("a'b").escaped(), R"(openDeeplink("a'b"))"},
+      {F::globalJSBridgeHandler("x'); document.title='INJECTED'; ('").escaped(),
+       R"(globalJSBridgeHandler("x'); document.title='INJECTED'; ('"))"},
+      {F::allowNativeBottomBarExit("C:\\ \"q\"\n</script>").escaped(),
+       R"(allowNativeBottomBarExit("C:\\ \"q\"\n</script>"))"},
+      {F::searchQueryInput("pizza').escaped(), R"(SEARCH_QUERY_INPUT("pizza'"))"},
+      {F::handlePXSearchActions("milk", "rec'ent").escaped(), R"(HANDLE_PX_SEARCH_ACTIONS("milk", "rec'ent"))"},
+      {F::updateScratchCardsData("\u2028").escaped(), R"(updateScratchCardsData("\u2028"))"},
+      {F::updateScratchCardsData("\xFF").escaped(), R"(updateScratchCardsData("?"))"},
+      {F::keyboardStateChanged(true, 300).escaped(),
+       "if ('keyboardStateChanged' in window){ window.keyboardStateChanged(true,300.0); }"},
+      {F::pageResume().escaped(), "window.pageResume && window.pageResume()"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.type.script(), row.script);
+    EXPECT_EQ(row.type.breakingText(), std::nullopt) << row.script;
+  }
+  EXPECT_EQ(F::openDeeplink("a'b").breakingText(), "a single quote");
+  EXPECT_EQ(F::searchQueryInput("'abc')").breakingText(), std::nullopt);  // a tail brings its quotes
+  EXPECT_EQ(F::searchQueryInput("'a\nb')").breakingText(), "a line break");
+  EXPECT_EQ(F::allowNativeBottomBarExit("</script>").breakingText(), "\"</script\"");
+}
+
 TEST(WebSDKJSFunctionType, CasesCarryingTheSameArgumentStayDistinct) {
   EXPECT_NE(F::globalJSBridgeHandler("x"), F::allowNativeBottomBarExit("x"));
   EXPECT_EQ(F::handlePXSearchActions("a", "b"), F::handlePXSearchActions("a", "b"));

@@ -24,6 +24,13 @@ struct Captured {
   ~Captured() { setLogSink(std::move(previous)); }
 };
 
+struct Generic final : DvWebViewGenericCallsBacks {
+  void handleGenericRequest(const WebSDKGenericRequestModel&, const WebSDKGenericRequestPayload&) override {}
+};
+
+// A view made with `whitelist`, let go at once.
+void made(std::vector<std::string> whitelist) { Harness h(std::move(whitelist)); }
+
 TEST(Misuse, EachIsToldOnceWithWhatHappened) {
   struct Row {
     const char* what;
@@ -82,6 +89,72 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
        },
        "navigation",
        {"https://localhost/next", "no navigation delegate"}},
+      {"a whitelist entry with a path", [](Harness&) { made({"app://shop/index.html", "localhost"}); }, "trust",
+       {"\"app://shop/index.html\"", "can never match", "path"}},
+      {"a whitelist entry with a port", [](Harness&) { made({"shop.example:443"}); }, "trust",
+       {"\"shop.example:443\"", "can never match", "port"}},
+      {"an empty whitelist entry", [](Harness&) { made({"", "localhost"}); }, "trust",
+       {"\"\"", "can never match", "empty"}},
+      {"a deadline of 0 ms",
+       [](Harness&) {
+         WebSDKConfig config{{"localhost"}};
+         config.answerDeadlines = {{"cart", std::chrono::milliseconds(0)}};
+         Harness made(config);
+       },
+       "answer",
+       {"\"cart\"", "0 ms", "not kept"}},
+      {"a plugin registered as a temporary",
+       [](Harness& h) {
+         h.view->setCartPlugin(std::make_shared<test::RecordingCart>());
+         h.engine->queue().drain();
+       },
+       "plugin",
+       {"cart plugin", "gone already", "holds it weakly"}},
+      {"a plugin registered after the page asked",
+       [&ask](Harness& h) {
+         ask(h, "early");  // 1004: no generic plugin yet
+         h.post(R"({"type":"GET_LOCATION","requestId":"g1"})");
+         const auto generic = std::make_shared<Generic>();
+         h.view->setPlugin<GenericFamily>(generic);
+         h.engine->queue().drain();
+       },
+       "plugin",
+       {"generic plugin", "after the page had asked", "\"g1\"", "GET_LOCATION", "1004"}},
+      {"a header name with a space",
+       [](Harness& h) { h.view->loadWebView("https://localhost/", {{"x token", "a"}}, std::nullopt, 5); },
+       "headers",
+       {"\"x token\"", "not sent", "a space"}},
+      {"a header value with a line break",
+       [](Harness& h) { h.view->loadWebView("https://localhost/", {{"token", "a\r\nx: y"}}, std::nullopt, 5); },
+       "headers",
+       {"\"token\"", "not sent", "line break"}},
+      {"a load timeout of 0",
+       [](Harness& h) { h.view->loadWebView("https://localhost/", {}, std::nullopt, 0); },
+       "load",
+       {"not a positive number of seconds", "60 s"}},
+      {"a negative load timeout",
+       [](Harness& h) { h.view->loadWebView("https://localhost/", {}, std::nullopt, -5); },
+       "load",
+       {"-5", "not a positive number of seconds"}},
+      {"answers after resetWebView(), told once",
+       [&ask](Harness& h) {
+         ask(h, "r1");
+         h.view->resetWebView();
+         h.view->sendSuccess("r1");
+         h.view->sendSuccess("r1");
+         h.engine->queue().drain();
+         EXPECT_TRUE(h.pageResponses().empty());
+       },
+       "answer",
+       {"\"r1\"", "after resetWebView()", "dropped"}},
+      {"a push whose text breaks out of its quotes, told once",
+       [](Harness& h) {
+         h.view->executeJSFunction(WebSDKJSFunctionType::globalJSBridgeHandler("x'); document.title='INJECTED'; ('"));
+         h.view->executeJSFunction(WebSDKJSFunctionType::openDeeplink("it's"));
+         h.view->executeJSFunction(WebSDKJSFunctionType::openDeeplink("it's").escaped());
+       },
+       "push",
+       {"globalJSBridgeHandler", "a single quote", ".escaped()"}},
       {"a challenge with no delegate",
        [](Harness& h) {
          h.engine->client()->didReceive(WebSDKAuthenticationChallenge{"localhost", 443, "", "", 0},
@@ -103,6 +176,52 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
       EXPECT_NE(log.lines[0].second.find(word), std::string::npos)
           << row.what << ": \"" << word << "\" not in: " << log.lines[0].second;
   }
+}
+
+// Every line a view says names the view: the host's name for it, or "view N".
+TEST(Misuse, EachLineNamesItsView) {
+  std::vector<std::string> views;
+  const LogSink previous = setLogSink([&](const LogRecord& r) { views.emplace_back(r.view); });
+  WebSDKConfig config{{"localhost"}};
+  config.name = "checkout";
+  Harness named(config);
+  named.view->loadWebView("not a url", {}, std::nullopt, 5);
+  Harness unnamed;
+  unnamed.view->loadWebView("not a url", {}, std::nullopt, 5);
+  setLogSink(previous);
+  ASSERT_EQ(views.size(), 2u);
+  EXPECT_EQ(views[0], "checkout");
+  EXPECT_EQ(views[1], unnamed.view->name());
+  EXPECT_TRUE(views[1].starts_with("view ")) << views[1];
+  EXPECT_EQ(logLine({LogLevel::error, "engine", "m", "checkout"}), "[checkout] m");
+}
+
+// A delegate and a listener written into create() as temporaries live as long
+// as the view: nothing else could keep them.
+TEST(Misuse, ADelegateAndListenerHandedOverAsTemporariesAreKept) {
+  struct Listener final : WebSDKJSCommunicationProtocol {
+    std::vector<std::string> requests;
+    void didSendResponse(const WebSDKResponseModel&) override {}
+    void didReceiveRequest(std::string_view r) override { requests.emplace_back(r); }
+  };
+  auto owned = std::make_unique<testing::TestingEngine>();
+  auto& engine = *owned;
+  engine.setURL("https://localhost/");
+  auto view = WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, nullptr,
+                                    std::make_shared<WebSDKTrustedHostsNavigationDelegate>(),
+                                    std::make_shared<Listener>());
+  ASSERT_NE(view->webSDKNavigationDelegate.lock(), nullptr);
+  ASSERT_NE(view->webJSCommunicatorDelegate.lock(), nullptr);
+  std::optional<WebSDKNavigationActionPolicy> policy;
+  engine.client()->decidePolicyFor(WebSDKNavigationAction{"https://localhost/next"},
+                                   [&](WebSDKNavigationActionPolicy p) { policy = p; });
+  EXPECT_EQ(policy, WebSDKNavigationActionPolicy::allow);
+  // One the host holds stays the host's: released, it is gone.
+  auto held = std::make_shared<WebSDKTrustedHostsNavigationDelegate>();
+  auto second = WebSDKWebView::create(std::make_unique<testing::TestingEngine>(), {"localhost"}, nullptr, nullptr,
+                                      held);
+  held.reset();
+  EXPECT_EQ(second->webSDKNavigationDelegate.lock(), nullptr);
 }
 
 TEST(Misuse, RightUseIsSilent) {

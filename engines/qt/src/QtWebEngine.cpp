@@ -22,6 +22,7 @@
 #include <QLoggingCategory>
 #include <QNativeGestureEvent>
 #include <QPointer>
+#include <QThread>
 #include <QTimer>
 #include <QWebChannel>
 #include <QWebEngineHttpRequest>
@@ -50,15 +51,18 @@ namespace websdk::qtwebengine {
 // ---- Log and start ---------------------------------------------------------------
 
 namespace {
-Q_LOGGING_CATEGORY(websdkCategory, "websdk")
+// Warnings and errors show by default, as GLib shows them; info and debug
+// only when asked (QT_LOGGING_RULES="websdk.info=true").
+Q_LOGGING_CATEGORY(websdkCategory, "websdk", QtWarningMsg)
 
 void toQt(const LogRecord& record) {
-  const QString text = QString::fromUtf8(record.message.data(), static_cast<qsizetype>(record.message.size()));
+  const QString text = QString::fromStdString(logLine(record));
   const QByteArray topic(record.topic.data(), static_cast<qsizetype>(record.topic.size()));
   switch (record.level) {
     case LogLevel::debug: qCDebug(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
     case LogLevel::info: qCInfo(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
     case LogLevel::warning: qCWarning(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
+    case LogLevel::error: qCCritical(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
   }
 }
 
@@ -70,8 +74,6 @@ void logToQt() {
   static std::once_flag once;
   std::call_once(once, [] {
     websdk::detail::setPlatformLogSink(toQt);
-    // The WebSDK's own debug messages stay quiet unless asked for.
-    QLoggingCategory::setFilterRules(QStringLiteral("websdk.debug=false"));
   });
 }
 
@@ -862,6 +864,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
 QtWebEngine::QtWebEngine(const QtWebEngineConfiguration& configuration) : state_(std::make_shared<State>()) {
   logToQt();
+  // Qt's widgets live on the application's thread only; made elsewhere they
+  // fail deep inside Qt.
+  if (QCoreApplication::instance() == nullptr || QThread::currentThread() != QCoreApplication::instance()->thread()) {
+    log(LogLevel::error, "engine",
+        QCoreApplication::instance() == nullptr
+            ? "a QtWebEngine was made before the application (qtwebengine::initialize, or the host's own "
+              "QApplication after qtwebengine::prepare()). Aborting"
+            : "a QtWebEngine was made off the UI thread (the QApplication's); Qt's widgets can be used on that "
+              "thread only. Make engines and views there: a worker can hand the work over with "
+              "QMetaObject::invokeMethod. Aborting");
+    std::abort();
+  }
   state_->make(configuration);
 }
 

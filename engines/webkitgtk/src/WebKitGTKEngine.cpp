@@ -12,10 +12,13 @@
 #include "websdk/Log.hpp"
 #include "websdk/webview/ScriptBuffers.hpp"
 
+#include <atomic>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <map>
 #include <mutex>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -27,10 +30,12 @@ namespace {
 // The WebSDK's messages as GLib structured log entries of the "websdk"
 // domain, so that G_MESSAGES_DEBUG and a host's own GLib writer see them.
 void toGLib(const LogRecord& record) {
-  const GLogLevelFlags level = record.level == LogLevel::debug  ? G_LOG_LEVEL_DEBUG
-                               : record.level == LogLevel::info ? G_LOG_LEVEL_INFO
-                                                                : G_LOG_LEVEL_WARNING;
-  const std::string message(record.message), topic(record.topic);
+  // An error is GLib's CRITICAL: GLib's own ERROR level aborts the process.
+  const GLogLevelFlags level = record.level == LogLevel::debug     ? G_LOG_LEVEL_DEBUG
+                               : record.level == LogLevel::info    ? G_LOG_LEVEL_INFO
+                               : record.level == LogLevel::warning ? G_LOG_LEVEL_WARNING
+                                                                   : G_LOG_LEVEL_CRITICAL;
+  const std::string message = logLine(record), topic(record.topic);
   const GLogField fields[] = {
       {"GLIB_DOMAIN", "websdk", -1}, {"MESSAGE", message.c_str(), -1}, {"WEBSDK_TOPIC", topic.c_str(), -1}};
   g_log_structured_array(level, fields, G_N_ELEMENTS(fields));
@@ -44,8 +49,25 @@ void logToGLib() {
 
 // ---- Main loop -----------------------------------------------------------------
 
+namespace {
+// The thread GTK was started on, when initialize() started it.
+std::atomic<std::thread::id> uiThread{};
+
+// Whether this thread cannot be the UI thread: GTK was started on another, or
+// another runs the main loop now.
+bool offTheUIThread() {
+  const std::thread::id started = uiThread.load();
+  if (started != std::thread::id{}) return started != std::this_thread::get_id();
+  GMainContext* context = g_main_context_default();
+  if (!g_main_context_acquire(context)) return true;
+  g_main_context_release(context);
+  return false;
+}
+}  // namespace
+
 bool initialize(int* argc, char*** argv) {
   logToGLib();
+  uiThread = std::this_thread::get_id();
   return compat::initializeGTK(argc, argv);
 }
 
@@ -833,6 +855,15 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 
 WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : state_(std::make_shared<State>()) {
   logToGLib();
+  // WebKit aborts, saying nothing of why, when it is first touched off the
+  // UI thread: this says why before it happens.
+  if (offTheUIThread()) {
+    log(LogLevel::error, "engine",
+        "a WebKitGTKEngine was made off the UI thread (the thread that started GTK and runs its main loop); "
+        "WebKit can be used on that thread only. Make engines and views there: a worker can hand the work "
+        "over with g_main_context_invoke. Aborting");
+    std::abort();
+  }
   State& s = *state_;
   WebKitWebContext* context = compat::newWebContext(configuration.ephemeral);
   // Before the view exists, so that its first web process loads the guard.

@@ -43,6 +43,8 @@ class WEBSDK_EXPORT BridgeView {
                              bool abandoned) = 0;
   /// A reply answered a second time: refused, and counted. Any thread.
   virtual void refuseRepeatedAnswer(const std::string& requestId) = 0;
+  /// How the view's log lines name it.
+  virtual std::string_view viewName() const = 0;
 
  protected:
   ~BridgeView() = default;
@@ -89,6 +91,13 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   std::uint64_t expectAnswer(std::string_view requestId, DocumentID document, std::string_view family,
                              std::string_view action);
 
+  /// Notes that a request of the family in `slot` got 1004 for want of a
+  /// plugin (the first such request is kept until taken).
+  void noteUnsubscribed(std::size_t slot, std::string_view requestId, std::string_view action);
+  /// The first request the family in `slot` refused for want of a plugin
+  /// since last asked, as words for a log line; nothing when none was.
+  std::optional<std::string> takeUnsubscribedAsk(std::size_t slot);
+
   /// The record of the message being handled, while the view records its
   /// traffic; nothing otherwise. UI thread, during userContentController.
   WebSDKRecordedRequest* recording() const { return recording_; }
@@ -104,6 +113,7 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
 
   // One plugin per family, at the family's slot.
   std::array<std::weak_ptr<void>, kFamilyCount> plugins_;
+  std::array<std::optional<std::string>, kFamilyCount> unsubscribedAsks_;
   // The last page URL found trusted and the whitelist it was checked against:
   // a page posts many messages from one URL, so each URL is checked once.
   std::string trustedURL_;

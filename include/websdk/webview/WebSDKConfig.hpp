@@ -89,6 +89,9 @@ struct WEBSDK_EXPORT WebSDKConfig {
   /// None by default. Apps that cannot be rebuilt can set the environment
   /// variable WEBSDK_RECORD to a file's path instead (masked, default cap).
   std::optional<WebSDKTrafficRecording> recording = std::nullopt;
+  /// How the view's log lines name it ("checkout", say); "view N" (its
+  /// place among the views this process made) when empty.
+  std::string name = {};
 
   /// False for a URL without a host (also when every URL is trusted); true
   /// when every URL is trusted; otherwise true when some entry matches:

@@ -4,7 +4,8 @@
 // and how each argument is written; the call text and the contract tools'
 // page-function list both come from that row. Text arguments are spliced in
 // verbatim (nothing is escaped), so callers pass text without single quotes,
-// backslashes or line breaks.
+// backslashes or line breaks; or they send the escaped form (`escaped()`),
+// which writes each text argument as a JSON string literal.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
@@ -162,8 +163,26 @@ class WEBSDK_EXPORT WebSDKJSFunctionType
     return {};
   }
 
+  /// The same call with each text argument written as a JSON string literal
+  /// ("O'Brien" arrives as O'Brien, whatever it holds), to the same page
+  /// function. Use it for any text the app does not control.
+  WebSDKJSFunctionType escaped() const {
+    WebSDKJSFunctionType out = *this;
+    out.escaped_ = true;
+    return out;
+  }
+  /// Whether text arguments are written as JSON string literals.
+  bool isEscaped() const { return escaped_; }
+  /// What in a text argument would end its quotes early, or break the page's
+  /// script, in the form as given ("a single quote in the argument", ...);
+  /// nothing when the text is safe as given, or escaped.
+  std::optional<std::string> breakingText() const;
+
   /// The call text evaluated in the page.
   std::string script() const;
+
+ private:
+  bool escaped_ = false;
 };
 
 /// Called once when an evaluation ends: the script's value, or nothing when

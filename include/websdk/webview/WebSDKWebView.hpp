@@ -4,6 +4,7 @@
 // sends answers and events to the page.
 
 #include "websdk/Export.hpp"
+#include "websdk/Log.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 #include "websdk/json/Record.hpp"
@@ -14,6 +15,7 @@
 #include "websdk/webview/WebSDKResponseModel.hpp"
 #include "websdk/webview/WebSDKResponseProtocol.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -158,6 +160,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   template <class F>
   void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
     handler_->setPlugin<F>(plugin);
+    registered(F::name, F::slot, plugin);
   }
   // The same, by the names hosts know.
   void setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& plugin);
@@ -230,6 +233,8 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
     return shown ? std::optional<std::string>(*shown) : std::nullopt;
   }
   WebEngine& engine() { return *engine_; }
+  /// How the view's log lines name it: `WebSDKConfig::name`, or "view N".
+  const std::string& name() const { return name_; }
 
   /// The requests of the document shown that plugins have not answered yet,
   /// oldest first: what a page is still waiting for. UI thread.
@@ -293,6 +298,9 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
                                           WebSDKDropReason& why);
   /// The committed document shown, if its host is whitelisted. UI thread.
   std::optional<DocumentID> trustedDocumentShown();
+  /// Warns, once per view, of a push whose text would break out of its quotes.
+  void warnOfBreakingText(const WebSDKJSFunctionType& type);
+  bool toldBreakingPush_ = false;  // UI thread only
   /// Evaluates a pushed call in the document shown, if it is whitelisted.
   void push(std::string script, ScriptCompletion completion);
   void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
@@ -302,6 +310,25 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   bool pinchGestureEnable_ = false;
   bool javaScriptEnabled_ = true;
   bool suppressesIncrementalRendering_ = true;
+  /// Says when a family's plugin comes too late (the page already got 1004
+  /// for want of it) or is released before the page can use it (the view
+  /// holds it weakly: a temporary dies at once).
+  void registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin);
+  /// Says, once the caller's turn is over, when what the host handed over is
+  /// gone already: nobody but the view was holding it.
+  void watchHeld(std::string what, std::weak_ptr<const void> object);
+  /// Says what in the settings the view was made with cannot work as meant.
+  void checkSettings(const WebSDKConfig& given) const;
+  /// A delegate and a listener handed to create() that nothing else held.
+  std::shared_ptr<WebSDKNavigationDelegate> keptDelegate_;
+  std::shared_ptr<WebSDKJSCommunicationProtocol> keptListener_;
+  /// Set by resetWebView(): answers after it are dropped, and said once.
+  std::atomic<bool> detached_{false}, toldDetached_{false};
+  /// Tells `message` through the log, naming this view.
+  void say(LogLevel level, std::string_view topic, std::string_view message) const;
+  std::string_view viewName() const override { return name_; }
+
+  const std::string name_;
   const std::shared_ptr<WebSDKScriptHandler> handler_;
   const std::unique_ptr<WebEngine> engine_;
   // Requests handed to plugins and not yet answered, oldest first per id (a

@@ -1,8 +1,9 @@
 #pragma once
-// The WebSDK's one logging path. Every misuse and every refusal the host
-// should hear of is told here once, in words that say what happened and what
-// to do. With the WebKitGTK engine the messages go to GLib's structured log
-// under the "websdk" domain; a host may take them instead with setLogSink.
+/// @file
+/// The WebSDK's one logging path. Every misuse and every refusal the host
+/// should hear of is told here once, in words that say what happened and what
+/// to do. With the WebKitGTK engine the messages go to GLib's structured log
+/// under the "websdk" domain; a host may take them instead with setLogSink.
 
 #include "websdk/Export.hpp"
 

@@ -1,9 +1,10 @@
 #pragma once
-// What a plugin family is, once for all twelve: its row (name, failure
-// message, slot), its action enumeration and typed payload, and its protocol,
-// the one operation through which the bridge hands it an accepted request.
-// A family's header (websdk/bridge/families/) is one WEBSDK_FAMILY row; a host
-// that serves one family includes only that header.
+/// @file
+/// What a plugin family is, once for all twelve: its row (name, failure
+/// message, slot), its action enumeration and typed payload, and its protocol,
+/// the one operation through which the bridge hands it an accepted request.
+/// A family's header (websdk/bridge/families/) is one WEBSDK_FAMILY row; a host
+/// that serves one family includes only that header.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// The request a page posts, as one family reads it: the action, the page's
-// request id and the raw payload dictionary.
+/// @file
+/// The request a page posts, as one family reads it: the action, the page's
+/// request id and the raw payload dictionary.
 
 #include "websdk/bridge/WebSDKReply.hpp"
 #include "websdk/json/Enum.hpp"

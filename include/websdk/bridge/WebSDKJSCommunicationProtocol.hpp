@@ -1,6 +1,7 @@
 #pragma once
-// The host's listener for all bridge traffic: every request the page makes,
-// every answer sent to it, and what never ran there.
+/// @file
+/// The host's listener for all bridge traffic: every request the page makes,
+/// every answer sent to it, and what never ran there.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

@@ -1,10 +1,11 @@
 #pragma once
-// The answer to one delivered request, bound to it: the plugin takes it from
-// the request it is handling (`request.reply()`), keeps or moves it wherever
-// the work goes, and answers through it exactly once, from any thread. It
-// answers only the document that asked, and only that request, even when the
-// page reuses its ids. A reply destroyed without an answer tells the page the
-// request failed, so no page waits forever on a request the host let go.
+/// @file
+/// The answer to one delivered request, bound to it: the plugin takes it from
+/// the request it is handling (`request.reply()`), keeps or moves it wherever
+/// the work goes, and answers through it exactly once, from any thread. It
+/// answers only the document that asked, and only that request, even when the
+/// page reuses its ids. A reply destroyed without an answer tells the page the
+/// request failed, so no page waits forever on a request the host let go.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"

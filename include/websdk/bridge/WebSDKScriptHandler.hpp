@@ -1,7 +1,8 @@
 #pragma once
-// Receives the page's "nativeRequest" messages: checks the page's host, finds
-// the family that knows the action, decodes its typed payload and hands it to
-// the host object registered for the family, or answers the failure itself.
+/// @file
+/// Receives the page's "nativeRequest" messages: checks the page's host, finds
+/// the family that knows the action, decodes its typed payload and hands it to
+/// the host object registered for the family, or answers the failure itself.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/Family.hpp"

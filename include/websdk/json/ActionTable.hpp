@@ -1,17 +1,20 @@
 #pragma once
-// A family's actions, written once as a table: each row is the action's case,
-// the string pages send, the typed payload's case and the model it carries
-// (none for an action that carries nothing, `Refused` for one that is never
-// decoded).
-//
-//   WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
-//                  (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
-//                  (clearCart, "CLEAR_LOCAL_CART", clearCart))
-//
-// declares the action enumeration with its raw values, the payload's case
-// enumeration (named by the cases: WebSDKCartRequestPayloadCase) and the typed
-// payload, whose validateRequest decodes a request's payload into the row's
-// model by the model's reader.
+/// @file
+/// A family's actions, written once as a table: each row is the action's case,
+/// the string pages send, the typed payload's case and the model it carries
+/// (none for an action that carries nothing, `Refused` for one that is never
+/// decoded).
+///
+/// ~~~{.cpp}
+///   WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
+///                  (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
+///                  (clearCart, "CLEAR_LOCAL_CART", clearCart))
+/// ~~~
+///
+/// declares the action enumeration with its raw values, the payload's case
+/// enumeration (named by the cases: WebSDKCartRequestPayloadCase) and the typed
+/// payload, whose validateRequest decodes a request's payload into the row's
+/// model by the model's reader.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

@@ -1,11 +1,14 @@
 #pragma once
-// String enumerations declared once as a table of raw values. An enumeration E
-// opts in by declaring, in its own namespace,
-//
-//   constexpr auto rawValues(E) { return websdk::rawValueTable<E>({{E::a, "A"}, ...}); }
-//
-// listing every case in declaration order. rawValue(e), fromRawValue<E>(s) and
-// allCases<E>() are derived from that one table.
+/// @file
+/// String enumerations declared once as a table of raw values. An enumeration E
+/// opts in by declaring, in its own namespace,
+///
+/// ~~~{.cpp}
+///   constexpr auto rawValues(E) { return websdk::rawValueTable<E>({{E::a, "A"}, ...}); }
+/// ~~~
+///
+/// listing every case in declaration order. rawValue(e), fromRawValue<E>(s) and
+/// allCases<E>() are derived from that one table.
 
 #include "websdk/json/Preprocessor.hpp"
 

@@ -1,6 +1,7 @@
 #pragma once
-// The JSON value every model reads from, and the one text writer the WebSDK uses
-// for payloads, descriptions and tools.
+/// @file
+/// The JSON value every model reads from, and the one text writer the WebSDK uses
+/// for payloads, descriptions and tools.
 
 #include "websdk/Export.hpp"
 

@@ -1,40 +1,43 @@
 #pragma once
-// Models: records whose fields are declared once with the JSON key each one is
-// read from and the reading that takes it. Decoding, equality, encoding, the
-// description and the contract tools print all come from that one list.
-//
-//   struct WebSDKApplyCouponRequestModel {
-//     std::optional<JSONObject> tenant;
-//     double cartValue = 0;
-//     std::string restaurantId;
-//     std::optional<std::string> couponListingVersion;
-//
-//     WEBSDK_MODEL(WebSDKApplyCouponRequestModel, needsEntries,
-//                  (tenant, object),
-//                  (cartValue, number, "cart_total_shown_to_coupon"),
-//                  (restaurantId, strictString, required),
-//                  (couponListingVersion, strictString))
-//   };
-//
-// Each field is (member, reading, options...). Options: a string gives the key
-// when it is not the member's name ("a.b" reads b inside the object under a);
-// `required` makes the model fail when the reading gives nothing (for a lenient
-// reading, which always gives something: when the key is absent); `orEmpty`
-// gives an optional member its type's empty value instead of nothing;
-// `ifObject` / `ifGiven` read the field only when its key holds an object / is
-// present and not null; `sensitive` marks the user's own data, which traffic
-// recordings mask. A field that is not required and reads nothing keeps
-// its default. A lenient reading into an optional member is taken only when
-// the key is present. A string reading into an enumeration member takes the
-// case whose raw value it is. A rule across fields is the model's own
-// `bool isValid() const`.
-//
-// The second argument is the model's own rule: `anyPayload` (never fails for
-// the payload as a whole), `needsPayload` (fails without a payload object),
-// `needsEntries` (fails without one or with an empty one), `within("tenant")`
-// (fails unless "tenant" holds an object), `strict` (a present, non-null value
-// that its reading refuses fails the model: for records hosts decode from
-// their own stored JSON).
+/// @file
+/// Models: records whose fields are declared once with the JSON key each one is
+/// read from and the reading that takes it. Decoding, equality, encoding, the
+/// description and the contract tools print all come from that one list.
+///
+/// ~~~{.cpp}
+///   struct WebSDKApplyCouponRequestModel {
+///     std::optional<JSONObject> tenant;
+///     double cartValue = 0;
+///     std::string restaurantId;
+///     std::optional<std::string> couponListingVersion;
+///
+///     WEBSDK_MODEL(WebSDKApplyCouponRequestModel, needsEntries,
+///                  (tenant, object),
+///                  (cartValue, number, "cart_total_shown_to_coupon"),
+///                  (restaurantId, strictString, required),
+///                  (couponListingVersion, strictString))
+///   };
+/// ~~~
+///
+/// Each field is (member, reading, options...). Options: a string gives the key
+/// when it is not the member's name ("a.b" reads b inside the object under a);
+/// `required` makes the model fail when the reading gives nothing (for a lenient
+/// reading, which always gives something: when the key is absent); `orEmpty`
+/// gives an optional member its type's empty value instead of nothing;
+/// `ifObject` / `ifGiven` read the field only when its key holds an object / is
+/// present and not null; `sensitive` marks the user's own data, which traffic
+/// recordings mask. A field that is not required and reads nothing keeps
+/// its default. A lenient reading into an optional member is taken only when
+/// the key is present. A string reading into an enumeration member takes the
+/// case whose raw value it is. A rule across fields is the model's own
+/// `bool isValid() const`.
+///
+/// The second argument is the model's own rule: `anyPayload` (never fails for
+/// the payload as a whole), `needsPayload` (fails without a payload object),
+/// `needsEntries` (fails without one or with an empty one), `within("tenant")`
+/// (fails unless "tenant" holds an object), `strict` (a present, non-null value
+/// that its reading refuses fails the model: for records hosts decode from
+/// their own stored JSON).
 
 #include "websdk/json/Readings.hpp"
 #include "websdk/json/Record.hpp"
@@ -61,6 +64,7 @@ struct ModelRule {
   }
 };
 
+/// The rules a model declares with (WEBSDK_MODEL's second argument).
 namespace rules {
 inline constexpr ModelRule anyPayload{};
 inline constexpr ModelRule needsPayload{true, false, false, {}};
@@ -112,8 +116,8 @@ template <class T>
 using UnwrappedT = typename Unwrapped<T>::type;
 }  // namespace detail
 
-// The readings a field can be declared with. Each one knows its name in the
-// contract and reads a possibly absent value into the member's type `V`.
+/// The readings a field can be declared with. Each one knows its name in the
+/// contract and reads a possibly absent value into the member's type `V`.
 namespace reading {
 
 // A reading by the function of its name, shown in the contract as `kind`.

@@ -1,19 +1,22 @@
 #pragma once
-// Typed payloads: a tagged union with one case per action. The case tag, not
-// the type carried, says which case it is, because several cases may carry the
-// same model. A family declares its cases once:
-//
-//   WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, ..., clearCart)
-//   class WebSDKCartRequestPayload
-//       : public TaggedPayload<WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
-//                              Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>, ...> {
-//    public:
-//     using TaggedPayload::TaggedPayload;
-//     static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel&);
-//   };
-//
-// Cases not named in a Carries (or carrying void) carry nothing. A family's
-// typed payload is usually declared by its action table (ActionTable.hpp).
+/// @file
+/// Typed payloads: a tagged union with one case per action. The case tag, not
+/// the type carried, says which case it is, because several cases may carry the
+/// same model. A family declares its cases once:
+///
+/// ~~~{.cpp}
+///   WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, ..., clearCart)
+///   class WebSDKCartRequestPayload
+///       : public TaggedPayload<WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
+///                              Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>, ...> {
+///    public:
+///     using TaggedPayload::TaggedPayload;
+///     static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel&);
+///   };
+/// ~~~
+///
+/// Cases not named in a Carries (or carrying void) carry nothing. A family's
+/// typed payload is usually declared by its action table (ActionTable.hpp).
 
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"

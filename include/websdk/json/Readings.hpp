@@ -1,6 +1,7 @@
 #pragma once
-// The value readings every request model is decoded with. Each reading takes a
-// possibly absent value (nullptr = key absent) and never throws.
+/// @file
+/// The value readings every request model is decoded with. Each reading takes a
+/// possibly absent value (nullptr = key absent) and never throws.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

@@ -1,17 +1,20 @@
 #pragma once
-// Records: plain aggregates whose fields are listed once, with their names (and,
-// where the JSON key differs, their keys). Equality, JSON encoding and the
-// description used by logs and the inspector all come from that one list.
-//
-//   struct WebSDKApplyCouponRequestModel {
-//     std::optional<JSONObject> tenant;
-//     double cartValue = 0;
-//     ...
-//     WEBSDK_RECORD(WebSDKApplyCouponRequestModel, tenant, cartValue, ...)
-//   };
-//
-// Records encoded with keys other than their field names list (field, "key")
-// pairs instead: WEBSDK_KEYED_RECORD(OrbisData, (planId, "plan_id"), ...).
+/// @file
+/// Records: plain aggregates whose fields are listed once, with their names (and,
+/// where the JSON key differs, their keys). Equality, JSON encoding and the
+/// description used by logs and the inspector all come from that one list.
+///
+/// ~~~{.cpp}
+///   struct WebSDKApplyCouponRequestModel {
+///     std::optional<JSONObject> tenant;
+///     double cartValue = 0;
+///     ...
+///     WEBSDK_RECORD(WebSDKApplyCouponRequestModel, tenant, cartValue, ...)
+///   };
+/// ~~~
+///
+/// Records encoded with keys other than their field names list (field, "key")
+/// pairs instead: WEBSDK_KEYED_RECORD(OrbisData, (planId, "plan_id"), ...).
 
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"

@@ -1,10 +1,11 @@
 #pragma once
-// Pages the app serves itself, under a scheme and host of its own
-// (app://checkout/index.html), from a folder or from memory. An engine that
-// supports them (WebKitGTKConfiguration::localPages) answers their requests
-// with what `answer` says; the whitelist, loadWebView and the bridge treat
-// their host like any other, so the app's headers reach them only when the
-// whitelist names them ("app://checkout").
+/// @file
+/// Pages the app serves itself, under a scheme and host of its own
+/// (app://checkout/index.html), from a folder or from memory. An engine that
+/// supports them (WebKitGTKConfiguration::localPages) answers their requests
+/// with what `answer` says; the whitelist, loadWebView and the bridge treat
+/// their host like any other, so the app's headers reach them only when the
+/// whitelist names them ("app://checkout").
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"

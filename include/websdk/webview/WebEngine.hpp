@@ -1,7 +1,8 @@
 #pragma once
-// The port between WebSDKWebView and a web engine. The web view keeps every
-// rule of the bridge; an engine only translates these calls to its platform
-// (WebKitGTK in the real app, an in-memory recorder in tests).
+/// @file
+/// The port between WebSDKWebView and a web engine. The web view keeps every
+/// rule of the bridge; an engine only translates these calls to its platform
+/// (WebKitGTK in the real app, an in-memory recorder in tests).
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"

@@ -1,4 +1,6 @@
 #pragma once
+/// @file
+/// A web view's settings.
 
 #include "websdk/Export.hpp"
 

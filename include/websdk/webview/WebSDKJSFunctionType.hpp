@@ -1,10 +1,11 @@
 #pragma once
-// The events native code pushes to the page on its own initiative. Each case
-// is one row of a table: the page function it calls, how the call is guarded,
-// and how each argument is written; the call text and the contract tools'
-// page-function list both come from that row. Text arguments are spliced in
-// verbatim (nothing is escaped), so callers pass text without single quotes,
-// backslashes or line breaks.
+/// @file
+/// The events native code pushes to the page on its own initiative. Each case
+/// is one row of a table: the page function it calls, how the call is guarded,
+/// and how each argument is written; the call text and the contract tools'
+/// page-function list both come from that row. Text arguments are spliced in
+/// verbatim (nothing is escaped), so callers pass text without single quotes,
+/// backslashes or line breaks.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"

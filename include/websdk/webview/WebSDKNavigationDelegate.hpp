@@ -1,6 +1,7 @@
 #pragma once
-// The host's view of navigation: every event and policy question of the page's
-// engine, forwarded unchanged. The defaults allow everything.
+/// @file
+/// The host's view of navigation: every event and policy question of the page's
+/// engine, forwarded unchanged. The defaults allow everything.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"

@@ -1,4 +1,6 @@
 #pragma once
+/// @file
+/// The names of the request headers a host fills.
 
 #include "websdk/Export.hpp"
 

@@ -1,5 +1,6 @@
 #pragma once
-// The envelope every answer travels in, and the codes it carries.
+/// @file
+/// The envelope every answer travels in, and the codes it carries.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// A response payload as the send operations take it: any response model (a
-// record) or a dictionary of strings, rendered to JSON when the answer is sent.
+/// @file
+/// A response payload as the send operations take it: any response model (a
+/// record) or a dictionary of strings, rendered to JSON when the answer is sent.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"

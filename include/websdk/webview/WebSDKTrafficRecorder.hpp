@@ -1,7 +1,8 @@
 #pragma once
-// The traffic recorder: one JSON line per event a view's bridge sees, so a
-// failing session can be read, or replayed (websdk-inspect --replay), away
-// from the app. Masked by default; bounded by a size cap with one rotation.
+/// @file
+/// The traffic recorder: one JSON line per event a view's bridge sees, so a
+/// failing session can be read, or replayed (websdk-inspect --replay), away
+/// from the app. Masked by default; bounded by a size cap with one rotation.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"

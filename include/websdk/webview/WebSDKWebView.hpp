@@ -1,7 +1,8 @@
 #pragma once
-// The web view a host app places wherever a screen is a web page: it loads the
-// page with the app's headers (only to trusted hosts), carries the bridge, and
-// sends answers and events to the page.
+/// @file
+/// The web view a host app places wherever a screen is a web page: it loads the
+/// page with the app's headers (only to trusted hosts), carries the bridge, and
+/// sends answers and events to the page.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"

@@ -1,5 +1,6 @@
 #pragma once
-// The accounts family: profile refresh, mobile number verification and logout.
+/// @file
+/// The accounts family: profile refresh, mobile number verification and logout.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

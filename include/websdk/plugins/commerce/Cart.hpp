@@ -1,6 +1,7 @@
 #pragma once
-// The cart family: reading, updating, customising and clearing the local cart, and
-// applying coupons.
+/// @file
+/// The cart family: reading, updating, customising and clearing the local cart, and
+/// applying coupons.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

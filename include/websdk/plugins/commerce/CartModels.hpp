@@ -1,5 +1,6 @@
 #pragma once
-// The request models that the cart and the gifting cart families both carry.
+/// @file
+/// The request models that the cart and the gifting cart families both carry.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Model.hpp"

@@ -1,8 +1,9 @@
 #pragma once
-// The chat conversation family: a support page asks for unread-conversation
-// data or reports a conversation id. The payload is the action itself; what
-// the page sent (the conversation id, say) reaches the plugin untouched in the
-// request model's `payload`.
+/// @file
+/// The chat conversation family: a support page asks for unread-conversation
+/// data or reports a conversation id. The payload is the action itself; what
+/// the page sent (the conversation id, say) reaches the plugin untouched in the
+/// request model's `payload`.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

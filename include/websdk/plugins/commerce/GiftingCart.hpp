@@ -1,5 +1,6 @@
 #pragma once
-// The gifting cart family; it carries the cart's read and update models.
+/// @file
+/// The gifting cart family; it carries the cart's read and update models.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

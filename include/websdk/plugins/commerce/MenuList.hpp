@@ -1,6 +1,7 @@
 #pragma once
-// The menu list family: a restaurant menu page shares a collection, refreshes
-// the menu list for a story, or shows the menulet.
+/// @file
+/// The menu list family: a restaurant menu page shares a collection, refreshes
+/// the menu list for a story, or shows the menulet.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

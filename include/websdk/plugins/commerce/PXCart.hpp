@@ -1,5 +1,6 @@
 #pragma once
-// The PX cart family.
+/// @file
+/// The PX cart family.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// The restaurant empathy family: the data of a restaurant's personal message
-// after an order, and sharing a message on a social platform.
+/// @file
+/// The restaurant empathy family: the data of a restaurant's personal message
+/// after an order, and sharing a message on a social platform.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// The set recipient info family: a gifting page hands the host the
-// recipient's details and the gift flow.
+/// @file
+/// The set recipient info family: a gifting page hands the host the
+/// recipient's details and the gift flow.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,5 +1,6 @@
 #pragma once
-// The VR cart family.
+/// @file
+/// The VR cart family.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

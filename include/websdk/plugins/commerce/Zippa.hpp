@@ -1,6 +1,7 @@
 #pragma once
-// The Zippa family: image uploads, order proceeding, identity-document checks
-// and payment.
+/// @file
+/// The Zippa family: image uploads, order proceeding, identity-document checks
+/// and payment.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// Analytics events, files, quiz progress, the live order activity, remote
-// configuration, installed apps, group orders and feedback.
+/// @file
+/// Analytics events, files, quiz progress, the live order activity, remote
+/// configuration, installed apps, group orders and feedback.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"

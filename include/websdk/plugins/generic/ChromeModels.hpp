@@ -1,8 +1,9 @@
 #pragma once
-// Requests with which a page drives the native chrome around it: dialogs, the
-// native header, status bar, bottom bar, back-swipe, scrolling, the search
-// bar, vibration, sharing, the clipboard, key-value storage and screen-capture
-// protection.
+/// @file
+/// Requests with which a page drives the native chrome around it: dialogs, the
+/// native header, status bar, bottom bar, back-swipe, scrolling, the search
+/// bar, vibration, sharing, the clipboard, key-value storage and screen-capture
+/// protection.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// The generic family: its 74 actions, the small requests they carry, and the
-// typed payload a page's request decodes to.
+/// @file
+/// The generic family: its 74 actions, the small requests they carry, and the
+/// typed payload a page's request decodes to.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// Locations, addresses and device data: what a page sends about a place, and
-// how the host answers questions about location, address, user and device.
+/// @file
+/// Locations, addresses and device data: what a page sends about a place, and
+/// how the host answers questions about location, address, user and device.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

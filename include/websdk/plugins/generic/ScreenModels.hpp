@@ -1,8 +1,9 @@
 #pragma once
-// Requests with which a page moves the user: to a native screen or a deep
-// link, to another web page or the external browser, out of the web view,
-// to a refreshed menu, to a further web view that shares data, to another
-// bottom-bar tab, or to a new delivery location followed by a deep link.
+/// @file
+/// Requests with which a page moves the user: to a native screen or a deep
+/// link, to another web page or the external browser, out of the web view,
+/// to a refreshed menu, to a further web view that shares data, to another
+/// bottom-bar tab, or to a new delivery location followed by a deep link.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"

@@ -1,9 +1,10 @@
 #pragma once
-// One-click card payments: which saved cards are eligible, and de-enrolling or
-// deleting a card. The card records are decoded strictly, as a keyed record
-// decoder would: every required member must be there with exactly its JSON
-// type (a number sent as text is refused), optional members may be missing or
-// null, and members the record does not know are ignored.
+/// @file
+/// One-click card payments: which saved cards are eligible, and de-enrolling or
+/// deleting a card. The card records are decoded strictly, as a keyed record
+/// decoder would: every required member must be there with exactly its JSON
+/// type (a number sent as text is refused), optional members may be missing or
+/// null, and members the record does not know are ignored.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Model.hpp"

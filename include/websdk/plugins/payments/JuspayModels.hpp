@@ -1,7 +1,8 @@
 #pragma once
-// What a checkout page asks of the host's Juspay SDK: initialisation, net
-// banking, new and saved cards, the CRED wallet, UPI intent apps and the in-app
-// UPI flows. Amounts and card data stay the strings the page sent.
+/// @file
+/// What a checkout page asks of the host's Juspay SDK: initialisation, net
+/// banking, new and saved cards, the CRED wallet, UPI intent apps and the in-app
+/// UPI flows. Amounts and card data stay the strings the page sent.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Model.hpp"

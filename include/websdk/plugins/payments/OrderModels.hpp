@@ -1,6 +1,7 @@
 #pragma once
-// Order and transaction events the checkout page reports, and the host's
-// answers about the checkout and about Juspay and UPI.
+/// @file
+/// Order and transaction events the checkout page reports, and the host's
+/// answers about the checkout and about Juspay and UPI.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Model.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// The payments family: the checkout and payment actions a page may send, and
-// their decoding into typed payloads for the host's payments plugin.
+/// @file
+/// The payments family: the checkout and payment actions a page may send, and
+/// their decoding into typed payloads for the host's payments plugin.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"

@@ -1,6 +1,7 @@
 #pragma once
-// Amazon Pay, linked wallets and CRED eligibility: what the page asks and what
-// the host answers.
+/// @file
+/// Amazon Pay, linked wallets and CRED eligibility: what the page asks and what
+/// the host answers.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Model.hpp"

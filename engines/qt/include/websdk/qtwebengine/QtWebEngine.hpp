@@ -1,15 +1,18 @@
 #pragma once
-// The Qt WebEngine engine behind WebSDKWebView (Qt 6 Widgets). This header
-// includes no Qt header: a host that places the view in its own window
-// includes websdk/qtwebengine/Native.hpp and asks for the widget.
-//
-//   websdk::qtwebengine::initialize(argc, argv);   // before any other Qt object
-//   auto engine = std::make_unique<websdk::qtwebengine::QtWebEngine>();
-//   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
-//   layout->addWidget(websdk::qtwebengine::widget(view->engine()));
-//
-// Pages do not change: they post to window.webkit.messageHandlers.<name> and
-// receive nativeResponse(...) as they do under WebKit.
+/// @file
+/// The Qt WebEngine engine behind WebSDKWebView (Qt 6 Widgets). This header
+/// includes no Qt header: a host that places the view in its own window
+/// includes websdk/qtwebengine/Native.hpp and asks for the widget.
+///
+/// ~~~{.cpp}
+///   websdk::qtwebengine::initialize(argc, argv);   // before any other Qt object
+///   auto engine = std::make_unique<websdk::qtwebengine::QtWebEngine>();
+///   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
+///   layout->addWidget(websdk::qtwebengine::widget(view->engine()));
+/// ~~~
+///
+/// Pages do not change: they post to window.webkit.messageHandlers.<name> and
+/// receive nativeResponse(...) as they do under WebKit.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/LocalPages.hpp"
@@ -24,6 +27,7 @@
 #include <thread>
 #include <vector>
 
+/// The Qt WebEngine engine and what a host needs to start it.
 namespace websdk::qtwebengine {
 
 /// Makes the process's QApplication (unless the host made one already) on the

@@ -1,9 +1,10 @@
 #pragma once
-// One host object that serves all twelve families, and the wiring that
-// registers it for each of them. Every delivery goes to `onRequest` with the
-// family's name, the action string, the request id and the typed payload's
-// description, so tests, fuzzers and tools can record, answer or release as
-// they need.
+/// @file
+/// One host object that serves all twelve families, and the wiring that
+/// registers it for each of them. Every delivery goes to `onRequest` with the
+/// family's name, the action string, the request id and the typed payload's
+/// description, so tests, fuzzers and tools can record, answer or release as
+/// they need.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/Families.hpp"

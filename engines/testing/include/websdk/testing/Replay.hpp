@@ -1,8 +1,9 @@
 #pragma once
-// Replays a traffic recording (WebSDKConfig::recording) through the bridge
-// over the in-memory engine: each recorded request is posted again from its
-// page, and what becomes of it now (its family, outcome, status and what the
-// plugin receives) is held against what was recorded.
+/// @file
+/// Replays a traffic recording (WebSDKConfig::recording) through the bridge
+/// over the in-memory engine: each recorded request is posted again from its
+/// page, and what becomes of it now (its family, outcome, status and what the
+/// plugin receives) is held against what was recorded.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"

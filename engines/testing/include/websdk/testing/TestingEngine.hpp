@@ -1,7 +1,8 @@
 #pragma once
-// An in-memory engine for unit tests of the WebSDK and of host plugins: it
-// records every load, script and setting, lets a test post script messages as
-// a page would, and runs the main queue only when the test drains it.
+/// @file
+/// An in-memory engine for unit tests of the WebSDK and of host plugins: it
+/// records every load, script and setting, lets a test post script messages as
+/// a page would, and runs the main queue only when the test drains it.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
@@ -17,6 +18,7 @@
 #include <string>
 #include <vector>
 
+/// The in-memory engine and the helpers for unit tests of host plugins.
 namespace websdk::testing {
 
 /// A main queue that runs nothing until drained, on a clock that moves only

@@ -17,9 +17,12 @@ namespace websdk {
 
 template <RawEnum Action>
 struct WebSDKBridgeRequest {
+  /// The fields, written under JSON keys of their names; an empty optional is left out.
+  ///@{
   Action type{};
   std::string requestId;
   std::optional<JSONObject> payload;
+  ///@}
 
   /// The request of this family in `requestText`, or nothing when the text is
   /// not JSON, its "type" is not one of this family's actions, or its

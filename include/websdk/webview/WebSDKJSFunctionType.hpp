@@ -22,41 +22,56 @@ namespace websdk {
 /// What each case carries, as the page function receives it.
 namespace jsfunction {
 struct WEBSDK_EXPORT KeyboardState {
+  /// The fields, written under JSON keys of their names.
+  ///@{
   bool visible = false;
   double height = 0;
+  ///@}
   WEBSDK_RECORD(KeyboardState, visible, height)
 };
 struct WEBSDK_EXPORT ScreenVisibility {
+  /// Written under the JSON key of its name.
   bool isVisible = false;
   WEBSDK_RECORD(ScreenVisibility, isVisible)
 };
 struct WEBSDK_EXPORT Deeplink {
+  /// Written under the JSON key of its name.
   std::string url;
   WEBSDK_RECORD(Deeplink, url)
 };
 struct WEBSDK_EXPORT UserState {
+  /// Written under the JSON key of its name.
   bool loggedin = false;
   WEBSDK_RECORD(UserState, loggedin)
 };
 struct WEBSDK_EXPORT PayloadData {
+  /// Written under the JSON key of its name.
   std::string payloadData;
   WEBSDK_RECORD(PayloadData, payloadData)
 };
 struct WEBSDK_EXPORT SearchQuery {
+  /// Written under the JSON key of its name.
   std::string query;
   WEBSDK_RECORD(SearchQuery, query)
 };
 struct WEBSDK_EXPORT MenuListInteraction {
+  /// The fields, written under JSON keys of their names.
+  ///@{
   bool playVideo = false;
   bool menuClick = false;
+  ///@}
   WEBSDK_RECORD(MenuListInteraction, playVideo, menuClick)
 };
 struct WEBSDK_EXPORT PXSearchAction {
+  /// The fields, written under JSON keys of their names.
+  ///@{
   std::string query;
   std::string type;
+  ///@}
   WEBSDK_RECORD(PXSearchAction, query, type)
 };
 struct WEBSDK_EXPORT ScratchCardsData {
+  /// Written under the JSON key of its name.
   std::string cardData;
   WEBSDK_RECORD(ScratchCardsData, cardData)
 };

@@ -40,9 +40,12 @@ constexpr std::optional<WebSDKStatusCode> statusCodeFromRawValue(std::int64_t ra
 /// The answer to one request, as the page's `nativeResponse` receives it.
 struct WEBSDK_EXPORT WebSDKResponseModel {
   std::string type;  // "SUCCESS" or "FAILED"
+  /// The fields, written under JSON keys of their names; an empty optional is left out.
+  ///@{
   std::int64_t statusCode = 0;
   std::optional<std::string> statusMessage;
   std::string requestId;
+  ///@}
   std::optional<std::string> payload;  // already serialised; the page parses it again
 
   WEBSDK_RECORD(WebSDKResponseModel, type, statusCode, statusMessage, requestId, payload)

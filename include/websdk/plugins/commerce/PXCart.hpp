@@ -14,6 +14,7 @@ namespace websdk {
 
 /// `data` from {"payload": {"data": {...}}} inside the payload; never fails.
 struct WEBSDK_EXPORT WebSDKUpdatePXCartRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<JSONObject> data;
 
   WEBSDK_MODEL(WebSDKUpdatePXCartRequestModel, anyPayload, (data, object, "payload.data"))
@@ -21,6 +22,7 @@ struct WEBSDK_EXPORT WebSDKUpdatePXCartRequestModel {
 
 /// The whole payload dictionary as received; never fails.
 struct WEBSDK_EXPORT WebSDKUpdatePXCartV2RequestModel {
+  /// The whole payload, as received.
   std::optional<JSONObject> data;
 
   WEBSDK_MODEL(WebSDKUpdatePXCartV2RequestModel, anyPayload, (data, wholePayload))
@@ -28,6 +30,7 @@ struct WEBSDK_EXPORT WebSDKUpdatePXCartV2RequestModel {
 
 /// The payload's "data" value as it stands; never fails.
 struct WEBSDK_EXPORT WebSDKPXSharedPreferenceRequestModel {
+  /// Read from the JSON key "data".
   std::optional<JSON> sharedDict;
 
   WEBSDK_MODEL(WebSDKPXSharedPreferenceRequestModel, anyPayload, (sharedDict, raw, "data"))

@@ -17,11 +17,14 @@ namespace websdk {
 /// fails. A missing `message` or `title` stays absent, while a missing
 /// `platform`, `url` or `image` reads as "", so a host can tell the two apart.
 struct WEBSDK_EXPORT WebSDKShareSocialMediaResponseModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::string> message;
   std::optional<std::string> title;
   std::optional<std::string> platform;
   std::optional<std::string> url;
   std::optional<std::string> image;
+  ///@}
 
   WEBSDK_MODEL(WebSDKShareSocialMediaResponseModel, anyPayload, (message, strictString), (title, strictString),
                (platform, strictString, orEmpty), (url, strictString, orEmpty), (image, strictString, orEmpty))

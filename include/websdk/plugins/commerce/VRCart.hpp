@@ -14,6 +14,7 @@ namespace websdk {
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKGetVRCartRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::string> flowType;
 
   WEBSDK_MODEL(WebSDKGetVRCartRequestModel, needsPayload, (flowType, strictString))
@@ -21,6 +22,7 @@ struct WEBSDK_EXPORT WebSDKGetVRCartRequestModel {
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKClearVRCartRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::string> flowType;
 
   WEBSDK_MODEL(WebSDKClearVRCartRequestModel, needsPayload, (flowType, strictString))
@@ -28,12 +30,15 @@ struct WEBSDK_EXPORT WebSDKClearVRCartRequestModel {
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKUpdateVRCartRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<JSONArray> items;
   std::optional<JSON> cartMetaData;
   std::optional<JSON> location;
   std::optional<std::string> cartType;
   std::optional<std::string> flowType;
   bool forceRefresh = false;
+  ///@}
 
   WEBSDK_MODEL(WebSDKUpdateVRCartRequestModel, needsPayload, (items, array), (cartMetaData, raw), (location, raw),
                (cartType, strictString), (flowType, strictString), (forceRefresh, strictBool))

@@ -80,8 +80,11 @@ inline bool openable(NavigationType type, const std::string& link) {
 /// A native screen or a deep link. Fails unless "type" names a navigation
 /// type and "link" is a string; a screen link must name a `ScreenType`.
 struct WEBSDK_EXPORT DeeplinkModel {
+  /// The fields, read from the JSON keys of their names. `type` and `link` are required.
+  ///@{
   NavigationType type{};
   std::string link;
+  ///@}
 
   bool isValid() const { return openable(type, link); }
   WEBSDK_MODEL(DeeplinkModel, anyPayload, (type, enumeration, required), (link, strictString, required))
@@ -89,11 +92,14 @@ struct WEBSDK_EXPORT DeeplinkModel {
 
 /// Fails on an empty payload and wherever `DeeplinkModel` fails.
 struct WEBSDK_EXPORT WebSDKNavigationToScreenRequestModel {
+  /// The fields, read from the JSON keys of their names. `type` and `link` are required.
+  ///@{
   NavigationType type{};
   std::string link;
   std::optional<std::map<std::string, std::string>> httpHeaders;
   std::optional<NavigationScreenParam> params;
   std::optional<JSONArray> analyticsFunnel;
+  ///@}
 
   bool isValid() const { return openable(type, link); }
   WEBSDK_MODEL(WebSDKNavigationToScreenRequestModel, needsEntries, (type, enumeration, required),
@@ -116,6 +122,8 @@ struct WEBSDK_EXPORT WebSDKSetLocationWithDeeplinkRequestModel {
 /// Opens another web page. Fails unless "url" is a string; the other strings
 /// default to "", the booleans count only as JSON bools.
 struct WEBSDK_EXPORT WebSDKWebNavigateRequestModel {
+  /// The fields, read from the JSON keys of their names. `url` is required.
+  ///@{
   std::string url;
   bool openAsExternal = false;
   bool showLoader = false;
@@ -124,6 +132,7 @@ struct WEBSDK_EXPORT WebSDKWebNavigateRequestModel {
   std::optional<std::map<std::string, std::string>> headers;
   std::string title;
   bool openAsExternalWithBridgeSupport = false;
+  ///@}
 
   WEBSDK_MODEL(WebSDKWebNavigateRequestModel, anyPayload, (url, strictString, required), (openAsExternal, strictBool),
                (showLoader, strictBool), (showBack, strictBool), (callbackUrl, strictString), (headers, stringMap),
@@ -132,6 +141,7 @@ struct WEBSDK_EXPORT WebSDKWebNavigateRequestModel {
 
 /// `url` read leniently ("" when missing). Never fails.
 struct WEBSDK_EXPORT WebSDKLaunchBrowserRequestModel {
+  /// Read from the JSON key of its name.
   std::string url;
 
   WEBSDK_MODEL(WebSDKLaunchBrowserRequestModel, anyPayload, (url, lenientString))
@@ -139,14 +149,18 @@ struct WEBSDK_EXPORT WebSDKLaunchBrowserRequestModel {
 
 /// Fails on an empty payload or without "link" (read leniently).
 struct WEBSDK_EXPORT WebSDKOpenOrbisV2RequestModel {
+  /// The fields, read from the JSON keys of their names. `link` is required.
+  ///@{
   std::string link;
   std::optional<double> lastMile;
+  ///@}
 
   WEBSDK_MODEL(WebSDKOpenOrbisV2RequestModel, anyPayload, (link, lenientString, required), (lastMile, number))
 };
 
 /// Fails unless "link" reads (leniently) as non-empty text.
 struct WEBSDK_EXPORT WebSDKOpenOrbisV3RequestModel {
+  /// Read from the JSON key of its name.; required.
   std::string link;
 
   bool isValid() const { return !link.empty(); }
@@ -182,6 +196,7 @@ struct WEBSDK_EXPORT CloseWebViewParams {
 
 /// Never fails; `params` is absent when "params" is missing or JSON null.
 struct WEBSDK_EXPORT WebSDKCloseWebviewWithParamsModel {
+  /// Read from the JSON key of its name.
   std::optional<CloseWebViewParams> params;
 
   WEBSDK_MODEL(WebSDKCloseWebviewWithParamsModel, anyPayload, (params, model, ifGiven))
@@ -199,6 +214,7 @@ constexpr auto rawValues(RefreshScreenType) {
 
 /// Never fails; `restaurantId` only when it is a string.
 struct WEBSDK_EXPORT RefreshScreenParam {
+  /// Read from the JSON key of its name.
   std::optional<std::string> restaurantId;
 
   WEBSDK_MODEL(RefreshScreenParam, anyPayload, (restaurantId, strictString))
@@ -207,9 +223,12 @@ struct WEBSDK_EXPORT RefreshScreenParam {
 /// Only the menu screen can be refreshed: fails unless "type" is "screen" and
 /// "link" is "menu".
 struct WEBSDK_EXPORT WebSDKRefreshScreenRequestModel {
+  /// The fields, read from the JSON keys of their names. `type` and `link` are required.
+  ///@{
   RefreshType type{};
   RefreshScreenType link{};
   std::optional<RefreshScreenParam> params;
+  ///@}
 
   WEBSDK_MODEL(WebSDKRefreshScreenRequestModel, anyPayload, (type, enumeration, required),
                (link, enumeration, required), (params, model, ifGiven))
@@ -219,17 +238,23 @@ struct WEBSDK_EXPORT WebSDKRefreshScreenRequestModel {
 
 /// Never fails; both strings "" unless given as strings.
 struct WEBSDK_EXPORT WebSDKOpenWebViewAndSyncDataRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::string source;
   std::string link;
+  ///@}
 
   WEBSDK_MODEL(WebSDKOpenWebViewAndSyncDataRequestModel, anyPayload, (source, strictString), (link, strictString))
 };
 
 /// Never fails. `closeOnly` only as a JSON bool, `data` only as an object.
 struct WEBSDK_EXPORT WebSDKCloseWebViewAndSyncDataRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::string source;
   std::optional<bool> closeOnly;
   std::optional<JSONObject> data;
+  ///@}
 
   WEBSDK_MODEL(WebSDKCloseWebViewAndSyncDataRequestModel, anyPayload, (source, strictString), (closeOnly, strictBool),
                (data, object))
@@ -240,8 +265,11 @@ struct WEBSDK_EXPORT WebSDKCloseWebViewAndSyncDataRequestModel {
 /// Fails unless "tabIdentifier" is a string. Pages cannot pass tab
 /// parameters: `params` is always an empty map.
 struct WEBSDK_EXPORT WebSDKSwitchBottomBarModel {
+  /// The fields, read from the JSON keys of their names (`params` from none). `tabIdentifier` is required.
+  ///@{
   std::optional<std::string> tabIdentifier;
   std::optional<JSONObject> params = JSONObject{};
+  ///@}
 
   WEBSDK_MODEL(WebSDKSwitchBottomBarModel, anyPayload, (tabIdentifier, strictString, required), (params, unread))
 };
@@ -249,6 +277,7 @@ struct WEBSDK_EXPORT WebSDKSwitchBottomBarModel {
 /// `height` read leniently ("" when missing). Never fails. The host holds it
 /// by shared reference.
 struct WEBSDK_EXPORT WebSDKGetHalfCardHeightRequestModel {
+  /// Read from the JSON key of its name.
   std::string height;
 
   WEBSDK_MODEL(WebSDKGetHalfCardHeightRequestModel, anyPayload, (height, lenientString))

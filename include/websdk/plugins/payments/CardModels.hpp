@@ -46,9 +46,13 @@ constexpr auto rawValues(ManageCardAction) {
 }
 
 struct WEBSDK_EXPORT CardDetail {
+  /// The fields, read from the JSON keys of their names. `cardBin`, `cardFingerPrint` and `maskedCardNumber` are
+  /// required. `cardFingerPrint` is the user's own, masked in recordings.
+  ///@{
   std::string cardBin;
   std::string cardFingerPrint;
   std::string maskedCardNumber;
+  ///@}
 
   /// Strict: all three members required.
   WEBSDK_MODEL(CardDetail, needsPayload | strict, (cardBin, strictString, required),
@@ -59,9 +63,13 @@ struct WEBSDK_EXPORT CardDetail {
 /// `ManageCardAction` string and "cardDetail" decodes strictly; a missing
 /// "juspayClientAuthToken" is "".
 struct WEBSDK_EXPORT WebSDKOneClickManageCardRequestModel {
+  /// The fields, read from the JSON keys of their names. `action` and `cardDetail` are required.
+  /// `juspayClientAuthToken` is the user's own, masked in recordings.
+  ///@{
   ManageCardAction action{};
   CardDetail cardDetail;
   std::string juspayClientAuthToken;
+  ///@}
 
   WEBSDK_MODEL(WebSDKOneClickManageCardRequestModel, anyPayload, (action, enumeration, required),
                (cardDetail, model, required), (juspayClientAuthToken, strictString, sensitive))
@@ -116,15 +124,19 @@ struct WEBSDK_EXPORT WebSDKGetOneClickCardEligibilityResponseModel {
 };
 
 struct WEBSDK_EXPORT WebSDKOneClickDeEnrollResponseModel {
+  /// Read from the JSON key of its name.; required.
   bool isDeEnrolled = false;
 
   WEBSDK_MODEL(WebSDKOneClickDeEnrollResponseModel, needsPayload | strict, (isDeEnrolled, strictBool, required))
 };
 
 struct WEBSDK_EXPORT WebSDKOneClickDeleteResponseModel {
+  /// The fields, read from the JSON keys of their names. `isDeleted`, `errorMessage` and `errorCode` are required.
+  ///@{
   bool isDeleted = false;
   std::string errorMessage{};
   std::string errorCode{};
+  ///@}
 
   WEBSDK_MODEL(WebSDKOneClickDeleteResponseModel, needsPayload | strict, (isDeleted, strictBool, required),
                (errorMessage, strictString, required), (errorCode, strictString, required))

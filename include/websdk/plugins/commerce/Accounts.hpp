@@ -14,7 +14,7 @@ namespace websdk {
 
 /// Never fails: a missing or non-string "number" gives "".
 struct WEBSDK_EXPORT WebSDKVerifyMobileRequestModel {
-  /// Read from the JSON key of its name.; the user's own, masked in recordings.
+  /// Read from the JSON key of its name; the user's own, masked in recordings.
   std::string number;
 
   WEBSDK_MODEL(WebSDKVerifyMobileRequestModel, anyPayload, (number, strictString, sensitive))
@@ -37,6 +37,7 @@ WEBSDK_ACTIONS(WebSDKAccountsAction, WebSDKAccountsRequestPayload,
                (verifyMobileNo, "VERIFY_MOBILE_NUMBER", verifyMobileNo, WebSDKVerifyMobileRequestModel),
                (logout, "LOGOUT", logout, WebSDKAccountLogoutRequestModel))
 
+/// A request of the accounts family: its action, the page's request id and the raw payload.
 using WebSDKAccountsRequestModel = WebSDKBridgeRequest<WebSDKAccountsAction>;
 
 }  // namespace websdk

@@ -49,6 +49,7 @@ WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
                (applyCoupon, "APPLY_COUPON", applyCoupon, WebSDKApplyCouponRequestModel),
                (switchToNativeCart, "SWITCH_TO_NATIVE_CART", switchToNativeCart))
 
+/// A request of the cart family: its action, the page's request id and the raw payload.
 using WebSDKCartRequestModel = WebSDKBridgeRequest<WebSDKCartAction>;
 
 }  // namespace websdk

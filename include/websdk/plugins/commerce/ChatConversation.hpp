@@ -20,6 +20,7 @@ WEBSDK_ACTIONS(WebSDKChatConversationAction, WebSDKChatConversationRequestPayloa
                 getSupportUnreadConversationData),
                (updateConversationId, "UPDATE_CONVERSATION_ID", updateConversationId))
 
+/// A request of the chat conversation family: its action, the page's request id and the raw payload.
 using WebSDKChatConversationRequestModel = WebSDKBridgeRequest<WebSDKChatConversationAction>;
 
 }  // namespace websdk

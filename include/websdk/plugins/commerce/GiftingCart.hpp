@@ -18,6 +18,7 @@ WEBSDK_ACTIONS(WebSDKGiftingCartAction, WebSDKGiftingCartRequestPayload,
                (updateGiftingCart, "UPDATE_GIFTING_LOCAL_CART", updateGiftingCart, WebSDKUpdateCartRequestModel),
                (clearGiftingCart, "CLEAR_GIFTING_LOCAL_CART", clearGiftingCart))
 
+/// A request of the gifting cart family: its action, the page's request id and the raw payload.
 using WebSDKGiftingCartRequestModel = WebSDKBridgeRequest<WebSDKGiftingCartAction>;
 
 }  // namespace websdk

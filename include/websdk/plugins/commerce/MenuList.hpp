@@ -49,6 +49,7 @@ WEBSDK_ACTIONS(WebSDKMenuListAction, WebSDKMenuListPayload,
                (updateMenuList, "UPDATE_MENU_ITEM_LIST", updateMenuList, WebSDKUpdateMenuListRequestModel),
                (showMenulet, "SHOW_MENULET", showMenulet, WebSDKShowMenuletRequestModel))
 
+/// A request of the menu list family: its action, the page's request id and the raw payload.
 using WebSDKMenuListRequestModel = WebSDKBridgeRequest<WebSDKMenuListAction>;
 
 }  // namespace websdk

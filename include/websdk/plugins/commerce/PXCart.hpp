@@ -43,6 +43,7 @@ WEBSDK_ACTIONS(WebSDKPXCartAction, WebSDKPXCartRequestPayload, (getPXCart, "PX_G
                (pxSharedPreference, "UPDATE_PX_SHARED_PREFERENCE", sharedPreference,
                 WebSDKPXSharedPreferenceRequestModel))
 
+/// A request of the PX cart family: its action, the page's request id and the raw payload.
 using WebSDKPXCartRequestModel = WebSDKBridgeRequest<WebSDKPXCartAction>;
 
 }  // namespace websdk

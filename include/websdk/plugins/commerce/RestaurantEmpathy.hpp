@@ -33,12 +33,16 @@ struct WEBSDK_EXPORT WebSDKShareSocialMediaResponseModel {
 /// The data of a restaurant's message, for hosts to build and send (the
 /// WebSDK never builds one itself). Encoded with its field names.
 struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
+  /// What the message's share button shares.
   struct ShareMessage {
+    /// The fields, read from the JSON keys of their names. `buttonText` and `header` are required.
+    ///@{
     std::string buttonText;
     std::string header;
     std::optional<std::string> message;
     std::optional<std::string> title;
     std::optional<std::string> url;
+    ///@}
 
     /// Nothing unless "buttonText" and "header" are strings and each optional
     /// key is a string, null or missing.
@@ -46,6 +50,9 @@ struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
                  (header, strictString, required), (message, strictString), (title, strictString), (url, strictString))
   };
 
+  /// The fields, read from the JSON keys of their names. `imageId`, `header`, `message`, `share`, `userName`,
+  /// `restaurantName` and `orderId` are required.
+  ///@{
   std::string imageId;
   std::string header;
   std::string message;
@@ -53,6 +60,7 @@ struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
   std::string userName;
   std::string restaurantName;
   std::string orderId;
+  ///@}
 
   /// Nothing unless every key is present with its type ("share" a valid
   /// ShareMessage object).
@@ -67,6 +75,7 @@ WEBSDK_ACTIONS(WebSDKRestaurantEmpathyAction, WebSDKRestaurantEmpathyRequestPayl
                (shareSocialMediaMessage, "SHARE_ON_SOCIAL_MEDIA", shareSocialMediaMessage,
                 WebSDKShareSocialMediaResponseModel))
 
+/// A request of the restaurant empathy family: its action, the page's request id and the raw payload.
 using WebSDKRestaurantEmpathyRequestModel = WebSDKBridgeRequest<WebSDKRestaurantEmpathyAction>;
 
 }  // namespace websdk

@@ -44,6 +44,7 @@ struct WEBSDK_EXPORT WebSDKRecipientInfoUserFlowResponseModel {
 WEBSDK_ACTIONS(WebSDKSetRecipientInfoAction, WebSDKSetRecipientInfoRequestPayload,
                (SetRecipientInfo, "SET_RECIPIENT_INFO", SetRecipientInfo, WebSDKRecipientInfoUserFlowResponseModel))
 
+/// A request of the recipient info family: its action, the page's request id and the raw payload.
 using WebSDKSetRecipientInfoRequestModel = WebSDKBridgeRequest<WebSDKSetRecipientInfoAction>;
 
 }  // namespace websdk

@@ -49,6 +49,7 @@ WEBSDK_ACTIONS(WebSDKVRCartAction, WebSDKVRCartRequestPayload,
                (updateVRCart, "VERANDO_UPDATE_LOCAL_CART", updateVRCart, WebSDKUpdateVRCartRequestModel),
                (clearVRCart, "VERANDO_CLEAR_LOCAL_CART", clearVRCart, WebSDKClearVRCartRequestModel))
 
+/// A request of the VR cart family: its action, the page's request id and the raw payload.
 using WebSDKVRCartRequestModel = WebSDKBridgeRequest<WebSDKVRCartAction>;
 
 }  // namespace websdk

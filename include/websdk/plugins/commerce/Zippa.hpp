@@ -38,7 +38,7 @@ struct WEBSDK_EXPORT WebSDKGoogleImageUploadRequestModel {
 
 /// Fails without a string "orderId".
 struct WEBSDK_EXPORT WebSDKProceedOrderRequestModel {
-  /// Read from the JSON key of its name.; required.
+  /// Read from the JSON key of its name; required.
   std::string orderId;
 
   WEBSDK_MODEL(WebSDKProceedOrderRequestModel, anyPayload, (orderId, strictString, required))
@@ -74,6 +74,7 @@ WEBSDK_ACTIONS(WebSDKZippaAction, WebSDKZippaRequestPayload,
                (kycInit, "KYC_INIT", kycInit, WebSDKKycInitRequestModel),
                (makeZippaPayment, "MAKE_ZIPPA_PAYMENT", makeZippaPayment, WebSDKMakeZippaPaymentRequestModel))
 
+/// A request of the Zippa family: its action, the page's request id and the raw payload.
 using WebSDKZippaRequestModel = WebSDKBridgeRequest<WebSDKZippaAction>;
 
 }  // namespace websdk

@@ -40,6 +40,7 @@ struct WEBSDK_EXPORT WebSDKSendClevertapEventRequestModel {
                (eventParams, object, "params"))
 };
 
+/// Whether an event is capped in frequency, and how.
 struct WEBSDK_EXPORT FrequencyCapping {
   /// The fields, read from the JSON keys of their names.
   ///@{

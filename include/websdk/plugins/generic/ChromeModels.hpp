@@ -19,6 +19,7 @@ namespace websdk {
 
 // ---- Dialogs ---------------------------------------------------------------
 
+/// A dialog button's style.
 enum class ButtonType { primary, secondary };
 constexpr auto rawValues(ButtonType) {
   using enum ButtonType;
@@ -68,6 +69,7 @@ struct WEBSDK_EXPORT WebSDKDialogConfirmRequestModel {
 
 // ---- Native header -----------------------------------------------------------
 
+/// Where the native header's title sits.
 enum class Alignment { left, right, center };
 constexpr auto rawValues(Alignment) {
   using enum Alignment;
@@ -110,6 +112,8 @@ struct WEBSDK_EXPORT WebSDKShowHeaderModel {
 
 // ---- Storage -----------------------------------------------------------------
 
+/// What a storage request does: read, save or delete an entry, or clear them
+/// all ("delete" is a C++ keyword, so that case is `delete_`).
 enum class StorageMethodType { get, save, delete_, clean };
 constexpr auto rawValues(StorageMethodType) {
   using enum StorageMethodType;
@@ -208,7 +212,7 @@ struct WEBSDK_EXPORT WebSDKVoiceSearchRequestModel {
 /// Fails unless "screenCapturingDisabled" is a JSON bool: turning capture
 /// protection on or off is never guessed from other values.
 struct WEBSDK_EXPORT WebSDKScreenCapturingRequestModel {
-  /// Read from the JSON key "screenCapturingDisabled".; required.
+  /// Read from the JSON key "screenCapturingDisabled"; required.
   bool isScreenCapturingDisabled = false;
 
   WEBSDK_MODEL(WebSDKScreenCapturingRequestModel, anyPayload,

@@ -149,6 +149,7 @@ WEBSDK_ACTIONS(
     (getHalfCardHeight, "GET_WEBVIEW_HALFCARD_HEIGHT", getHalfCardHeight,
      std::shared_ptr<const WebSDKGetHalfCardHeightRequestModel>))
 
+/// A request of the generic family: its action, the page's request id and the raw payload.
 using WebSDKGenericRequestModel = WebSDKBridgeRequest<WebSDKGenericAction>;
 
 }  // namespace websdk

@@ -142,6 +142,7 @@ struct WEBSDK_EXPORT WebSDKGetGPSLocationRequestModel {
 
 // ---- Response models -------------------------------------------------------
 
+/// The device's details: memory, OS version, battery, network and model.
 struct WEBSDK_EXPORT WebSDKDeviceDetailsResponseModel {
   /// The fields, written under JSON keys of their names.
   ///@{
@@ -153,6 +154,7 @@ struct WEBSDK_EXPORT WebSDKDeviceDetailsResponseModel {
   std::string deviceModel;
   ///@}
 
+  /// The model of these values, in field order.
   static WebSDKDeviceDetailsResponseModel make(std::string memory, std::string osversion, std::string battery,
                                                std::string networkType, std::string connectionQuality,
                                                std::string deviceModel);
@@ -160,6 +162,7 @@ struct WEBSDK_EXPORT WebSDKDeviceDetailsResponseModel {
                 deviceModel)
 };
 
+/// The answer to "GET_LOCATION": the device's position.
 struct WEBSDK_EXPORT WebSDKGetLocationResponseModel {
   /// The fields, written under JSON keys of their names.
   ///@{
@@ -170,6 +173,7 @@ struct WEBSDK_EXPORT WebSDKGetLocationResponseModel {
   WEBSDK_RECORD(WebSDKGetLocationResponseModel, latitude, longitude)
 };
 
+/// The answer to "GET_CURRENT_ADDRESS": the delivery address as text.
 struct WEBSDK_EXPORT WebSDKGetCurrentAddressResponseModel {
   /// Written under the JSON key of its name.
   std::string currentAddress;
@@ -177,6 +181,7 @@ struct WEBSDK_EXPORT WebSDKGetCurrentAddressResponseModel {
   WEBSDK_RECORD(WebSDKGetCurrentAddressResponseModel, currentAddress)
 };
 
+/// One address of a sorted list, by its id.
 struct WEBSDK_EXPORT AddressMetadataResponse {
   /// Written under the JSON key of its name.
   std::string addressId;
@@ -184,6 +189,7 @@ struct WEBSDK_EXPORT AddressMetadataResponse {
   WEBSDK_RECORD(AddressMetadataResponse, addressId)
 };
 
+/// The answer to "GET_SORTED_ADDRESSES": the user's addresses in order.
 struct WEBSDK_EXPORT WebSDKGetSortedAddressesResponseModel {
   /// The fields, written under JSON keys of their names.
   ///@{
@@ -194,6 +200,7 @@ struct WEBSDK_EXPORT WebSDKGetSortedAddressesResponseModel {
   WEBSDK_RECORD(WebSDKGetSortedAddressesResponseModel, addresses, enableCxAppAddressSorting)
 };
 
+/// The answer to "EDIT_DIRECTIONS_TO_REACH": whether the directions changed.
 struct WEBSDK_EXPORT WebSDKEditDirectionsResponseModel {
   /// Written under the JSON key of its name.
   bool isDirectionsToReachChanged = false;
@@ -221,6 +228,8 @@ struct WEBSDK_EXPORT PinLocation {
   WEBSDK_KEYED_RECORD(PinLocation, (lat, "lat"), (long_, "long"))
 };
 
+/// The answer to "GET_TNS_SIGNAL": where the device is, the app's version, the
+/// IP address, the pinned point and the device's make and model.
 struct WEBSDK_EXPORT WebSDKGetTnsSignalResponseModel {
   /// The fields, written under JSON keys of their names; an empty optional is left out.
   ///@{
@@ -237,6 +246,8 @@ struct WEBSDK_EXPORT WebSDKGetTnsSignalResponseModel {
                 deviceMake, isOTPAutoRead)
 };
 
+/// A user's international phone number: its country code, and the number in
+/// full and masked.
 struct WEBSDK_EXPORT InternationalUser {
   /// The fields, written under JSON keys of their names.
   ///@{
@@ -260,6 +271,7 @@ struct WEBSDK_EXPORT OrbisData {
   WEBSDK_KEYED_RECORD(OrbisData, (orbisState, "orbis_state"), (orbisType, "orbis_type"))
 };
 
+/// The answer to "GET_USER_INFO": who the user is.
 struct WEBSDK_EXPORT WebSDKGetUserInfoResponseModel {
   /// The fields, written under JSON keys of their names; an empty optional is left out.
   ///@{

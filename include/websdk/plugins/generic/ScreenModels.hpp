@@ -21,6 +21,7 @@ namespace websdk {
 
 // ---- Native screens and deep links ------------------------------------------
 
+/// What a page's link names: a native screen (a ScreenType) or a deep link.
 enum class NavigationType { screen, deeplink };
 constexpr auto rawValues(NavigationType) {
   using enum NavigationType;
@@ -45,6 +46,8 @@ constexpr auto rawValues(ScreenType) {
 /// when they are JSON strings ("" or absent otherwise), booleans leniently
 /// (false, or absent when the key is absent), `tenant` only when known.
 struct WEBSDK_EXPORT NavigationScreenParam {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::string id;
   bool refresh = false;
   std::optional<Tenant> tenant;
@@ -52,8 +55,8 @@ struct WEBSDK_EXPORT NavigationScreenParam {
   bool shouldReplacePreviousWebview = false;
   std::optional<bool> shouldDismissPresentedScreen;
   std::optional<std::string> url;
-  bool isFromCart = false;            // "fromCart"
-  std::optional<JSON> orderDataJson;  // "data", kept as it stands for the order screen
+  bool isFromCart = false;            ///< From "fromCart".
+  std::optional<JSON> orderDataJson;  ///< From "data", kept as it stands for the order screen.
   std::optional<std::string> collectionId;
   std::optional<std::string> restaurantId;
   std::optional<std::string> orderId;
@@ -62,6 +65,7 @@ struct WEBSDK_EXPORT NavigationScreenParam {
   std::optional<std::string> source;
   std::optional<std::string> query;
   std::optional<bool> isPXOrder;
+  ///@}
 
   WEBSDK_MODEL(NavigationScreenParam, anyPayload, (id, strictString), (refresh, lenientBool), (tenant, enumeration),
                (shouldCloseWebview, lenientBool), (shouldReplacePreviousWebview, lenientBool),
@@ -86,6 +90,7 @@ struct WEBSDK_EXPORT DeeplinkModel {
   std::string link;
   ///@}
 
+  /// A screen link names a ScreenType.
   bool isValid() const { return openable(type, link); }
   WEBSDK_MODEL(DeeplinkModel, anyPayload, (type, enumeration, required), (link, strictString, required))
 };
@@ -101,6 +106,7 @@ struct WEBSDK_EXPORT WebSDKNavigationToScreenRequestModel {
   std::optional<JSONArray> analyticsFunnel;
   ///@}
 
+  /// A screen link names a ScreenType.
   bool isValid() const { return openable(type, link); }
   WEBSDK_MODEL(WebSDKNavigationToScreenRequestModel, needsEntries, (type, enumeration, required),
                (link, strictString, required), (httpHeaders, stringMap), (params, model, ifGiven),
@@ -110,8 +116,8 @@ struct WEBSDK_EXPORT WebSDKNavigationToScreenRequestModel {
 /// Sets the delivery location, then follows a deep link. Never fails: an
 /// address or deep link that does not read is left out.
 struct WEBSDK_EXPORT WebSDKSetLocationWithDeeplinkRequestModel {
-  std::optional<WebSDKSetLocationRequestModel> addressObject;  // "address"
-  std::optional<DeeplinkModel> deeplinkDetailModel;            // "deepLink"
+  std::optional<WebSDKSetLocationRequestModel> addressObject;  ///< The address to set, from "address".
+  std::optional<DeeplinkModel> deeplinkDetailModel;            ///< The link to follow, from "deepLink".
 
   WEBSDK_MODEL(WebSDKSetLocationWithDeeplinkRequestModel, anyPayload, (addressObject, model, "address"),
                (deeplinkDetailModel, model, "deepLink"))
@@ -160,9 +166,10 @@ struct WEBSDK_EXPORT WebSDKOpenOrbisV2RequestModel {
 
 /// Fails unless "link" reads (leniently) as non-empty text.
 struct WEBSDK_EXPORT WebSDKOpenOrbisV3RequestModel {
-  /// Read from the JSON key of its name.; required.
+  /// Read from the JSON key of its name; required.
   std::string link;
 
+  /// The link is not empty.
   bool isValid() const { return !link.empty(); }
   WEBSDK_MODEL(WebSDKOpenOrbisV3RequestModel, anyPayload, (link, lenientString, required))
 };
@@ -173,19 +180,22 @@ struct WEBSDK_EXPORT WebSDKOpenOrbisV3RequestModel {
 /// boolean is true only when its value reads as "True", "true", "yes" or "1";
 /// an optional boolean is absent when its key is.
 struct WEBSDK_EXPORT CloseWebViewParams {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   bool shouldRefresh = false;
   std::int64_t rating = 0;
   std::optional<std::string> orbisV2SelectedPlanId;
   bool goToHome = false;
-  bool moveToAccount = false;  // "movetoAccount"
+  bool moveToAccount = false;  ///< From "movetoAccount".
   bool moveToMenu = false;
   std::optional<std::string> menuId;
-  bool isFromRating = false;  // "isForRating"
+  bool isFromRating = false;  ///< From "isForRating".
   bool expandRefund = false;
   std::optional<bool> isBreachResolved;
   std::optional<bool> isCurrentDeviceLoggedOut;
   std::optional<std::string> flow;
   std::optional<std::string> stationId;
+  ///@}
 
   WEBSDK_MODEL(CloseWebViewParams, anyPayload, (shouldRefresh, yesText), (rating, lenientInt),
                (orbisV2SelectedPlanId, strictString), (goToHome, yesText), (moveToAccount, yesText, "movetoAccount"),
@@ -204,9 +214,11 @@ struct WEBSDK_EXPORT WebSDKCloseWebviewWithParamsModel {
 
 // ---- Refreshing a screen ---------------------------------------------------------
 
+/// What a refresh request refreshes: a screen.
 enum class RefreshType { screen };
 constexpr auto rawValues(RefreshType) { return rawValueTable<RefreshType>({{RefreshType::screen, "screen"}}); }
 
+/// The screens a page may ask to refresh.
 enum class RefreshScreenType { menu };
 constexpr auto rawValues(RefreshScreenType) {
   return rawValueTable<RefreshScreenType>({{RefreshScreenType::menu, "menu"}});

@@ -15,6 +15,7 @@
 
 namespace websdk {
 
+/// Which Juspay environment the SDK starts in.
 enum class JuspayInitEnviromentType { sandbox, prod };
 constexpr auto rawValues(JuspayInitEnviromentType) {
   using enum JuspayInitEnviromentType;

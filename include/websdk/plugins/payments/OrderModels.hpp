@@ -98,6 +98,7 @@ struct WEBSDK_EXPORT WebSDKPaymentPendingStateRequestModel {
 
 // ---- Responses -----------------------------------------------------------------
 
+/// The restaurant of a checkout: its name and id.
 struct WEBSDK_EXPORT WebSDKCheckoutRestaurantDetails {
   /// The fields, written under JSON keys of their names.
   ///@{
@@ -108,6 +109,7 @@ struct WEBSDK_EXPORT WebSDKCheckoutRestaurantDetails {
   WEBSDK_RECORD(WebSDKCheckoutRestaurantDetails, name, id)
 };
 
+/// Where a checkout delivers: the address, its annotation and the name on it.
 struct WEBSDK_EXPORT WebSDKCheckoutDeliveryAddress {
   /// The fields, written under JSON keys of their names.
   ///@{

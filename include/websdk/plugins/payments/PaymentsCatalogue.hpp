@@ -59,6 +59,7 @@ WEBSDK_ACTIONS(
     (upiPayment, "PAY_USING_INAPP_UPI", upiPayment, WebSDKJuspayInAppUpiPayRequestModel),
     (isInappUpiEnabled, "IS_INAPP_UPI_ENABLED", isInappUpiEnabled))
 
+/// A request of the payments family: its action, the page's request id and the raw payload.
 using WebSDKPaymentsRequestModel = WebSDKBridgeRequest<WebSDKPaymentsAction>;
 
 }  // namespace websdk

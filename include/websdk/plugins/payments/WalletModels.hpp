@@ -46,6 +46,7 @@ struct WEBSDK_EXPORT WebSDKPayUsingAmazonPayRequestModel {
   WEBSDK_MODEL(WebSDKPayUsingAmazonPayRequestModel, anyPayload, (state, enumeration), (data, object))
 };
 
+/// The screen an account link was asked from.
 enum class WebSDKLinkRequestSource { payments, accounts };
 constexpr auto rawValues(WebSDKLinkRequestSource) {
   using enum WebSDKLinkRequestSource;
@@ -74,7 +75,7 @@ struct WEBSDK_EXPORT WebSDKSendLinkStatusRequestModel {
 /// The wallet a wallet-data, linked-wallet or add-money request is about: the
 /// page names it "walletCode". Fails without that key.
 struct WEBSDK_EXPORT WebSDKGetLinkWalletDataRequestModel {
-  /// Read from the JSON key "walletCode".; required.
+  /// Read from the JSON key "walletCode"; required.
   std::string paymentCode;
 
   WEBSDK_MODEL(WebSDKGetLinkWalletDataRequestModel, anyPayload, (paymentCode, lenientString, "walletCode", required))

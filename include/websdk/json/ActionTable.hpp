@@ -37,10 +37,10 @@ struct Refused {};
 /// (void: carries nothing; Refused: never decodes).
 template <auto A, auto C, class Model>
 struct ActionRow {
-  static constexpr auto action = A;
-  static constexpr auto tag = C;
-  static constexpr bool refused = std::is_same_v<Model, Refused>;
-  using Type = std::conditional_t<refused, void, Model>;
+  static constexpr auto action = A;                                ///< The action.
+  static constexpr auto tag = C;                                   ///< Its payload's case.
+  static constexpr bool refused = std::is_same_v<Model, Refused>;  ///< Whether it never decodes.
+  using Type = std::conditional_t<refused, void, Model>;           ///< What its case carries.
 };
 
 namespace detail {
@@ -60,13 +60,15 @@ std::optional<Model> readCarried(const std::optional<JSONObject>& payload) {
 }
 }  // namespace detail
 
+/// A family's typed payload `Self`, decoded from a request by its action's
+/// row of the table `Rows`.
 template <class Self, class ActionT, class CaseT, class... Rows>
 class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
   using Base = TaggedPayload<Self, CaseT, Rows...>;
 
  public:
-  using Action = ActionT;
-  using Table = std::tuple<Rows...>;
+  using Action = ActionT;            ///< The family's action enumeration.
+  using Table = std::tuple<Rows...>;  ///< The family's action table, one ActionRow per action.
 
   /// The typed payload of `request` (an action of this family with its
   /// payload dictionary), or nothing when the row's model does not decode.

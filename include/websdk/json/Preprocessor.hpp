@@ -10,6 +10,7 @@
 #define WEBSDK_PP_EXPAND2(...) WEBSDK_PP_EXPAND1(WEBSDK_PP_EXPAND1(WEBSDK_PP_EXPAND1(WEBSDK_PP_EXPAND1(__VA_ARGS__))))
 #define WEBSDK_PP_EXPAND1(...) __VA_ARGS__
 
+/// Expands to macro(arg, x) for each further argument x.
 #define WEBSDK_FOR_EACH_ARG(macro, arg, ...) \
   __VA_OPT__(WEBSDK_PP_EXPAND(WEBSDK_PP_FOR_EACH_HELPER(macro, arg, __VA_ARGS__)))
 #define WEBSDK_PP_FOR_EACH_HELPER(macro, arg, a1, ...) \

@@ -12,6 +12,7 @@
 
 namespace websdk {
 
+/// What quotedSize() gives for text that is not well-formed UTF-8.
 inline constexpr std::size_t kNotUTF8 = static_cast<std::size_t>(-1);
 
 /// The length of `s` written as a literal, quotes included, or kNotUTF8 when

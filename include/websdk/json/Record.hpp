@@ -35,13 +35,15 @@
 
 namespace websdk {
 
+/// One field of a record's list: member `M` of `T`, with its name and key.
 template <class T, class M>
 struct Field {
-  std::string_view name;  // the field's name: descriptions use it
-  M T::*member;
-  std::string_view key;  // the JSON key the record encodes with
+  std::string_view name;  ///< The field's name: descriptions use it.
+  M T::*member;           ///< The member.
+  std::string_view key;   ///< The JSON key the record encodes with.
 };
 
+/// A field of the list, its key its name unless given.
 template <class T, class M>
 constexpr Field<T, M> field(std::string_view name, M T::*member, std::string_view key = {}) {
   return {name, member, key.empty() ? name : key};
@@ -111,11 +113,13 @@ constexpr bool checkRecord() {
   return true;
 }
 
-// Turning a field's value into JSON. Enumerations give their raw values, nested
-// records objects, shared references their object (or null when empty).
+/// Turning a field's value into JSON. Enumerations give their raw values, nested
+/// records objects, shared references their object (or null when empty).
 template <class V>
 JSON toJSONValue(const V& v, FieldNaming naming);
 
+/// A record as a JSON object, each field under its key or its name; an empty
+/// optional leaves no key.
 template <Record T>
 JSONObject toJSONObject(const T& record, FieldNaming naming = FieldNaming::keys) {
   static_assert(checkRecord<T>());

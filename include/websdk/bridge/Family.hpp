@@ -17,15 +17,17 @@ namespace websdk {
 /// How many families the bridge knows; each row's slot is below this.
 inline constexpr std::size_t kFamilyCount = 12;
 
+/// What every family's row has: its slot, its action enumeration, its request,
+/// its typed payload and its plugin protocol.
 template <std::size_t SlotN, class ActionT, class PayloadT, class PluginT>
 struct BridgeFamily {
   static_assert(SlotN < kFamilyCount, "a family's slot is its place in the trial order, below kFamilyCount");
   /// Where the family's plugin is held, and its place in the trial order.
   static constexpr std::size_t slot = SlotN;
-  using Action = ActionT;
-  using Request = WebSDKBridgeRequest<ActionT>;
-  using Payload = PayloadT;
-  using Plugin = PluginT;
+  using Action = ActionT;                        ///< The family's action enumeration.
+  using Request = WebSDKBridgeRequest<ActionT>;  ///< A request of the family.
+  using Payload = PayloadT;                      ///< The family's typed payload.
+  using Plugin = PluginT;                        ///< The family's plugin protocol.
 };
 
 }  // namespace websdk

@@ -15,14 +15,12 @@
 
 namespace websdk {
 
+/// A request of the family whose actions are `Action`.
 template <RawEnum Action>
 struct WebSDKBridgeRequest {
-  /// The fields, written under JSON keys of their names; an empty optional is left out.
-  ///@{
-  Action type{};
-  std::string requestId;
-  std::optional<JSONObject> payload;
-  ///@}
+  Action type{};                      ///< The action, from "type".
+  std::string requestId;              ///< The page's id for the request, which its answer carries back.
+  std::optional<JSONObject> payload;  ///< The "payload" object as sent; nothing when it is not an object.
 
   /// The request of this family in `requestText`, or nothing when the text is
   /// not JSON, its "type" is not one of this family's actions, or its

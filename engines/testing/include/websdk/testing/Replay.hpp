@@ -15,10 +15,11 @@
 
 namespace websdk::testing {
 
+/// What a replay found.
 struct ReplayResult {
-  std::size_t requests = 0;
-  std::size_t differ = 0;      // requests whose fate now is not the recorded one
-  std::size_t unreadable = 0;  // lines that are no recording's
+  std::size_t requests = 0;    ///< Requests replayed.
+  std::size_t differ = 0;      ///< Requests whose fate now is not the recorded one.
+  std::size_t unreadable = 0;  ///< Lines that are no recording's.
 };
 
 /// Registers plugins on the replay's view. By default every family gets a

@@ -120,6 +120,9 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   std::thread::id thread_ = std::this_thread::get_id();
 };
 
+/// The engine on a WebKitWebView: the page's messages through its script
+/// message handlers, the app's fields kept to trusted hosts by the web-process
+/// module, and the navigation questions carried to the web view.
 class WEBSDK_EXPORT WebKitGTKEngine final : public WebEngine {
  public:
   /// A new WebKitWebView. Must be made on the UI thread, after initialize().

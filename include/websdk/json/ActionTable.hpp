@@ -67,7 +67,7 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
   using Base = TaggedPayload<Self, CaseT, Rows...>;
 
  public:
-  using Action = ActionT;            ///< The family's action enumeration.
+  using Action = ActionT;             ///< The family's action enumeration.
   using Table = std::tuple<Rows...>;  ///< The family's action table, one ActionRow per action.
 
   /// The typed payload of `request` (an action of this family with its

@@ -67,10 +67,10 @@ struct ModelRule {
 
 /// The rules a model declares with (WEBSDK_MODEL's second argument).
 namespace rules {
-inline constexpr ModelRule anyPayload{};                             ///< Never fails for the payload as a whole.
-inline constexpr ModelRule needsPayload{true, false, false, {}};     ///< Fails without a payload object.
-inline constexpr ModelRule needsEntries{false, true, false, {}};     ///< Fails without one or with an empty one.
-inline constexpr ModelRule strict{false, false, true, {}};           ///< A value its reading refuses fails the model.
+inline constexpr ModelRule anyPayload{};                          ///< Never fails for the payload as a whole.
+inline constexpr ModelRule needsPayload{true, false, false, {}};  ///< Fails without a payload object.
+inline constexpr ModelRule needsEntries{false, true, false, {}};  ///< Fails without one or with an empty one.
+inline constexpr ModelRule strict{false, false, true, {}};        ///< A value its reading refuses fails the model.
 /// Fails unless `key` holds an object.
 constexpr ModelRule within(std::string_view key) { return {false, false, false, key}; }
 }  // namespace rules

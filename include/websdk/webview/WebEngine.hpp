@@ -126,10 +126,10 @@ struct WEBSDK_EXPORT WebSDKNavigation {
 /// A navigation about to start, which the navigation delegate may allow or
 /// cancel.
 struct WEBSDK_EXPORT WebSDKNavigationAction {
-  std::string url;              ///< Where it goes.
-  std::string method = "GET";   ///< Its HTTP method.
-  bool isMainFrame = true;      ///< Whether it loads the main frame (not a frame in it).
-  bool isUserGesture = false;   ///< Whether the user started it (a click, say).
+  std::string url;             ///< Where it goes.
+  std::string method = "GET";  ///< Its HTTP method.
+  bool isMainFrame = true;     ///< Whether it loads the main frame (not a frame in it).
+  bool isUserGesture = false;  ///< Whether the user started it (a click, say).
 };
 
 /// A navigation's response, which the navigation delegate may allow or cancel

@@ -1,8 +1,9 @@
 #pragma once
-// The WebSDK's one logging path. Every misuse and every refusal the host
-// should hear of is told here once, in words that say what happened and what
-// to do. With the WebKitGTK engine the messages go to GLib's structured log
-// under the "websdk" domain; a host may take them instead with setLogSink.
+/// @file
+/// The WebSDK's one logging path. Every misuse and every refusal the host
+/// should hear of is told here once, in words that say what happened and what
+/// to do. With the WebKitGTK engine the messages go to GLib's structured log
+/// under the "websdk" domain; a host may take them instead with setLogSink.
 
 #include "websdk/Export.hpp"
 
@@ -17,23 +18,24 @@ namespace websdk {
 /// Qt: QT_LOGGING_RULES="websdk.info=true"; with no engine:
 /// WEBSDK_LOG=info or WEBSDK_LOG=debug).
 enum class LogLevel {
-  debug,
-  info,
-  warning,  // something the host should fix, or a page's refused attempt
-  error,    // a misuse the WebSDK cannot carry on from
+  debug,    ///< What the WebSDK does, step by step.
+  info,     ///< What a host may like to know, but need not act on.
+  warning,  ///< Something the host should fix, or a page's refused attempt.
+  error,    ///< A misuse the WebSDK cannot carry on from.
 };
 
 /// One message. `topic` is a stable word a host may filter on: "navigation",
 /// "load", "headers", "answer", "trust", "engine", "plugin", "push".
 struct WEBSDK_EXPORT LogRecord {
-  LogLevel level;
-  std::string_view topic;
-  std::string_view message;
+  LogLevel level;            ///< How much it matters.
+  std::string_view topic;    ///< What it is about.
+  std::string_view message;  ///< The text (valid for the call only).
   /// The web view it is about ("view 3", or the name the host gave it in
   /// `WebSDKConfig::name`); empty when it is about no one view.
   std::string_view view = {};
 };
 
+/// Takes every message the WebSDK tells.
 using LogSink = std::function<void(const LogRecord&)>;
 
 /// Sends every later message of this process to `sink` (called on the thread

@@ -27,7 +27,11 @@ namespace detail {
 
 ReplyOffer::ReplyOffer(const std::weak_ptr<BridgeView>& view, std::string_view requestId, DocumentID document,
                        std::uint64_t serial) noexcept
-    : view_(view), requestId_(requestId), document_(document), serial_(serial), outer_(std::exchange(currentOffer, this)) {}
+    : view_(view),
+      requestId_(requestId),
+      document_(document),
+      serial_(serial),
+      outer_(std::exchange(currentOffer, this)) {}
 
 ReplyOffer::~ReplyOffer() { currentOffer = outer_; }
 
@@ -70,7 +74,7 @@ WebSDKReply::~WebSDKReply() {
   binding_->answered = true;
   if (const auto view = binding_->view.lock())
     view->answerRequest(makeResponse(WebSDKResponseType::failure, binding_->requestId, std::nullopt, std::nullopt,
-                                 "the app gave no answer to this request"),
+                                     "the app gave no answer to this request"),
                         binding_->document, binding_->serial, true);
 }
 

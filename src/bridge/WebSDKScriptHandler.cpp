@@ -215,15 +215,20 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
   } recorded{nullptr, std::nullopt, recording_, recorder_};
 
-  // The document that sent the message must be trusted: judged by the URL the
-  // engine recorded for it, never by one still loading and never by anything
-  // the message says.
+  // Judged by the URLs the engine recorded for the sending document, never by
+  // one still loading and never by anything the message says. The top
+  // document must be trusted, for the answer runs there; judging frames by
+  // their own host, the sending frame must be trusted as well.
   const MessageOrigin& origin = message.origin;
   {
     // Not held past the check: a plugin may drop the host's last reference.
     const auto view = webview.lock();
     const WebSDKConfig* config = view ? &view->bridgeConfig() : nullptr;
-    const std::string& judged = config && config->judgesFramesByTheirOwnHost ? origin.frameURL : origin.topURL;
+    const bool topTrusted = config && !origin.topURL.empty() && isTrusted(*config, origin.topURL);
+    const bool byFrame = config && config->judgesFramesByTheirOwnHost;
+    // The URL refused is the first that fails.
+    const std::string& judged = topTrusted && byFrame ? origin.frameURL : origin.topURL;
+    const bool trusted = topTrusted && (!byFrame || (!judged.empty() && isTrusted(*config, judged)));
     if (trafficRecorder) {
       recorded.recorder = trafficRecorder;
       recording_ = &recorded.request.emplace();
@@ -232,7 +237,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
     // A refused page's text is never parsed: its request id is looked for
     // near the start only, so no size of message stalls the UI thread.
-    if (!config || judged.empty() || !isTrusted(*config, judged)) {
+    if (!trusted) {
       auto start = scanTheStart(text, kRefusedMessageStart);
       if (recording_) recording_->action = start.type.value_or("");
       if (view && std::exchange(refusalLogged_, origin.topDocument) != origin.topDocument)
@@ -240,8 +245,18 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
             "a request from " + (judged.empty() ? std::string("a page with no URL") : judged) + " (action \"" +
                 shown(start.type) + "\", request id \"" + shown(start.found) +
                 "\") was refused: its host is not whitelisted (told once per page)");
-      answerFailure(start.found.value_or(""), WebSDKStatusCode::notWhitelistedUrl,
-                    judged.empty() ? std::nullopt : std::optional<std::string>(judged), origin.topDocument);
+      std::optional<std::string> why = judged.empty() ? std::nullopt : std::optional<std::string>(judged);
+      // A frame's refusal is not told to an untrusted top page: that page
+      // never asked, and the frame's request id is not its to read.
+      if (!origin.isMainFrame && !topTrusted) {
+        if (recording_) {
+          recording_->requestId = start.found.value_or("");
+          recording_->status = rawValue(WebSDKStatusCode::notWhitelistedUrl);
+          recording_->message = std::move(why);
+        }
+        return;
+      }
+      answerFailure(start.found.value_or(""), WebSDKStatusCode::notWhitelistedUrl, std::move(why), origin.topDocument);
       return;
     }
     // Only the start of a message the engine judged too large is here.

@@ -181,6 +181,60 @@ TEST(Intake, TrustFollowsTheDocumentThatSentTheMessage) {
   EXPECT_EQ(answer(std::nullopt), failure(1005, "https://evil.test/", "t"));
 }
 
+// Who may reach a plugin: the top document always decides, for the answer
+// runs there; judging frames by their own host, the sending frame decides as
+// well. A refused frame's request id never reaches an untrusted top page.
+TEST(Intake, AMessageIsServedOnlyInATrustedTopDocument) {
+  enum Outcome { delivered, told, silent };
+  struct Row {
+    const char* name;
+    const char* frame;
+    const char* top;
+    bool isMainFrame;
+    bool byFrame;
+    Outcome outcome;
+    std::optional<std::string> refusedAs = std::nullopt;  // the URL a refusal tells
+  };
+  const std::string shop = "https://shop.example.com/", evil = "https://evil.test/";
+  const Row rows[] = {
+      {"trusted page", "https://shop.example.com/", "https://shop.example.com/", true, false, delivered},
+      {"trusted page, by frame", "https://shop.example.com/", "https://shop.example.com/", true, true, delivered},
+      {"untrusted page", "https://evil.test/", "https://evil.test/", true, false, told, evil},
+      {"untrusted page, by frame", "https://evil.test/", "https://evil.test/", true, true, told, evil},
+      {"untrusted frame, trusted top", "https://evil.test/", "https://shop.example.com/", false, false, delivered},
+      {"untrusted frame, trusted top, by frame", "https://evil.test/", "https://shop.example.com/", false, true, told,
+       evil},
+      {"trusted frame, untrusted top", "https://shop.example.com/", "https://evil.test/", false, false, silent},
+      {"trusted frame, untrusted top, by frame", "https://shop.example.com/", "https://evil.test/", false, true,
+       silent},
+      {"blank frame, trusted top, by frame", "about:blank", "https://shop.example.com/", false, true, told,
+       "about:blank"},
+      {"a frame the engine cannot tell, by frame", "", "https://shop.example.com/", false, true, told},
+      {"no top URL", "https://shop.example.com/", "", false, false, silent},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    WebSDKConfig config{{"example.com"}};
+    config.judgesFramesByTheirOwnHost = row.byFrame;
+    Harness h(config);
+    h.engine->setURL(*row.top != '\0' ? row.top : shop);
+    auto cart = std::make_shared<RecordingCart>();
+    h.view->setCartPlugin(cart);
+    h.engine->postRequest(R"({"type":"GET_LOCAL_CART","requestId":"f","payload":{"tenant":{}}})",
+                          MessageOrigin{row.frame, row.top, row.isMainFrame, h.engine->document()});
+    h.engine->queue().drain();
+    EXPECT_EQ(cart->received.size(), row.outcome == delivered ? 1u : 0u);
+    if (row.outcome == delivered) {
+      h.view->sendSuccess("f");
+      h.engine->queue().drain();
+    }
+    EXPECT_EQ(h.pageResponses().size(), row.outcome == silent ? 0u : 1u);
+    if (row.outcome == told && !h.pageResponses().empty()) {
+      EXPECT_EQ(h.pageResponses()[0], failure(1005, row.refusedAs, "f"));
+    }
+  }
+}
+
 TEST(Intake, MalformedMessagesAreDroppedSilently) {
   Harness h;
   auto cart = std::make_shared<RecordingCart>();

@@ -85,9 +85,15 @@ struct StandInView final : BridgeView {
   void deliver(WebSDKResponseModel response, std::optional<DocumentID> document) override {
     delivered.emplace_back(std::move(response), document);
   }
-  void expectAnswer(const std::string& requestId, DocumentID document, std::string_view, std::string_view) override {
+  std::uint64_t expectAnswer(const std::string& requestId, DocumentID document, std::string_view,
+                             std::string_view) override {
     expected.emplace_back(requestId, document);
+    return expected.size();
   }
+  void answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t, bool) override {
+    delivered.emplace_back(std::move(response), document);
+  }
+  void refuseRepeatedAnswer(const std::string&) override {}
 };
 
 // Answers from inside its operation, as a plugin with the answer at hand does.

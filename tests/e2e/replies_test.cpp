@@ -18,9 +18,7 @@ class HoldingCart final : public DvCartWebViewCallBacks {
   }
 };
 
-std::string clearCart(const std::string& id) {
-  return R"({"type":"CLEAR_LOCAL_CART","requestId":")" + id + "\"}";
-}
+std::string clearCart(const std::string& id) { return R"({"type":"CLEAR_LOCAL_CART","requestId":")" + id + "\"}"; }
 
 class RepliesTest : public E2ETest {
  protected:

@@ -92,9 +92,11 @@ inline std::string isolatedWorld(std::size_t limit) {
   s += R"JS(let mark = null, bridge = null;
 const waiting = [];
 const isTop = window === window.top;
-// Only the top frame has the channel: a frame hands its messages to the top
-// frame's isolated world, which holds the URL the frame read to the origin the
-// browser vouches for.
+// Only the top frame has the channel (Qt takes the channel's messages from
+// the main frame alone). A frame sends its messages to the top frame's
+// isolated world over a port of its own, handed over once: the page's scripts
+// never see the handover, so they can neither read the port's messages nor
+// stop them.
 // The messages of one task go to the app together, at its end: a burst costs
 // one crossing, not one each.
 let batchBytes = 0, flushing = false;
@@ -104,12 +106,22 @@ const flush = () => {
   batchBytes = 0;
   bridge.receive(waiting.splice(0));
 };
-const call = isTop ? args => {
+const toApp = args => {
   waiting.push(args);
   batchBytes += args[4] === undefined ? 0 : args[4].length;
   if (batchBytes > 1048576) flush();
   else if (!flushing) { flushing = true; queueMicrotask(flush); }
-} : args => window.top.postMessage({websdkFrame: args}, '*');
+};
+let port = null;
+const toTop = args => {
+  if (port === null) {
+    const pipe = new MessageChannel();
+    port = pipe.port1;
+    window.top.postMessage({websdkFramePort: 1}, '*', [pipe.port2]);
+  }
+  port.postMessage(args);
+};
+const call = isTop ? toApp : toTop;
 // Lone surrogate halves become U+FFFD, as a JSON parse of the text would read them.
 const surrogate = /[\uD800-\uDFFF]/;
 const lone = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g;
@@ -128,15 +140,38 @@ window.addEventListener('websdk:post', event => {
   call(['post', mark, location.href, d[0], text, d[2] === true ? units : -1, isTop]);
 });
 if (isTop) {
+  // A frame's URL as the browser vouches for it: held to the origin its port
+  // came from. A blank or srcdoc frame keeps its own hostless URL, which
+  // names no host to trust, as it does on WebKit.
+  const heldTo = (url, origin) => {
+    try {
+      if (new URL(url).origin === origin || /^about:/i.test(url)) return url;
+    } catch (e) {}
+    return origin;
+  };
+  const fromFrame = (origin, args) => {
+    if (mark === null || !Array.isArray(args) || args.length !== 7 || args[0] !== 'post') return;
+    call(['post', mark, heldTo(String(args[2]), origin), String(args[3]), String(args[4]), Number(args[5]), false]);
+  };
+  // First of all the window's listeners (capture, added before any page
+  // script): a frame's port is taken before the page could see it, and the
+  // event goes no further.
   window.addEventListener('message', event => {
     const d = event.data;
-    if (mark === null || event.source === window || d === null || typeof d !== 'object' ||
-        !Array.isArray(d.websdkFrame) || d.websdkFrame.length !== 7 || d.websdkFrame[0] !== 'post') return;
-    const args = d.websdkFrame;
-    let url = String(args[2]);
-    try { if (new URL(url).origin !== event.origin) url = event.origin; } catch (e) { url = event.origin; }
-    call(['post', mark, url, String(args[3]), String(args[4]), Number(args[5]), false]);
-  });
+    if (d === null || typeof d !== 'object' || d.websdkFramePort !== 1 || event.ports.length !== 1) return;
+    event.stopImmediatePropagation();
+    if (event.source === window || event.source === null) return;
+    const origin = event.origin;
+    // Moved at once into a pipe of this world's own, so that no other
+    // holder of the event's port object could use it.
+    const relay = new MessageChannel();
+    relay.port2.onmessage = moved => {
+      relay.port2.close();
+      const framePort = moved.ports[0];
+      if (framePort) framePort.onmessage = m => fromFrame(origin, m.data);
+    };
+    relay.port1.postMessage(null, [event.ports[0]]);
+  }, true);
   new QWebChannel(qt.webChannelTransport, channel => {
     bridge = channel.objects.)JS";
   s += kChannelObject;

@@ -261,8 +261,8 @@ void post(JSCValue* body, gpointer data) {
   if (bytes > websdk::kRefusedMessageStart)
     if (const guard::Rule* rule = ruleOf(page);
         rule != nullptr &&
-        (bytes > rule->trust.maximumMessageBytes ||
-         !rule->trust.isWhitelistedURL(rule->trust.judgesFramesByTheirOwnHost ? stamp->frameURL : stamp->topURL))) {
+        (bytes > rule->trust.maximumMessageBytes || !rule->trust.isWhitelistedURL(stamp->topURL) ||
+         (rule->trust.judgesFramesByTheirOwnHost && !rule->trust.isWhitelistedURL(stamp->frameURL)))) {
       // Cut at a character's start, so the start stays UTF-8.
       std::size_t cut = websdk::kRefusedMessageStart;
       while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;

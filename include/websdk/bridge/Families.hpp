@@ -1,7 +1,8 @@
 #pragma once
-// All twelve families of the bridge, in the order the bridge tries them. Code
-// that walks every family (the bridge's routing, tools, tests) includes this;
-// a host that serves one family includes only that family's header.
+/// @file
+/// All twelve families of the bridge, in the order the bridge tries them. Code
+/// that walks every family (the bridge's routing, tools, tests) includes this;
+/// a host that serves one family includes only that family's header.
 
 #include "websdk/bridge/families/Accounts.hpp"
 #include "websdk/bridge/families/Cart.hpp"

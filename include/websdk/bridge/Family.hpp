@@ -1,9 +1,10 @@
 #pragma once
-// What a plugin family is, once for all twelve: its row (name, failure
-// message, slot), its action enumeration and typed payload, and its protocol,
-// the one operation through which the bridge hands it an accepted request.
-// A family's header (websdk/bridge/families/) is one WEBSDK_FAMILY row; a host
-// that serves one family includes only that header.
+/// @file
+/// What a plugin family is, once for all twelve: its row (name, failure
+/// message, slot), its action enumeration and typed payload, and its protocol,
+/// the one operation through which the bridge hands it an accepted request.
+/// A family's header (websdk/bridge/families/) is one WEBSDK_FAMILY row; a host
+/// that serves one family includes only that header.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -16,15 +17,17 @@ namespace websdk {
 /// How many families the bridge knows; each row's slot is below this.
 inline constexpr std::size_t kFamilyCount = 12;
 
+/// What every family's row has: its slot, its action enumeration, its request,
+/// its typed payload and its plugin protocol.
 template <std::size_t SlotN, class ActionT, class PayloadT, class PluginT>
 struct BridgeFamily {
   static_assert(SlotN < kFamilyCount, "a family's slot is its place in the trial order, below kFamilyCount");
   /// Where the family's plugin is held, and its place in the trial order.
   static constexpr std::size_t slot = SlotN;
-  using Action = ActionT;
-  using Request = WebSDKBridgeRequest<ActionT>;
-  using Payload = PayloadT;
-  using Plugin = PluginT;
+  using Action = ActionT;                        ///< The family's action enumeration.
+  using Request = WebSDKBridgeRequest<ActionT>;  ///< A request of the family.
+  using Payload = PayloadT;                      ///< The family's typed payload.
+  using Plugin = PluginT;                        ///< The family's plugin protocol.
 };
 
 }  // namespace websdk

@@ -1,6 +1,7 @@
 #pragma once
-// The request a page posts, as one family reads it: the action, the page's
-// request id and the raw payload dictionary.
+/// @file
+/// The request a page posts, as one family reads it: the action, the page's
+/// request id and the raw payload dictionary.
 
 #include "websdk/bridge/WebSDKReply.hpp"
 #include "websdk/json/Enum.hpp"
@@ -14,11 +15,12 @@
 
 namespace websdk {
 
+/// A request of the family whose actions are `Action`.
 template <RawEnum Action>
 struct WebSDKBridgeRequest {
-  Action type{};
-  std::string requestId;
-  std::optional<JSONObject> payload;
+  Action type{};                      ///< The action, from "type".
+  std::string requestId;              ///< The page's id for the request, which its answer carries back.
+  std::optional<JSONObject> payload;  ///< The "payload" object as sent; nothing when it is not an object.
 
   /// The request of this family in `requestText`, or nothing when the text is
   /// not JSON, its "type" is not one of this family's actions, or its

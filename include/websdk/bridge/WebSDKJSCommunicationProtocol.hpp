@@ -1,6 +1,7 @@
 #pragma once
-// The host's listener for all bridge traffic: every request the page makes,
-// every answer sent to it, and what never ran there.
+/// @file
+/// The host's listener for all bridge traffic: every request the page makes,
+/// every answer sent to it, and what never ran there.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
@@ -14,10 +15,10 @@ namespace websdk {
 
 /// A request handed to a plugin that has not been answered yet.
 struct WEBSDK_EXPORT WebSDKPendingRequest {
-  std::string requestId;
-  std::string_view family;  // the family's name ("cart", "payments", ...)
-  std::string_view action;  // the action string the page sent
-  std::chrono::steady_clock::time_point askedAt;
+  std::string requestId;                          ///< The page's id for it.
+  std::string_view family;                        ///< The family's name ("cart", "payments", ...).
+  std::string_view action;                        ///< The action string the page sent.
+  std::chrono::steady_clock::time_point askedAt;  ///< When the page asked.
 };
 
 /// Why something sent to the page never ran there.

@@ -1,10 +1,11 @@
 #pragma once
-// The answer to one delivered request, bound to it: the plugin takes it from
-// the request it is handling (`request.reply()`), keeps or moves it wherever
-// the work goes, and answers through it exactly once, from any thread. It
-// answers only the document that asked, and only that request, even when the
-// page reuses its ids. A reply destroyed without an answer tells the page the
-// request failed, so no page waits forever on a request the host let go.
+/// @file
+/// The answer to one delivered request, bound to it: the plugin takes it from
+/// the request it is handling (`request.reply()`), keeps or moves it wherever
+/// the work goes, and answers through it exactly once, from any thread. It
+/// answers only the document that asked, and only that request, even when the
+/// page reuses its ids. A reply destroyed without an answer tells the page the
+/// request failed, so no page waits forever on a request the host let go.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
@@ -19,10 +20,14 @@
 
 namespace websdk {
 
+/// The answer a request owes its page, bound to that request and the document
+/// that sent it: taken once while a plugin handles the request
+/// (WebSDKBridgeRequest::reply()), then answered once, from anywhere.
 class WEBSDK_EXPORT WebSDKReply {
  public:
   /// An empty reply: it answers nothing (and says so when used).
   WebSDKReply() noexcept;
+  /// Takes over what `other` owes; `other` is left empty.
   WebSDKReply(WebSDKReply&& other) noexcept;
   /// Answers what this reply held as abandoned (see the destructor) first.
   WebSDKReply& operator=(WebSDKReply&& other) noexcept;
@@ -57,8 +62,10 @@ class WEBSDK_EXPORT WebSDKReply {
   /// Ready-encoded payload bytes (UTF-8; left out when they are not): the
   /// envelope is the one the by-id form makes of them, default code, no message.
   void sendWebSDKResponse(WebSDKResponseType type, const std::optional<std::string>& encoder);
+  /// A success without a payload.
   void sendSuccess(std::optional<std::int64_t> statusCode = std::nullopt,
                    std::optional<std::string> statusMessage = std::nullopt);
+  /// A failure without a payload.
   void sendFailure(std::optional<std::int64_t> statusCode = std::nullopt,
                    std::optional<std::string> statusMessage = std::nullopt);
 

@@ -1,7 +1,8 @@
 #pragma once
-// Receives the page's "nativeRequest" messages: checks the page's host, finds
-// the family that knows the action, decodes its typed payload and hands it to
-// the host object registered for the family, or answers the failure itself.
+/// @file
+/// Receives the page's "nativeRequest" messages: checks the page's host, finds
+/// the family that knows the action, decodes its typed payload and hands it to
+/// the host object registered for the family, or answers the failure itself.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/Family.hpp"
@@ -55,11 +56,14 @@ class WEBSDK_EXPORT BridgeView {
 /// there. Bounded, so refusing a message of any size costs no more.
 WEBSDK_EXPORT std::string requestIdNearTheStart(std::string_view text, std::size_t budget = kRefusedMessageStart);
 
+/// The bridge: it judges each message a page posts to "nativeRequest" by the
+/// sender's host, finds the family of its action, decodes the payload and
+/// hands the request to that family's plugin, or answers the page itself.
 class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
  public:
   // Everything the handler points at belongs to someone else: all weak.
-  std::weak_ptr<BridgeView> webview;
-  std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicationDelegate;
+  std::weak_ptr<BridgeView> webview;                                        ///< The view it answers through.
+  std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicationDelegate;  ///< Hears of its traffic.
   /// Where requests are recorded, when the view records its traffic; shared,
   /// so that a view released during a plugin's call leaves the record whole.
   std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder;

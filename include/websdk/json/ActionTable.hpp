@@ -1,17 +1,20 @@
 #pragma once
-// A family's actions, written once as a table: each row is the action's case,
-// the string pages send, the typed payload's case and the model it carries
-// (none for an action that carries nothing, `Refused` for one that is never
-// decoded).
-//
-//   WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
-//                  (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
-//                  (clearCart, "CLEAR_LOCAL_CART", clearCart))
-//
-// declares the action enumeration with its raw values, the payload's case
-// enumeration (named by the cases: WebSDKCartRequestPayloadCase) and the typed
-// payload, whose validateRequest decodes a request's payload into the row's
-// model by the model's reader.
+/// @file
+/// A family's actions, written once as a table: each row is the action's case,
+/// the string pages send, the typed payload's case and the model it carries
+/// (none for an action that carries nothing, `Refused` for one that is never
+/// decoded).
+///
+/// ~~~{.cpp}
+///   WEBSDK_ACTIONS(WebSDKCartAction, WebSDKCartRequestPayload,
+///                  (getCart, "GET_LOCAL_CART", getCart, WebSDKGetCartRequestModel),
+///                  (clearCart, "CLEAR_LOCAL_CART", clearCart))
+/// ~~~
+///
+/// declares the action enumeration with its raw values, the payload's case
+/// enumeration (named by the cases: WebSDKCartRequestPayloadCase) and the typed
+/// payload, whose validateRequest decodes a request's payload into the row's
+/// model by the model's reader.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
@@ -34,10 +37,10 @@ struct Refused {};
 /// (void: carries nothing; Refused: never decodes).
 template <auto A, auto C, class Model>
 struct ActionRow {
-  static constexpr auto action = A;
-  static constexpr auto tag = C;
-  static constexpr bool refused = std::is_same_v<Model, Refused>;
-  using Type = std::conditional_t<refused, void, Model>;
+  static constexpr auto action = A;                                ///< The action.
+  static constexpr auto tag = C;                                   ///< Its payload's case.
+  static constexpr bool refused = std::is_same_v<Model, Refused>;  ///< Whether it never decodes.
+  using Type = std::conditional_t<refused, void, Model>;           ///< What its case carries.
 };
 
 namespace detail {
@@ -57,13 +60,15 @@ std::optional<Model> readCarried(const std::optional<JSONObject>& payload) {
 }
 }  // namespace detail
 
+/// A family's typed payload `Self`, decoded from a request by its action's
+/// row of the table `Rows`.
 template <class Self, class ActionT, class CaseT, class... Rows>
 class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
   using Base = TaggedPayload<Self, CaseT, Rows...>;
 
  public:
-  using Action = ActionT;
-  using Table = std::tuple<Rows...>;
+  using Action = ActionT;             ///< The family's action enumeration.
+  using Table = std::tuple<Rows...>;  ///< The family's action table, one ActionRow per action.
 
   /// The typed payload of `request` (an action of this family with its
   /// payload dictionary), or nothing when the row's model does not decode.

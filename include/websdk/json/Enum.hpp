@@ -1,11 +1,14 @@
 #pragma once
-// String enumerations declared once as a table of raw values. An enumeration E
-// opts in by declaring, in its own namespace,
-//
-//   constexpr auto rawValues(E) { return websdk::rawValueTable<E>({{E::a, "A"}, ...}); }
-//
-// listing every case in declaration order. rawValue(e), fromRawValue<E>(s) and
-// allCases<E>() are derived from that one table.
+/// @file
+/// String enumerations declared once as a table of raw values. An enumeration E
+/// opts in by declaring, in its own namespace,
+///
+/// ~~~{.cpp}
+///   constexpr auto rawValues(E) { return websdk::rawValueTable<E>({{E::a, "A"}, ...}); }
+/// ~~~
+///
+/// listing every case in declaration order. rawValue(e), fromRawValue<E>(s) and
+/// allCases<E>() are derived from that one table.
 
 #include "websdk/json/Preprocessor.hpp"
 
@@ -17,16 +20,19 @@
 
 namespace websdk {
 
+/// One row of an enumeration's table: a case and its raw value.
 template <class E>
 struct RawValue {
-  E value;
-  std::string_view raw;
+  E value;               ///< The case.
+  std::string_view raw;  ///< The string that stands for it.
 };
 
+/// An enumeration's table from its rows, for its `rawValues` to return.
 template <class E, std::size_t N>
 constexpr std::array<RawValue<E>, N> rawValueTable(RawValue<E> (&&entries)[N]) {
   return std::to_array(std::move(entries));
 }
+/// The table of an enumeration with no cases.
 template <class E>
 constexpr std::array<RawValue<E>, 0> rawValueTable() {
   return {};
@@ -50,9 +56,11 @@ constexpr bool isValidTable(const std::array<RawValue<E>, N>& table) {
 }
 }  // namespace detail
 
+/// The raw value table of `E`.
 template <RawEnum E>
 inline constexpr auto enumTable = rawValues(E{});
 
+/// How many cases `E` has; checks its table at compile time.
 template <RawEnum E>
 constexpr std::size_t caseCount() {
   static_assert(detail::isValidTable(enumTable<E>),

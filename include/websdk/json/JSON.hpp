@@ -1,6 +1,7 @@
 #pragma once
-// The JSON value every model reads from, and the one text writer the WebSDK uses
-// for payloads, descriptions and tools.
+/// @file
+/// The JSON value every model reads from, and the one text writer the WebSDK uses
+/// for payloads, descriptions and tools.
 
 #include "websdk/Export.hpp"
 
@@ -16,9 +17,9 @@
 
 namespace websdk {
 
-using JSON = boost::json::value;
-using JSONObject = boost::json::object;
-using JSONArray = boost::json::array;
+using JSON = boost::json::value;         ///< Any JSON value.
+using JSONObject = boost::json::object;  ///< A JSON object; keeps its keys in insertion order.
+using JSONArray = boost::json::array;    ///< A JSON array.
 
 /// Deepest nesting a page may send; deeper text reads as not JSON, so no
 /// message can exhaust the stack of anything that walks the value.
@@ -36,6 +37,7 @@ WEBSDK_EXPORT std::optional<std::string> replaceLoneSurrogates(std::string_view 
 /// Compact JSON text. Doubles are written as formatDouble writes them; NaN
 /// and infinities, which JSON has no text for, as null.
 WEBSDK_EXPORT std::string serialize(const JSON& value);
+/// The same text, appended to `out`.
 WEBSDK_EXPORT void serializeTo(std::string& out, const JSON& value);
 
 /// The same text, indented by two spaces per level, one member per line.

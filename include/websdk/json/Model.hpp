@@ -1,40 +1,43 @@
 #pragma once
-// Models: records whose fields are declared once with the JSON key each one is
-// read from and the reading that takes it. Decoding, equality, encoding, the
-// description and the contract tools print all come from that one list.
-//
-//   struct WebSDKApplyCouponRequestModel {
-//     std::optional<JSONObject> tenant;
-//     double cartValue = 0;
-//     std::string restaurantId;
-//     std::optional<std::string> couponListingVersion;
-//
-//     WEBSDK_MODEL(WebSDKApplyCouponRequestModel, needsEntries,
-//                  (tenant, object),
-//                  (cartValue, number, "cart_total_shown_to_coupon"),
-//                  (restaurantId, strictString, required),
-//                  (couponListingVersion, strictString))
-//   };
-//
-// Each field is (member, reading, options...). Options: a string gives the key
-// when it is not the member's name ("a.b" reads b inside the object under a);
-// `required` makes the model fail when the reading gives nothing (for a lenient
-// reading, which always gives something: when the key is absent); `orEmpty`
-// gives an optional member its type's empty value instead of nothing;
-// `ifObject` / `ifGiven` read the field only when its key holds an object / is
-// present and not null; `sensitive` marks the user's own data, which traffic
-// recordings mask. A field that is not required and reads nothing keeps
-// its default. A lenient reading into an optional member is taken only when
-// the key is present. A string reading into an enumeration member takes the
-// case whose raw value it is. A rule across fields is the model's own
-// `bool isValid() const`.
-//
-// The second argument is the model's own rule: `anyPayload` (never fails for
-// the payload as a whole), `needsPayload` (fails without a payload object),
-// `needsEntries` (fails without one or with an empty one), `within("tenant")`
-// (fails unless "tenant" holds an object), `strict` (a present, non-null value
-// that its reading refuses fails the model: for records hosts decode from
-// their own stored JSON).
+/// @file
+/// Models: records whose fields are declared once with the JSON key each one is
+/// read from and the reading that takes it. Decoding, equality, encoding, the
+/// description and the contract tools print all come from that one list.
+///
+/// ~~~{.cpp}
+///   struct WebSDKApplyCouponRequestModel {
+///     std::optional<JSONObject> tenant;
+///     double cartValue = 0;
+///     std::string restaurantId;
+///     std::optional<std::string> couponListingVersion;
+///
+///     WEBSDK_MODEL(WebSDKApplyCouponRequestModel, needsEntries,
+///                  (tenant, object),
+///                  (cartValue, number, "cart_total_shown_to_coupon"),
+///                  (restaurantId, strictString, required),
+///                  (couponListingVersion, strictString))
+///   };
+/// ~~~
+///
+/// Each field is (member, reading, options...). Options: a string gives the key
+/// when it is not the member's name ("a.b" reads b inside the object under a);
+/// `required` makes the model fail when the reading gives nothing (for a lenient
+/// reading, which always gives something: when the key is absent); `orEmpty`
+/// gives an optional member its type's empty value instead of nothing;
+/// `ifObject` / `ifGiven` read the field only when its key holds an object / is
+/// present and not null; `sensitive` marks the user's own data, which traffic
+/// recordings mask. A field that is not required and reads nothing keeps
+/// its default. A lenient reading into an optional member is taken only when
+/// the key is present. A string reading into an enumeration member takes the
+/// case whose raw value it is. A rule across fields is the model's own
+/// `bool isValid() const`.
+///
+/// The second argument is the model's own rule: `anyPayload` (never fails for
+/// the payload as a whole), `needsPayload` (fails without a payload object),
+/// `needsEntries` (fails without one or with an empty one), `within("tenant")`
+/// (fails unless "tenant" holds an object), `strict` (a present, non-null value
+/// that its reading refuses fails the model: for records hosts decode from
+/// their own stored JSON).
 
 #include "websdk/json/Readings.hpp"
 #include "websdk/json/Record.hpp"
@@ -50,42 +53,45 @@ namespace websdk {
 
 /// What makes a whole model fail, before its fields are read.
 struct ModelRule {
-  bool needsPayload = false;
-  bool needsEntries = false;
-  bool strict = false;
-  std::string_view within;  // a key that must hold an object
+  bool needsPayload = false;  ///< Fails without a payload object.
+  bool needsEntries = false;  ///< Fails without a payload object or with an empty one.
+  bool strict = false;        ///< A present, non-null value its reading refuses fails the model.
+  std::string_view within;    ///< A key that must hold an object.
 
+  /// Both rules at once.
   constexpr ModelRule operator|(ModelRule o) const {
     return {needsPayload || o.needsPayload, needsEntries || o.needsEntries, strict || o.strict,
             within.empty() ? o.within : within};
   }
 };
 
+/// The rules a model declares with (WEBSDK_MODEL's second argument).
 namespace rules {
-inline constexpr ModelRule anyPayload{};
-inline constexpr ModelRule needsPayload{true, false, false, {}};
-inline constexpr ModelRule needsEntries{false, true, false, {}};
-inline constexpr ModelRule strict{false, false, true, {}};
+inline constexpr ModelRule anyPayload{};                          ///< Never fails for the payload as a whole.
+inline constexpr ModelRule needsPayload{true, false, false, {}};  ///< Fails without a payload object.
+inline constexpr ModelRule needsEntries{false, true, false, {}};  ///< Fails without one or with an empty one.
+inline constexpr ModelRule strict{false, false, true, {}};        ///< A value its reading refuses fails the model.
+/// Fails unless `key` holds an object.
 constexpr ModelRule within(std::string_view key) { return {false, false, false, key}; }
 }  // namespace rules
 
 /// A field option: the model fails when this field's reading gives nothing.
 struct Required {};
-inline constexpr Required required{};
+inline constexpr Required required{};  ///< The option, as a field list writes it.
 /// A field option for an optional member: it holds its type's empty value
 /// (not nothing) when the reading gives nothing.
 struct OrEmpty {};
-inline constexpr OrEmpty orEmpty{};
+inline constexpr OrEmpty orEmpty{};  ///< The option, as a field list writes it.
 /// Field options: the field is read only when its key holds an object
 /// (`ifObject`), or is present and not null (`ifGiven`); otherwise the member
 /// keeps its default.
 enum class ReadOnly { always, ifObject, ifGiven };
-inline constexpr auto ifObject = ReadOnly::ifObject;
-inline constexpr auto ifGiven = ReadOnly::ifGiven;
+inline constexpr auto ifObject = ReadOnly::ifObject;  ///< Read only when the key holds an object.
+inline constexpr auto ifGiven = ReadOnly::ifGiven;    ///< Read only when the key is present and not null.
 /// A field option: the value is the user's own (card data, tokens, phone
 /// numbers, addresses). Traffic recordings write it as a fixed mask.
 struct Sensitive {};
-inline constexpr Sensitive sensitive{};
+inline constexpr Sensitive sensitive{};  ///< The option, as a field list writes it.
 
 template <class T>
 concept Declared = requires {
@@ -112,8 +118,8 @@ template <class T>
 using UnwrappedT = typename Unwrapped<T>::type;
 }  // namespace detail
 
-// The readings a field can be declared with. Each one knows its name in the
-// contract and reads a possibly absent value into the member's type `V`.
+/// The readings a field can be declared with. Each one knows its name in the
+/// contract and reads a possibly absent value into the member's type `V`.
 namespace reading {
 
 // A reading by the function of its name, shown in the contract as `kind`.
@@ -147,34 +153,37 @@ WEBSDK_DETAIL_SCALAR_READING(wholeNumberText, lenientString);
 
 /// Reads no key: the member keeps its default.
 struct UnreadReading {};
-inline constexpr UnreadReading unread{};
+inline constexpr UnreadReading unread{};  ///< The reading, as a field list names it.
 
 /// One of the member's enumeration's raw values.
 struct EnumerationReading {
-  static constexpr ReadingKind kind = ReadingKind::enumeration;
+  static constexpr ReadingKind kind = ReadingKind::enumeration;  ///< Its name in the contract.
+  /// The case of `V` whose raw value `v` is, or nothing.
   template <class V>
   static auto read(const JSON* v) {
     return ::websdk::enumeration<V>(v);
   }
 };
-inline constexpr EnumerationReading enumeration{};
+inline constexpr EnumerationReading enumeration{};  ///< The reading, as a field list names it.
 
 /// The member's own model, read from the object under the key (from an absent
 /// dictionary when there is none, so a model that never fails is always there).
 struct ModelReading {
+  /// The model `V` decoded from `v`, or nothing when it fails.
   template <class V>
   static auto read(const JSON* v) {
     return decodeModel<V>(Fields::of(v));
   }
 };
-inline constexpr ModelReading model{};
+inline constexpr ModelReading model{};  ///< The reading, as a field list names it.
 
 /// An array whose every element the element reading takes; nothing unless the
 /// value is an array, and nothing when a reading that can refuse refuses one.
 template <class Element, bool dropRefused = false>
 struct ListReading {
-  static constexpr ReadingKind kind = ReadingKind::array;
-  using ElementReading = Element;
+  static constexpr ReadingKind kind = ReadingKind::array;  ///< Its name in the contract.
+  using ElementReading = Element;                          ///< How each element is read.
+  /// The list `V` read from `v`, or nothing.
   template <class V>
   static std::optional<V> read(const JSON* v) {
     const auto* list = v != nullptr ? v->if_array() : nullptr;
@@ -195,30 +204,32 @@ struct ListReading {
     return out;
   }
 };
-inline constexpr ListReading<lenientStringReading> stringList{};
-inline constexpr ListReading<strictStringReading> strictStringList{};
-inline constexpr ListReading<lenientIntReading> intList{};
-inline constexpr ListReading<ModelReading> modelList{};
+inline constexpr ListReading<lenientStringReading> stringList{};       ///< Each element as lenient text.
+inline constexpr ListReading<strictStringReading> strictStringList{};  ///< Each element a JSON string.
+inline constexpr ListReading<lenientIntReading> intList{};             ///< Each element as a lenient integer.
+inline constexpr ListReading<ModelReading> modelList{};                ///< Each element the member's element model.
 /// The elements the member's element model decodes from; the others dropped.
 inline constexpr ListReading<ModelReading, true> modelsThatDecode{};
 
 /// The payload dictionary itself, as received (no key of its own).
 struct WholePayloadReading {};
-inline constexpr WholePayloadReading wholePayload{};
+inline constexpr WholePayloadReading wholePayload{};  ///< The reading, as a field list names it.
 
 }  // namespace reading
 
+/// One field of a model's list: member `M` of `T`, read by reading `R` with
+/// its options.
 template <class T, class M, class R>
 struct ModelField {
-  std::string_view name;  // the member's name: descriptions use it
-  M T::*member;
-  std::string_view key;   // the key encoding writes: the member's name
-  std::string_view path;  // the key decoding reads ("a.b": b inside the object under a)
-  bool required = false;
-  bool orEmpty = false;
-  ReadOnly only = ReadOnly::always;
-  bool sensitive = false;
-  using Reading = R;
+  std::string_view name;             ///< The member's name: descriptions use it.
+  M T::*member;                      ///< The member.
+  std::string_view key;              ///< The key encoding writes: the member's name.
+  std::string_view path;             ///< The key decoding reads ("a.b": b inside the object under a).
+  bool required = false;             ///< The `required` option.
+  bool orEmpty = false;              ///< The `orEmpty` option.
+  ReadOnly only = ReadOnly::always;  ///< The `ifObject` or `ifGiven` option.
+  bool sensitive = false;            ///< The `sensitive` option.
+  using Reading = R;                 ///< The reading.
 };
 
 namespace detail {
@@ -309,6 +320,8 @@ bool readField(Fields fields, const ModelField<T, M, R>& f, T& out, bool strict)
 
 }  // namespace detail
 
+/// The model `T` read from `payload` by its field list: nothing when its rule,
+/// a required field or its own isValid() refuses.
 template <Declared T>
 std::optional<T> decodeModel(Fields payload) {
   constexpr ModelRule rule = T::modelRule();

@@ -1,19 +1,22 @@
 #pragma once
-// Typed payloads: a tagged union with one case per action. The case tag, not
-// the type carried, says which case it is, because several cases may carry the
-// same model. A family declares its cases once:
-//
-//   WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, ..., clearCart)
-//   class WebSDKCartRequestPayload
-//       : public TaggedPayload<WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
-//                              Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>, ...> {
-//    public:
-//     using TaggedPayload::TaggedPayload;
-//     static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel&);
-//   };
-//
-// Cases not named in a Carries (or carrying void) carry nothing. A family's
-// typed payload is usually declared by its action table (ActionTable.hpp).
+/// @file
+/// Typed payloads: a tagged union with one case per action. The case tag, not
+/// the type carried, says which case it is, because several cases may carry the
+/// same model. A family declares its cases once:
+///
+/// ~~~{.cpp}
+///   WEBSDK_NAMED_CASES(WebSDKCartRequestPayloadCase, getCart, ..., clearCart)
+///   class WebSDKCartRequestPayload
+///       : public TaggedPayload<WebSDKCartRequestPayload, WebSDKCartRequestPayloadCase,
+///                              Carries<WebSDKCartRequestPayloadCase::getCart, WebSDKGetCartRequestModel>, ...> {
+///    public:
+///     using TaggedPayload::TaggedPayload;
+///     static std::optional<WebSDKCartRequestPayload> validateRequest(const WebSDKCartRequestModel&);
+///   };
+/// ~~~
+///
+/// Cases not named in a Carries (or carrying void) carry nothing. A family's
+/// typed payload is usually declared by its action table (ActionTable.hpp).
 
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
@@ -32,8 +35,8 @@ namespace websdk {
 /// reference to one).
 template <auto C, class Model>
 struct Carries {
-  static constexpr auto tag = C;
-  using Type = Model;
+  static constexpr auto tag = C;  ///< The case.
+  using Type = Model;             ///< What it carries.
 };
 
 namespace detail {
@@ -54,16 +57,18 @@ bool equalCarried(const T& a, const T& b) {
 }
 }  // namespace detail
 
+/// A typed payload `Self`: one case of `CaseT`, and what that case carries
+/// (the `Carries` rows `Cs`). Made only through its factories.
 template <class Self, class CaseT, class... Cs>
 class TaggedPayload {
  public:
-  using Case = CaseT;
+  using Case = CaseT;  ///< The case enumeration.
 
  private:
   using Storage = std::variant<std::monostate, detail::Stored<typename Cs::Type>...>;
 
  public:
-  // Position of case C among the Carries (1-based; 0 = carries nothing).
+  /// Position of case C among the Carries (1-based; 0 = carries nothing).
   // Public because clang checks the access of ModelOf at its use.
   template <Case C>
   static constexpr std::size_t slot() {
@@ -72,6 +77,7 @@ class TaggedPayload {
     return found;
   }
 
+  /// The model case C carries.
   template <Case C>
   using ModelOf = std::variant_alternative_t<slot<C>(), Storage>;
 
@@ -108,6 +114,7 @@ class TaggedPayload {
     return whenDecoded<C>(ModelOf<C>::from(payload));
   }
 
+  /// Which case this payload is.
   Case kind() const { return case_; }
   /// The case's name, as pages and logs see it ("applyCoupon").
   std::string_view caseName() const { return rawValue(case_); }
@@ -145,9 +152,11 @@ class TaggedPayload {
     return out;
   }
 
+  /// The same case carrying equal models (shared references compared by value).
   friend bool operator==(const Self& a, const Self& b) {
     return a.case_ == b.case_ && a.value_.index() == b.value_.index() && equalSlots(a.value_, b.value_);
   }
+  /// Prints describe()'s text (for GoogleTest and logs).
   friend void PrintTo(const Self& p, std::ostream* os) { *os << serialize(p.describe()); }
 
  protected:

@@ -1,8 +1,9 @@
 #pragma once
-// JSON string literals: the one writer of them, for answers' envelopes and
-// every serialisation. A literal is also a valid JavaScript string literal:
-// control characters, quotes, backslashes, U+2028 and U+2029 are escaped,
-// everything else stays as it is.
+/// @file
+/// JSON string literals: the one writer of them, for answers' envelopes and
+/// every serialisation. A literal is also a valid JavaScript string literal:
+/// control characters, quotes, backslashes, U+2028 and U+2029 are escaped,
+/// everything else stays as it is.
 
 #include "websdk/Export.hpp"
 
@@ -11,6 +12,7 @@
 
 namespace websdk {
 
+/// What quotedSize() gives for text that is not well-formed UTF-8.
 inline constexpr std::size_t kNotUTF8 = static_cast<std::size_t>(-1);
 
 /// The length of `s` written as a literal, quotes included, or kNotUTF8 when

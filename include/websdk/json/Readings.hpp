@@ -1,6 +1,7 @@
 #pragma once
-// The value readings every request model is decoded with. Each reading takes a
-// possibly absent value (nullptr = key absent) and never throws.
+/// @file
+/// The value readings every request model is decoded with. Each reading takes a
+/// possibly absent value (nullptr = key absent) and never throws.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
@@ -71,7 +72,7 @@ WEBSDK_EXPORT std::optional<double> number(const JSON* v);
 WEBSDK_EXPORT std::optional<std::int64_t> integer(const JSON* v);
 /// The value only when it is a JSON object / array.
 WEBSDK_EXPORT std::optional<JSONObject> object(const JSON* v);
-WEBSDK_EXPORT std::optional<JSONArray> array(const JSON* v);
+WEBSDK_EXPORT std::optional<JSONArray> array(const JSON* v);  ///< The value only when it is a JSON array.
 /// An object's members as strings (each by the lenient string reading); nothing
 /// unless the value is an object.
 WEBSDK_EXPORT std::optional<std::map<std::string, std::string>> stringMap(const JSON* v);
@@ -98,8 +99,11 @@ std::optional<E> enumeration(const JSON* v) {
 /// readings by key. Copying it is free; it must not outlive the dictionary.
 class WEBSDK_EXPORT Fields {
  public:
+  /// An absent dictionary.
   Fields() = default;
+  /// A view of `object` (absent when null).
   Fields(const JSONObject* object) : object_(object) {}
+  /// A view of `object` (absent when it is nothing).
   Fields(const std::optional<JSONObject>& object) : object_(object ? &*object : nullptr) {}
   /// A view of `v` when it is an object, else an absent dictionary.
   static Fields of(const JSON* v) { return Fields(v ? v->if_object() : nullptr); }
@@ -108,7 +112,9 @@ class WEBSDK_EXPORT Fields {
   bool absent() const { return object_ == nullptr; }
   /// No dictionary, or one without keys.
   bool empty() const { return object_ == nullptr || object_->empty(); }
+  /// Whether `key` is present (JSON null included).
   bool has(std::string_view key) const { return (*this)[key] != nullptr; }
+  /// The dictionary, or nullptr when absent.
   const JSONObject* dictionary() const { return object_; }
 
   /// The value under `key`, or nullptr.
@@ -119,6 +125,8 @@ class WEBSDK_EXPORT Fields {
   /// The dictionary under `key` (absent unless it is an object).
   Fields nested(std::string_view key) const { return of((*this)[key]); }
 
+  /// The reading of the same name, of the value under `key`.
+  ///@{
   std::string lenientString(std::string_view key) const { return websdk::lenientString((*this)[key]); }
   std::optional<std::string> strictString(std::string_view key) const { return websdk::strictString((*this)[key]); }
   bool lenientBool(std::string_view key) const { return websdk::lenientBool((*this)[key]); }
@@ -140,6 +148,7 @@ class WEBSDK_EXPORT Fields {
   std::optional<E> enumeration(std::string_view key) const {
     return websdk::enumeration<E>((*this)[key]);
   }
+  ///@}
 
  private:
   const JSONObject* object_ = nullptr;

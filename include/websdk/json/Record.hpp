@@ -1,17 +1,20 @@
 #pragma once
-// Records: plain aggregates whose fields are listed once, with their names (and,
-// where the JSON key differs, their keys). Equality, JSON encoding and the
-// description used by logs and the inspector all come from that one list.
-//
-//   struct WebSDKApplyCouponRequestModel {
-//     std::optional<JSONObject> tenant;
-//     double cartValue = 0;
-//     ...
-//     WEBSDK_RECORD(WebSDKApplyCouponRequestModel, tenant, cartValue, ...)
-//   };
-//
-// Records encoded with keys other than their field names list (field, "key")
-// pairs instead: WEBSDK_KEYED_RECORD(OrbisData, (planId, "plan_id"), ...).
+/// @file
+/// Records: plain aggregates whose fields are listed once, with their names (and,
+/// where the JSON key differs, their keys). Equality, JSON encoding and the
+/// description used by logs and the inspector all come from that one list.
+///
+/// ~~~{.cpp}
+///   struct WebSDKApplyCouponRequestModel {
+///     std::optional<JSONObject> tenant;
+///     double cartValue = 0;
+///     ...
+///     WEBSDK_RECORD(WebSDKApplyCouponRequestModel, tenant, cartValue, ...)
+///   };
+/// ~~~
+///
+/// Records encoded with keys other than their field names list (field, "key")
+/// pairs instead: WEBSDK_KEYED_RECORD(OrbisData, (planId, "plan_id"), ...).
 
 #include "websdk/json/Enum.hpp"
 #include "websdk/json/JSON.hpp"
@@ -32,13 +35,15 @@
 
 namespace websdk {
 
+/// One field of a record's list: member `M` of `T`, with its name and key.
 template <class T, class M>
 struct Field {
-  std::string_view name;  // the field's name: descriptions use it
-  M T::*member;
-  std::string_view key;  // the JSON key the record encodes with
+  std::string_view name;  ///< The field's name: descriptions use it.
+  M T::*member;           ///< The member.
+  std::string_view key;   ///< The JSON key the record encodes with.
 };
 
+/// A field of the list, its key its name unless given.
 template <class T, class M>
 constexpr Field<T, M> field(std::string_view name, M T::*member, std::string_view key = {}) {
   return {name, member, key.empty() ? name : key};
@@ -108,11 +113,13 @@ constexpr bool checkRecord() {
   return true;
 }
 
-// Turning a field's value into JSON. Enumerations give their raw values, nested
-// records objects, shared references their object (or null when empty).
+/// Turning a field's value into JSON. Enumerations give their raw values, nested
+/// records objects, shared references their object (or null when empty).
 template <class V>
 JSON toJSONValue(const V& v, FieldNaming naming);
 
+/// A record as a JSON object, each field under its key or its name; an empty
+/// optional leaves no key.
 template <Record T>
 JSONObject toJSONObject(const T& record, FieldNaming naming = FieldNaming::keys) {
   static_assert(checkRecord<T>());

@@ -1,11 +1,12 @@
 #pragma once
-// What a model reads, as data: the keys its declaration names, with their
-// readings, the values an enumeration accepts, what nested objects and array
-// elements hold, and whether the model fails without the key. The contract
-// tools (websdk-inspect --catalogue, the page's typings) print it.
-//
-// Keys come in the order a reader meets them: the ones the model cannot do
-// without first, then the others in declaration order.
+/// @file
+/// What a model reads, as data: the keys its declaration names, with their
+/// readings, the values an enumeration accepts, what nested objects and array
+/// elements hold, and whether the model fails without the key. The contract
+/// tools (websdk-inspect --catalogue, the page's typings) print it.
+///
+/// Keys come in the order a reader meets them: the ones the model cannot do
+/// without first, then the others in declaration order.
 
 #include "websdk/json/Model.hpp"
 

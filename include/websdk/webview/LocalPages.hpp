@@ -1,10 +1,11 @@
 #pragma once
-// Pages the app serves itself, under a scheme and host of its own
-// (app://checkout/index.html), from a folder or from memory. An engine that
-// supports them (WebKitGTKConfiguration::localPages) answers their requests
-// with what `answer` says; the whitelist, loadWebView and the bridge treat
-// their host like any other, so the app's headers reach them only when the
-// whitelist names them ("app://checkout").
+/// @file
+/// Pages the app serves itself, under a scheme and host of its own
+/// (app://checkout/index.html), from a folder or from memory. An engine that
+/// supports them (WebKitGTKConfiguration::localPages) answers their requests
+/// with what `answer` says; the whitelist, loadWebView and the bridge treat
+/// their host like any other, so the app's headers reach them only when the
+/// whitelist names them ("app://checkout").
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
@@ -21,6 +22,7 @@ namespace websdk {
 
 /// One resource served from memory.
 struct WEBSDK_EXPORT LocalResource {
+  /// Its content.
   std::string bytes{};
   /// Its Content-Type ("text/html; charset=utf-8"); empty: from the path's extension.
   std::string mimeType{};
@@ -30,6 +32,7 @@ struct WEBSDK_EXPORT LocalResource {
 struct WEBSDK_EXPORT LocalRequest {
   /// The URL as the engine loads it.
   std::string url;
+  /// Its HTTP method.
   std::string method = "GET";
   /// The fields as they arrived: the app's headers are among them on the
   /// first request of a load made with them, when the whitelist trusts it.
@@ -41,10 +44,13 @@ struct WEBSDK_EXPORT LocalAnswer {
   /// 200; 403 for a path that tries to leave the pages; 404 for one that is
   /// not there (or a host not served); 405 for a method other than GET or HEAD.
   int status = 404;
+  /// The body's Content-Type.
   std::string mimeType = "text/plain; charset=utf-8";
   /// The body, unless `file` names one to stream.
   std::string bytes{};
+  /// A file whose content is the body; empty for `bytes`.
   std::string file{};
+  /// Memberwise.
   bool operator==(const LocalAnswer&) const = default;
 };
 
@@ -62,8 +68,8 @@ WEBSDK_EXPORT std::string mimeTypeFor(std::string_view path);
 /// the web or the engine already handles. The host is lowercase ASCII (a URL
 /// with another spelling names another host, which nothing serves).
 struct WEBSDK_EXPORT LocalPages {
-  std::string scheme = "app";
-  std::string host;
+  std::string scheme = "app";  ///< The scheme, lowercase.
+  std::string host;            ///< The host, lowercase ASCII.
   /// Files under this folder. A file reached through a link that leads out of
   /// it is not served.
   std::string folder{};

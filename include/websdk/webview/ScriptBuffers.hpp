@@ -1,8 +1,9 @@
 #pragma once
-// Buffers for large page scripts (answers and pushes). A burst of big answers
-// is written into buffers the engine hands back once it has sent them, so the
-// allocator does not map fresh pages for each answer and give them back to the
-// system after: on a busy page that churn costs more than the copies do.
+/// @file
+/// Buffers for large page scripts (answers and pushes). A burst of big answers
+/// is written into buffers the engine hands back once it has sent them, so the
+/// allocator does not map fresh pages for each answer and give them back to the
+/// system after: on a busy page that churn costs more than the copies do.
 
 #include "websdk/Export.hpp"
 

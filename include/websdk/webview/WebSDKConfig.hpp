@@ -1,4 +1,6 @@
 #pragma once
+/// @file
+/// A web view's settings.
 
 #include "websdk/Export.hpp"
 
@@ -39,6 +41,7 @@ struct WEBSDK_EXPORT WebSDKTrafficRecording {
   /// the one before) and begun afresh, so a recording never holds more than
   /// twice that.
   std::string path;
+  /// The size at which the file moves aside (8 MiB by default).
   std::size_t maximumBytes = std::size_t{8} << 20;
   /// On (the default): the app's header values, wherever they appear, and
   /// every field the models mark sensitive (card data, tokens, phone numbers,
@@ -49,13 +52,16 @@ struct WEBSDK_EXPORT WebSDKTrafficRecording {
   /// page sends.
   std::set<std::string, std::less<>> sensitiveKeys{};
 
+  /// Memberwise.
   bool operator==(const WebSDKTrafficRecording&) const = default;
 };
 
 /// Which hosts the web view trusts with the app's headers and the bridge.
 /// Fixed when the view is made (the view holds it const).
 struct WEBSDK_EXPORT WebSDKConfig {
+  /// The trusted entries: hosts, or a scheme and host (see isWhitelistedURL()).
   std::vector<std::string> whitelistedHosts;
+  /// Trusts every URL that has a host.
   bool shouldWhitelistAllUrls = false;
   /// Off: a message from any frame is judged by the top page's host. On:
   /// each frame is judged by its own document's host.
@@ -111,6 +117,7 @@ struct WEBSDK_EXPORT WebSDKConfig {
   /// "app://checkout").
   WebSDKConfig normalized() const;
 
+  /// Memberwise.
   bool operator==(const WebSDKConfig&) const = default;
 };
 

@@ -1,11 +1,12 @@
 #pragma once
-// The events native code pushes to the page on its own initiative. Each case
-// is one row of a table: the page function it calls, how the call is guarded,
-// and how each argument is written; the call text and the contract tools'
-// page-function list both come from that row. Text arguments are spliced in
-// verbatim (nothing is escaped), so callers pass text without single quotes,
-// backslashes or line breaks; or they send the escaped form (`escaped()`),
-// which writes each text argument as a JSON string literal.
+/// @file
+/// The events native code pushes to the page on its own initiative. Each case
+/// is one row of a table: the page function it calls, how the call is guarded,
+/// and how each argument is written; the call text and the contract tools'
+/// page-function list both come from that row. Text arguments are spliced in
+/// verbatim (nothing is escaped), so callers pass text without single quotes,
+/// backslashes or line breaks; or they send the escaped form (`escaped()`),
+/// which writes each text argument as a JSON string literal.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
@@ -21,42 +22,66 @@ namespace websdk {
 
 /// What each case carries, as the page function receives it.
 namespace jsfunction {
+/// The keyboard shown or hidden, and its height.
 struct WEBSDK_EXPORT KeyboardState {
+  /// The fields, written under JSON keys of their names.
+  ///@{
   bool visible = false;
   double height = 0;
+  ///@}
   WEBSDK_RECORD(KeyboardState, visible, height)
 };
+/// Whether the page's screen is visible.
 struct WEBSDK_EXPORT ScreenVisibility {
+  /// Written under the JSON key of its name.
   bool isVisible = false;
   WEBSDK_RECORD(ScreenVisibility, isVisible)
 };
+/// A deep link for the page to open.
 struct WEBSDK_EXPORT Deeplink {
+  /// Written under the JSON key of its name.
   std::string url;
   WEBSDK_RECORD(Deeplink, url)
 };
+/// Whether the user is logged in.
 struct WEBSDK_EXPORT UserState {
+  /// Written under the JSON key of its name.
   bool loggedin = false;
   WEBSDK_RECORD(UserState, loggedin)
 };
+/// Text handed to the page function as it is.
 struct WEBSDK_EXPORT PayloadData {
+  /// Written under the JSON key of its name.
   std::string payloadData;
   WEBSDK_RECORD(PayloadData, payloadData)
 };
+/// The rest of a search call (see searchQueryInput()).
 struct WEBSDK_EXPORT SearchQuery {
+  /// Written under the JSON key of its name.
   std::string query;
   WEBSDK_RECORD(SearchQuery, query)
 };
+/// What the user did in the menu list: played a video, clicked the menu.
 struct WEBSDK_EXPORT MenuListInteraction {
+  /// The fields, written under JSON keys of their names.
+  ///@{
   bool playVideo = false;
   bool menuClick = false;
+  ///@}
   WEBSDK_RECORD(MenuListInteraction, playVideo, menuClick)
 };
+/// A search query and its type.
 struct WEBSDK_EXPORT PXSearchAction {
+  /// The fields, written under JSON keys of their names.
+  ///@{
   std::string query;
   std::string type;
+  ///@}
   WEBSDK_RECORD(PXSearchAction, query, type)
 };
+/// The scratch cards' data, as text.
 struct WEBSDK_EXPORT ScratchCardsData {
+  /// Written under the JSON key of its name.
   std::string cardData;
   WEBSDK_RECORD(ScratchCardsData, cardData)
 };
@@ -88,12 +113,14 @@ enum class PageCallGuard { none, whenDefined, whenInWindow };
 /// One page function: its name, its guard, what separates its arguments and
 /// how each argument of the case's record is written, in the record's order.
 struct PageFunction {
-  std::string_view name;
-  PageCallGuard guard = PageCallGuard::none;
-  std::string_view separator = ",";
-  std::array<PageArgument, 2> arguments{};
+  std::string_view name;                      ///< The function's name in the page.
+  PageCallGuard guard = PageCallGuard::none;  ///< How the call is guarded.
+  std::string_view separator = ",";           ///< What goes between arguments.
+  std::array<PageArgument, 2> arguments{};    ///< How each argument is written.
 };
 
+/// An event native code pushes to the page: a call of one page function, with
+/// the values its case carries. Made by the factory of its case.
 class WEBSDK_EXPORT WebSDKJSFunctionType
     : public TaggedPayload<WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
                            Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,
@@ -107,6 +134,8 @@ class WEBSDK_EXPORT WebSDKJSFunctionType
                            Carries<WebSDKJSFunctionTypeCase::updateScratchCardsData, jsfunction::ScratchCardsData>,
                            Carries<WebSDKJSFunctionTypeCase::globalJSBridgeHandler, jsfunction::PayloadData>> {
  public:
+  /// The event of the case of the same name, carrying these values.
+  ///@{
   static WebSDKJSFunctionType keyboardStateChanged(bool visible, double height) {
     return make<Case::keyboardStateChanged>({visible, height});
   }
@@ -116,11 +145,14 @@ class WEBSDK_EXPORT WebSDKJSFunctionType
   static WebSDKJSFunctionType allowNativeBottomBarExit(std::string payloadData) {
     return make<Case::allowNativeBottomBarExit>({std::move(payloadData)});
   }
+  ///@}
   /// Only the opening "SEARCH_QUERY_INPUT(" is written: `query` carries the
   /// rest of the call, its quotes and the closing parenthesis.
   static WebSDKJSFunctionType searchQueryInput(std::string query) {
     return make<Case::searchQueryInput>({std::move(query)});
   }
+  /// The event of the case of the same name, carrying these values (if any).
+  ///@{
   static WebSDKJSFunctionType menuListInteracted(bool playVideo, bool menuClick) {
     return make<Case::menuListInteracted>({playVideo, menuClick});
   }
@@ -138,6 +170,7 @@ class WEBSDK_EXPORT WebSDKJSFunctionType
   static WebSDKJSFunctionType onHalfCardBackgroundTap() { return make<Case::onHalfCardBackgroundTap>(); }
   static WebSDKJSFunctionType updateLocationHeader() { return make<Case::updateLocationHeader>(); }
   static WebSDKJSFunctionType pageResume() { return make<Case::pageResume>(); }
+  ///@}
 
   /// The page function case C calls.
   static constexpr PageFunction pageFunction(Case c) {

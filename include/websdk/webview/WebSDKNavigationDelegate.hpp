@@ -1,6 +1,7 @@
 #pragma once
-// The host's view of navigation: every event and policy question of the page's
-// engine, forwarded unchanged. The defaults allow everything.
+/// @file
+/// The host's view of navigation: every event and policy question of the page's
+/// engine, forwarded unchanged. The defaults allow everything.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
@@ -11,11 +12,16 @@ namespace websdk {
 
 class WebSDKWebView;
 
+/// What a host hears of its view's navigation, and how it answers the
+/// engine's questions. A view holds its delegate weakly; without one, the
+/// engine's questions stay unanswered and pages do not load.
 class WEBSDK_EXPORT WebSDKNavigationDelegate {
  public:
   virtual ~WebSDKNavigationDelegate() = default;
 
+  /// A navigation started.
   virtual void didStartProvisionalNavigation(WebSDKWebView& webView, const WebSDKNavigation* navigation) = 0;
+  /// A navigation finished loading.
   virtual void didFinish(WebSDKWebView& webView, const WebSDKNavigation* navigation) = 0;
   /// Never called by the web view itself; available to the host.
   virtual void didFailLoadingWithError(WebSDKWebView& webView, const WebSDKError& error) { (void)webView, (void)error; }

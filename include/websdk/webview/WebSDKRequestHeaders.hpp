@@ -1,4 +1,6 @@
 #pragma once
+/// @file
+/// The names of the request headers a host fills.
 
 #include "websdk/Export.hpp"
 
@@ -10,6 +12,8 @@ namespace websdk {
 /// request headers of a load. The WebSDK fixes only the names; the values are
 /// the host's.
 struct WEBSDK_EXPORT WebSDKRequestHeaders {
+  /// A header's name, as the load sends it and the page reads it.
+  ///@{
   static constexpr std::string_view platform = "platform";
   static constexpr std::string_view versionCode = "version-code";
   static constexpr std::string_view lat = "lat";
@@ -45,6 +49,7 @@ struct WEBSDK_EXPORT WebSDKRequestHeaders {
   static constexpr std::string_view cityId = "cityId";
   static constexpr std::string_view showPxBottomBar = "isPxBottomBarXpEnabled";
   static constexpr std::string_view plVersion = "plVersion";
+  ///@}
 };
 
 }  // namespace websdk

@@ -1,5 +1,6 @@
 #pragma once
-// The envelope every answer travels in, and the codes it carries.
+/// @file
+/// The envelope every answer travels in, and the codes it carries.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Enum.hpp"
@@ -13,6 +14,7 @@
 
 namespace websdk {
 
+/// Whether an answer is a success ("SUCCESS") or a failure ("FAILED").
 enum class WebSDKResponseType { success, failure };
 constexpr auto rawValues(WebSDKResponseType) {
   using enum WebSDKResponseType;
@@ -29,6 +31,7 @@ enum class WebSDKStatusCode : std::int64_t {
   notFound = 1004,
   notWhitelistedUrl = 1005,
 };
+/// The number a status code is sent as.
 constexpr std::int64_t rawValue(WebSDKStatusCode code) { return static_cast<std::int64_t>(code); }
 /// The code whose raw value is `raw` (0, 1, 1001-1005), or nothing.
 constexpr std::optional<WebSDKStatusCode> statusCodeFromRawValue(std::int64_t raw) {
@@ -38,11 +41,11 @@ constexpr std::optional<WebSDKStatusCode> statusCodeFromRawValue(std::int64_t ra
 
 /// The answer to one request, as the page's `nativeResponse` receives it.
 struct WEBSDK_EXPORT WebSDKResponseModel {
-  std::string type;  // "SUCCESS" or "FAILED"
-  std::int64_t statusCode = 0;
-  std::optional<std::string> statusMessage;
-  std::string requestId;
-  std::optional<std::string> payload;  // already serialised; the page parses it again
+  std::string type;                          ///< "SUCCESS" or "FAILED".
+  std::int64_t statusCode = 0;               ///< A WebSDKStatusCode's number, or the host's own.
+  std::optional<std::string> statusMessage;  ///< Left out when there is none.
+  std::string requestId;                     ///< The id of the request it answers.
+  std::optional<std::string> payload;        ///< Already serialised; the page parses it again.
 
   WEBSDK_RECORD(WebSDKResponseModel, type, statusCode, statusMessage, requestId, payload)
 };

@@ -1,7 +1,8 @@
 #pragma once
-// The traffic recorder: one JSON line per event a view's bridge sees, so a
-// failing session can be read, or replayed (websdk-inspect --replay), away
-// from the app. Masked by default; bounded by a size cap with one rotation.
+/// @file
+/// The traffic recorder: one JSON line per event a view's bridge sees, so a
+/// failing session can be read, or replayed (websdk-inspect --replay), away
+/// from the app. Masked by default; bounded by a size cap with one rotation.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
@@ -23,21 +24,23 @@ namespace websdk {
 
 /// What became of one request the page posted.
 struct WEBSDK_EXPORT WebSDKRecordedRequest {
-  std::string page;  // the URL the request was judged by
-  std::string requestId;
-  std::string action;
-  std::string_view family;  // "" when no family knows the action
+  std::string page;         ///< The URL the request was judged by.
+  std::string requestId;    ///< The page's id for it.
+  std::string action;       ///< The action string the page sent.
+  std::string_view family;  ///< The family's name; "" when no family knows the action.
   /// "delivered" (to the family's plugin), "refused" (answered with a
   /// failure: `status`, `message`), or "dropped" (the plugin was released).
   std::string_view outcome = "refused";
-  std::optional<std::int64_t> status;
-  std::optional<std::string> message;
-  std::optional<JSON> payload;  // as the page sent it; none for a message refused unread
+  std::optional<std::int64_t> status;  ///< A refusal's status code.
+  std::optional<std::string> message;  ///< A refusal's message.
+  std::optional<JSON> payload;         ///< As the page sent it; none for a message refused unread.
   /// When delivered: the description of the typed payload the plugin gets
   /// from the payload as recorded (masked), which is what a replay gets too.
   std::optional<JSON> received;
 };
 
+/// Writes a view's traffic to its recording as JSON lines, masked; each line
+/// is flushed as it is written.
 class WEBSDK_EXPORT WebSDKTrafficRecorder {
  public:
   /// Opens the recording for `view`'s traffic and writes its first line (the
@@ -50,6 +53,7 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   /// wherever they stand, inside longer text too.
   void addSecrets(const std::map<std::string, std::string>& fields);
 
+  /// A request the page posted, and what became of it.
   void request(const WebSDKRecordedRequest& request);
   /// An answer evaluated in `page` (outcome "sent"), or one that was not
   /// (`dropped` says why).
@@ -61,10 +65,12 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   /// `value` as the recording writes it: sensitive keys' values and the
   /// secrets replaced by the mask (unless masking is off).
   JSON masked(JSON value) const;
+  /// `text` with the secrets replaced by the mask (unless masking is off).
   std::string masked(std::string text) const;
 
   /// The JSON keys of every field the request models mark sensitive.
   static const std::set<std::string, std::less<>>& sensitiveKeys();
+  /// What a masked value is written as.
   static constexpr std::string_view kMask = "***";
 
  private:

@@ -1,7 +1,8 @@
 #pragma once
-// The web view a host app places wherever a screen is a web page: it loads the
-// page with the app's headers (only to trusted hosts), carries the bridge, and
-// sends answers and events to the page.
+/// @file
+/// The web view a host app places wherever a screen is a web page: it loads the
+/// page with the app's headers (only to trusted hosts), carries the bridge, and
+/// sends answers and events to the page.
 
 #include "websdk/Export.hpp"
 #include "websdk/Log.hpp"
@@ -46,15 +47,17 @@ class DvWebViewMenuListCallbacks;
 
 /// The answers a view was given, by whether a page was waiting for them.
 struct WEBSDK_EXPORT WebSDKAnswerCounts {
-  std::uint64_t expected = 0;   // to a request handed to a plugin and not answered before
-  std::uint64_t unasked = 0;    // to an id never asked, or answered already
-  std::uint64_t overdue = 0;    // requests still unanswered at their family's deadline
-  std::uint64_t late = 0;       // to a request of a document gone, answered or failed already: dropped
-  std::uint64_t repeated = 0;   // a reply's second answer: refused
-  std::uint64_t abandoned = 0;  // replies let go unanswered: the page was told the request failed
+  std::uint64_t expected = 0;   ///< To a request handed to a plugin and not answered before.
+  std::uint64_t unasked = 0;    ///< To an id never asked, or answered already.
+  std::uint64_t overdue = 0;    ///< Requests still unanswered at their family's deadline.
+  std::uint64_t late = 0;       ///< To a request of a document gone, answered or failed already: dropped.
+  std::uint64_t repeated = 0;   ///< A reply's second answer: refused.
+  std::uint64_t abandoned = 0;  ///< Replies let go unanswered: the page was told the request failed.
+  /// Memberwise.
   bool operator==(const WebSDKAnswerCounts&) const = default;
 };
 
+/// Header fields by name.
 using WebSDKHeaders = std::map<std::string, std::string>;
 
 /// The script the web view installs rather than evaluates.
@@ -67,9 +70,11 @@ class WEBSDK_EXPORT WebSDKAppFunctions {
   /// The fields as one JSON object, which getDovaraHeaders() returns exactly:
   /// what would end the script's string early is escaped on the way in.
   static WebSDKAppFunctions nativeHeaders(const WebSDKHeaders& fields);
+  /// The text getDovaraHeaders() returns.
   const std::string& headers() const { return headers_; }
   /// Whether the text was escaped for the script (made from fields).
   bool escaped() const { return escaped_; }
+  /// The script that installs window.__native_headers__.
   std::string script() const;
 
  private:
@@ -101,8 +106,10 @@ class WEBSDK_EXPORT WebSDKJSInteractionProtocol {
   virtual void sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type,
                                   const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
                                   std::optional<std::string> statusMessage = std::nullopt) = 0;
+  /// A success without a payload.
   virtual void sendSuccess(const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
                            std::optional<std::string> statusMessage = std::nullopt) = 0;
+  /// A failure without a payload.
   virtual void sendFailure(const std::string& requestId, std::optional<std::int64_t> statusCode = std::nullopt,
                            std::optional<std::string> statusMessage = std::nullopt) = 0;
   /// A payload string used verbatim.
@@ -111,6 +118,10 @@ class WEBSDK_EXPORT WebSDKJSInteractionProtocol {
                                   std::optional<std::string> statusMessage = std::nullopt) = 0;
 };
 
+/// The web view a host places wherever a screen is a web page: it loads pages
+/// with the app's headers, carries the bridge from the page to the plugins,
+/// and sends answers and events back. Made by create(); the send operations
+/// may be called from any thread, everything else on the UI thread.
 class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
                                           private WebEngineClient,
                                           private BridgeView,
@@ -143,13 +154,16 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
       const std::shared_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicationDelegate = nullptr,
       const std::shared_ptr<DvWebViewSetRecipientInfoCallsBacks>& setRecipientInfoDelegate = nullptr);
 
+  /// For create() alone, which holds the passkey.
   WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const WebSDKConfig& config);
   WebSDKWebView(const WebSDKWebView&) = delete;
   WebSDKWebView& operator=(const WebSDKWebView&) = delete;
   ~WebSDKWebView() override;
 
   // ---- Bridge wiring -------------------------------------------------------
+  /// Hands the page's "nativeRequest" messages to the bridge.
   void addWebSDKScriptHandler();
+  /// Stops handing the page's messages to the bridge.
   void removeWebSDKScriptHandler();
   /// Detaches the bridge from this view: later messages find no web view to
   /// answer through. Plugins stay registered.
@@ -162,7 +176,8 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
     handler_->setPlugin<F>(plugin);
     registered(F::name, F::slot, plugin);
   }
-  // The same, by the names hosts know.
+  /// The same, by the names hosts know.
+  ///@{
   void setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& plugin);
   void setChatConversationPlugin(const std::shared_ptr<DvWebViewChatConversationCallsBacks>& plugin);
   void setCartPlugin(const std::shared_ptr<DvCartWebViewCallBacks>& plugin);
@@ -172,6 +187,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void setZippaPlugin(const std::shared_ptr<DvZippaWebViewCallBacks>& plugin);
   void setAccountsPlugin(const std::shared_ptr<DvAccountsWebViewCallBacks>& plugin);
   void setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCallbacks>& plugin);
+  ///@}
 
   // ---- Loading -------------------------------------------------------------
   /// Loads `with` when it is a URL (else does nothing). A whitelisted host gets
@@ -183,12 +199,17 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void executeJSScript(const WebSDKAppFunctions& type);
 
   // ---- Settings ------------------------------------------------------------
+  /// Whether pinch-zoom is let through (checked as each pinch starts).
   bool pinchGestureEnable() const { return pinchGestureEnable_; }
+  /// Lets pinch-zoom through, or refuses it from the next pinch on.
   void setPinchGestureEnable(bool enable) { pinchGestureEnable_ = enable; }
+  /// Whether pages run JavaScript.
   bool javaScriptEnabled() const { return javaScriptEnabled_; }
   /// Replaces the engine's preferences with a fresh object holding only this switch.
   void setJavaScriptEnabled(bool enabled);
+  /// Whether a page is shown only once fully loaded (where the engine can).
   bool suppressesIncrementalRendering() const { return suppressesIncrementalRendering_; }
+  /// Sets it, on the engine too.
   void setSuppressesIncrementalRendering(bool suppress);
 
   // ---- Answers (any thread) ------------------------------------------------
@@ -221,10 +242,13 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt) override;
 
   // ---- State -----------------------------------------------------------------
+  /// The bridge: it judges and routes the page's messages.
   const std::shared_ptr<WebSDKScriptHandler>& handler() const { return handler_; }
   /// Fixed when the view is made; its entries are in canonical host form.
   const WebSDKConfig webSDKConfig;
+  /// Hears of navigation and answers its questions; held weakly.
   std::weak_ptr<WebSDKNavigationDelegate> webSDKNavigationDelegate;
+  /// Hears of the bridge's traffic; held weakly.
   std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicatorDelegate;
 
   /// The URL of the committed page, if any (never a load still pending).
@@ -232,6 +256,8 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
     const auto shown = engine_->url();
     return shown ? std::optional<std::string>(*shown) : std::nullopt;
   }
+  /// The engine behind the view (for the engine's own accessors, such as the
+  /// native widget).
   WebEngine& engine() { return *engine_; }
   /// How the view's log lines name it: `WebSDKConfig::name`, or "view N".
   const std::string& name() const { return name_; }

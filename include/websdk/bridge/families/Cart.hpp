@@ -1,7 +1,8 @@
 #pragma once
-// The cart family's row and its plugin protocol, DvCartWebViewCallBacks: a host
-// that serves the family implements handleCartRequest and includes this header,
-// which brings the family's actions and models and no other family's.
+/// @file
+/// The cart family's row and its plugin protocol, DvCartWebViewCallBacks: a host
+/// that serves the family implements handleCartRequest and includes this header,
+/// which brings the family's actions and models and no other family's.
 
 #include "websdk/bridge/Family.hpp"
 #include "websdk/plugins/commerce/Cart.hpp"

@@ -1,8 +1,9 @@
 #pragma once
-// The chat conversation family's row and its plugin protocol,
-// DvWebViewChatConversationCallsBacks: a host that serves the family implements
-// handleChatConversationRequest and includes this header, which brings the
-// family's actions and models and no other family's.
+/// @file
+/// The chat conversation family's row and its plugin protocol,
+/// DvWebViewChatConversationCallsBacks: a host that serves the family implements
+/// handleChatConversationRequest and includes this header, which brings the
+/// family's actions and models and no other family's.
 
 #include "websdk/bridge/Family.hpp"
 #include "websdk/plugins/commerce/ChatConversation.hpp"

@@ -1,8 +1,9 @@
 #pragma once
-// The generic family's row and its plugin protocol, DvWebViewGenericCallsBacks:
-// a host that serves the family implements handleGenericRequest and includes
-// this header, which brings the family's actions and models and no other
-// family's.
+/// @file
+/// The generic family's row and its plugin protocol, DvWebViewGenericCallsBacks:
+/// a host that serves the family implements handleGenericRequest and includes
+/// this header, which brings the family's actions and models and no other
+/// family's.
 
 #include "websdk/bridge/Family.hpp"
 #include "websdk/plugins/generic/GenericCatalogue.hpp"

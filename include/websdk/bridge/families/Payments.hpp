@@ -1,8 +1,9 @@
 #pragma once
-// The payments family's row and its plugin protocol,
-// DvWebViewPaymentsCallsBacks: a host that serves the family implements
-// handlePaymentsRequest and includes this header, which brings the family's
-// actions and models and no other family's.
+/// @file
+/// The payments family's row and its plugin protocol,
+/// DvWebViewPaymentsCallsBacks: a host that serves the family implements
+/// handlePaymentsRequest and includes this header, which brings the family's
+/// actions and models and no other family's.
 
 #include "websdk/bridge/Family.hpp"
 #include "websdk/plugins/payments/PaymentsCatalogue.hpp"

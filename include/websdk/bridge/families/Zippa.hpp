@@ -1,7 +1,8 @@
 #pragma once
-// The Zippa family's row and its plugin protocol, DvZippaWebViewCallBacks: a
-// host that serves the family implements handleZippaRequest and includes this
-// header, which brings the family's actions and models and no other family's.
+/// @file
+/// The Zippa family's row and its plugin protocol, DvZippaWebViewCallBacks: a
+/// host that serves the family implements handleZippaRequest and includes this
+/// header, which brings the family's actions and models and no other family's.
 
 #include "websdk/bridge/Family.hpp"
 #include "websdk/plugins/commerce/Zippa.hpp"

@@ -1,8 +1,9 @@
 #pragma once
-// The chat conversation family: a support page asks for unread-conversation
-// data or reports a conversation id. The payload is the action itself; what
-// the page sent (the conversation id, say) reaches the plugin untouched in the
-// request model's `payload`.
+/// @file
+/// The chat conversation family: a support page asks for unread-conversation
+/// data or reports a conversation id. The payload is the action itself; what
+/// the page sent (the conversation id, say) reaches the plugin untouched in the
+/// request model's `payload`.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -19,6 +20,7 @@ WEBSDK_ACTIONS(WebSDKChatConversationAction, WebSDKChatConversationRequestPayloa
                 getSupportUnreadConversationData),
                (updateConversationId, "UPDATE_CONVERSATION_ID", updateConversationId))
 
+/// A request of the chat conversation family: its action, the page's request id and the raw payload.
 using WebSDKChatConversationRequestModel = WebSDKBridgeRequest<WebSDKChatConversationAction>;
 
 }  // namespace websdk

@@ -1,5 +1,6 @@
 #pragma once
-// The gifting cart family; it carries the cart's read and update models.
+/// @file
+/// The gifting cart family; it carries the cart's read and update models.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -17,6 +18,7 @@ WEBSDK_ACTIONS(WebSDKGiftingCartAction, WebSDKGiftingCartRequestPayload,
                (updateGiftingCart, "UPDATE_GIFTING_LOCAL_CART", updateGiftingCart, WebSDKUpdateCartRequestModel),
                (clearGiftingCart, "CLEAR_GIFTING_LOCAL_CART", clearGiftingCart))
 
+/// A request of the gifting cart family: its action, the page's request id and the raw payload.
 using WebSDKGiftingCartRequestModel = WebSDKBridgeRequest<WebSDKGiftingCartAction>;
 
 }  // namespace websdk

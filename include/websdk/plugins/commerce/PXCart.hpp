@@ -1,5 +1,6 @@
 #pragma once
-// The PX cart family.
+/// @file
+/// The PX cart family.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -13,6 +14,7 @@ namespace websdk {
 
 /// `data` from {"payload": {"data": {...}}} inside the payload; never fails.
 struct WEBSDK_EXPORT WebSDKUpdatePXCartRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<JSONObject> data;
 
   WEBSDK_MODEL(WebSDKUpdatePXCartRequestModel, anyPayload, (data, object, "payload.data"))
@@ -20,6 +22,7 @@ struct WEBSDK_EXPORT WebSDKUpdatePXCartRequestModel {
 
 /// The whole payload dictionary as received; never fails.
 struct WEBSDK_EXPORT WebSDKUpdatePXCartV2RequestModel {
+  /// The whole payload, as received.
   std::optional<JSONObject> data;
 
   WEBSDK_MODEL(WebSDKUpdatePXCartV2RequestModel, anyPayload, (data, wholePayload))
@@ -27,6 +30,7 @@ struct WEBSDK_EXPORT WebSDKUpdatePXCartV2RequestModel {
 
 /// The payload's "data" value as it stands; never fails.
 struct WEBSDK_EXPORT WebSDKPXSharedPreferenceRequestModel {
+  /// Read from the JSON key "data".
   std::optional<JSON> sharedDict;
 
   WEBSDK_MODEL(WebSDKPXSharedPreferenceRequestModel, anyPayload, (sharedDict, raw, "data"))
@@ -39,6 +43,7 @@ WEBSDK_ACTIONS(WebSDKPXCartAction, WebSDKPXCartRequestPayload, (getPXCart, "PX_G
                (pxSharedPreference, "UPDATE_PX_SHARED_PREFERENCE", sharedPreference,
                 WebSDKPXSharedPreferenceRequestModel))
 
+/// A request of the PX cart family: its action, the page's request id and the raw payload.
 using WebSDKPXCartRequestModel = WebSDKBridgeRequest<WebSDKPXCartAction>;
 
 }  // namespace websdk

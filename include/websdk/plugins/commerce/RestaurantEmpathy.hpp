@@ -1,6 +1,7 @@
 #pragma once
-// The restaurant empathy family: the data of a restaurant's personal message
-// after an order, and sharing a message on a social platform.
+/// @file
+/// The restaurant empathy family: the data of a restaurant's personal message
+/// after an order, and sharing a message on a social platform.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -16,11 +17,14 @@ namespace websdk {
 /// fails. A missing `message` or `title` stays absent, while a missing
 /// `platform`, `url` or `image` reads as "", so a host can tell the two apart.
 struct WEBSDK_EXPORT WebSDKShareSocialMediaResponseModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::string> message;
   std::optional<std::string> title;
   std::optional<std::string> platform;
   std::optional<std::string> url;
   std::optional<std::string> image;
+  ///@}
 
   WEBSDK_MODEL(WebSDKShareSocialMediaResponseModel, anyPayload, (message, strictString), (title, strictString),
                (platform, strictString, orEmpty), (url, strictString, orEmpty), (image, strictString, orEmpty))
@@ -29,12 +33,16 @@ struct WEBSDK_EXPORT WebSDKShareSocialMediaResponseModel {
 /// The data of a restaurant's message, for hosts to build and send (the
 /// WebSDK never builds one itself). Encoded with its field names.
 struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
+  /// What the message's share button shares.
   struct ShareMessage {
+    /// The fields, read from the JSON keys of their names. `buttonText` and `header` are required.
+    ///@{
     std::string buttonText;
     std::string header;
     std::optional<std::string> message;
     std::optional<std::string> title;
     std::optional<std::string> url;
+    ///@}
 
     /// Nothing unless "buttonText" and "header" are strings and each optional
     /// key is a string, null or missing.
@@ -42,6 +50,9 @@ struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
                  (header, strictString, required), (message, strictString), (title, strictString), (url, strictString))
   };
 
+  /// The fields, read from the JSON keys of their names. `imageId`, `header`, `message`, `share`, `userName`,
+  /// `restaurantName` and `orderId` are required.
+  ///@{
   std::string imageId;
   std::string header;
   std::string message;
@@ -49,6 +60,7 @@ struct WEBSDK_EXPORT WebSDKRestaurantEmpathyDataRequestModel {
   std::string userName;
   std::string restaurantName;
   std::string orderId;
+  ///@}
 
   /// Nothing unless every key is present with its type ("share" a valid
   /// ShareMessage object).
@@ -63,6 +75,7 @@ WEBSDK_ACTIONS(WebSDKRestaurantEmpathyAction, WebSDKRestaurantEmpathyRequestPayl
                (shareSocialMediaMessage, "SHARE_ON_SOCIAL_MEDIA", shareSocialMediaMessage,
                 WebSDKShareSocialMediaResponseModel))
 
+/// A request of the restaurant empathy family: its action, the page's request id and the raw payload.
 using WebSDKRestaurantEmpathyRequestModel = WebSDKBridgeRequest<WebSDKRestaurantEmpathyAction>;
 
 }  // namespace websdk

@@ -1,5 +1,6 @@
 #pragma once
-// The VR cart family.
+/// @file
+/// The VR cart family.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -13,6 +14,7 @@ namespace websdk {
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKGetVRCartRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::string> flowType;
 
   WEBSDK_MODEL(WebSDKGetVRCartRequestModel, needsPayload, (flowType, strictString))
@@ -20,6 +22,7 @@ struct WEBSDK_EXPORT WebSDKGetVRCartRequestModel {
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKClearVRCartRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::string> flowType;
 
   WEBSDK_MODEL(WebSDKClearVRCartRequestModel, needsPayload, (flowType, strictString))
@@ -27,12 +30,15 @@ struct WEBSDK_EXPORT WebSDKClearVRCartRequestModel {
 
 /// Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKUpdateVRCartRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<JSONArray> items;
   std::optional<JSON> cartMetaData;
   std::optional<JSON> location;
   std::optional<std::string> cartType;
   std::optional<std::string> flowType;
   bool forceRefresh = false;
+  ///@}
 
   WEBSDK_MODEL(WebSDKUpdateVRCartRequestModel, needsPayload, (items, array), (cartMetaData, raw), (location, raw),
                (cartType, strictString), (flowType, strictString), (forceRefresh, strictBool))
@@ -43,6 +49,7 @@ WEBSDK_ACTIONS(WebSDKVRCartAction, WebSDKVRCartRequestPayload,
                (updateVRCart, "VERANDO_UPDATE_LOCAL_CART", updateVRCart, WebSDKUpdateVRCartRequestModel),
                (clearVRCart, "VERANDO_CLEAR_LOCAL_CART", clearVRCart, WebSDKClearVRCartRequestModel))
 
+/// A request of the VR cart family: its action, the page's request id and the raw payload.
 using WebSDKVRCartRequestModel = WebSDKBridgeRequest<WebSDKVRCartAction>;
 
 }  // namespace websdk

@@ -1,6 +1,7 @@
 #pragma once
-// Analytics events, files, quiz progress, the live order activity, remote
-// configuration, installed apps, group orders and feedback.
+/// @file
+/// Analytics events, files, quiz progress, the live order activity, remote
+/// configuration, installed apps, group orders and feedback.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
@@ -17,8 +18,11 @@ namespace websdk {
 /// An event for the app's own tracker. Fails without an "eventName"; a
 /// non-string name is taken as its text. Parameters come from "eventParams".
 struct WEBSDK_EXPORT WebSDKTrackEventRequestModel {
+  /// The fields, read from the JSON keys of their names. `eventName` is required.
+  ///@{
   std::string eventName;
   std::optional<JSONObject> eventParams;
+  ///@}
 
   WEBSDK_MODEL(WebSDKTrackEventRequestModel, anyPayload, (eventName, lenientString, required), (eventParams, object))
 };
@@ -26,26 +30,36 @@ struct WEBSDK_EXPORT WebSDKTrackEventRequestModel {
 /// A CleverTap event. Stricter than the tracker: fails unless "eventName" is a
 /// JSON string. Parameters come from "params".
 struct WEBSDK_EXPORT WebSDKSendClevertapEventRequestModel {
+  /// The fields, read from the JSON keys of their names (`eventParams` from "params"). `eventName` is required.
+  ///@{
   std::string eventName;
   std::optional<JSONObject> eventParams;
+  ///@}
 
   WEBSDK_MODEL(WebSDKSendClevertapEventRequestModel, anyPayload, (eventName, strictString, required),
                (eventParams, object, "params"))
 };
 
+/// Whether an event is capped in frequency, and how.
 struct WEBSDK_EXPORT FrequencyCapping {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<bool> cappingEnabled;
   std::optional<std::string> cappingMode;
+  ///@}
 
   WEBSDK_MODEL(FrequencyCapping, needsPayload, (cappingEnabled, lenientBool), (cappingMode, strictString))
 };
 
 /// Read from the object under "frequencyCappingInfo"; fails without one.
 struct WEBSDK_EXPORT WebSDKSendFrequencyCappingEventRequestModel {
+  /// The fields, read from the keys of their names in the object under "frequencyCappingInfo".
+  ///@{
   std::optional<FrequencyCapping> frequencyCapping;
   std::optional<std::string> entityId;
   std::optional<std::string> entityType;
   std::optional<bool> isRealTime;
+  ///@}
 
   WEBSDK_MODEL(WebSDKSendFrequencyCappingEventRequestModel, within("frequencyCappingInfo"),
                (frequencyCapping, model, "frequencyCappingInfo.frequencyCapping"),
@@ -57,9 +71,12 @@ struct WEBSDK_EXPORT WebSDKSendFrequencyCappingEventRequestModel {
 /// Where media may be picked from and which kinds. Fails only without a
 /// payload dictionary.
 struct WEBSDK_EXPORT WebSDKMediaUploadRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::vector<std::string>> sources;
   std::optional<std::vector<std::string>> galleryMediaTypes;
   std::optional<std::vector<std::string>> fileTypes;
+  ///@}
 
   WEBSDK_MODEL(WebSDKMediaUploadRequestModel, needsPayload, (sources, stringList), (galleryMediaTypes, stringList),
                (fileTypes, stringList))
@@ -67,9 +84,12 @@ struct WEBSDK_EXPORT WebSDKMediaUploadRequestModel {
 
 /// A file to download. Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKMediaDownloadRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::string> url;
   std::optional<std::string> fileNameWithExtension;
   std::optional<bool> isSignedURL;
+  ///@}
 
   WEBSDK_MODEL(WebSDKMediaDownloadRequestModel, needsPayload, (url, strictString),
                (fileNameWithExtension, strictString), (isSignedURL, strictBool))
@@ -78,8 +98,11 @@ struct WEBSDK_EXPORT WebSDKMediaDownloadRequestModel {
 /// Uploaded files to submit: `submitUrls` from "s3Links", `input` from the
 /// object under "input". Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKSubmitUploadedFilesRequestModel {
+  /// The fields, read from the JSON keys of their names (`submitUrls` from "s3Links").
+  ///@{
   std::optional<std::vector<std::string>> submitUrls;
   std::map<std::string, std::string> input;
+  ///@}
 
   WEBSDK_MODEL(WebSDKSubmitUploadedFilesRequestModel, needsPayload, (submitUrls, stringList, "s3Links"),
                (input, stringMap))
@@ -89,12 +112,16 @@ struct WEBSDK_EXPORT WebSDKSubmitUploadedFilesRequestModel {
 /// object, or when either question count is not a whole decimal number
 /// (5 and "5" both are).
 struct WEBSDK_EXPORT WebSDKQuizProgressUpdateModel {
+  /// The fields, read from the keys of their names in the object under "params". `totalQuestions` and
+  /// `attemptedQuestions` are required.
+  ///@{
   std::string quizName;
   std::int64_t totalQuestions = 0;
   std::int64_t attemptedQuestions = 0;
   std::optional<std::string> flowType;
   std::optional<bool> appNavigationEnabled;
   std::optional<JSON> metaData;
+  ///@}
 
   WEBSDK_MODEL(WebSDKQuizProgressUpdateModel, within("params"), (quizName, lenientString, "params.quizName"),
                (totalQuestions, wholeNumberText, "params.totalQuestions", required),
@@ -106,10 +133,13 @@ struct WEBSDK_EXPORT WebSDKQuizProgressUpdateModel {
 /// The order shown in the live activity. Fails only without a payload
 /// dictionary; missing keys read as "".
 struct WEBSDK_EXPORT WebSDKUpdateLiveActivityRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::string orderId;
   std::string orderStatus;
   std::string eta;
   std::string progressPercentage;
+  ///@}
 
   WEBSDK_MODEL(WebSDKUpdateLiveActivityRequestModel, needsPayload, (orderId, lenientString),
                (orderStatus, lenientString), (eta, lenientString), (progressPercentage, lenientString))
@@ -117,14 +147,18 @@ struct WEBSDK_EXPORT WebSDKUpdateLiveActivityRequestModel {
 
 /// Remote configuration keys to look up. Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKGetConfigValueRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::vector<std::string>> xpKeyList;
   std::optional<std::vector<std::string>> wpKeyList;
+  ///@}
 
   WEBSDK_MODEL(WebSDKGetConfigValueRequestModel, needsPayload, (xpKeyList, stringList), (wpKeyList, stringList))
 };
 
 /// Apps whose presence a page asks about. Fails only without a payload dictionary.
 struct WEBSDK_EXPORT WebSDKInstalledAppsRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::vector<std::string>> apps;
 
   WEBSDK_MODEL(WebSDKInstalledAppsRequestModel, needsPayload, (apps, stringList))
@@ -132,16 +166,22 @@ struct WEBSDK_EXPORT WebSDKInstalledAppsRequestModel {
 
 /// The group cart an invite, delete or leave is about. Never fails.
 struct WEBSDK_EXPORT WebSDKGroupOrderRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::string> groupCartId;
   std::optional<std::string> userId;
+  ///@}
 
   WEBSDK_MODEL(WebSDKGroupOrderRequestModel, anyPayload, (groupCartId, strictString), (userId, strictString))
 };
 
 /// Never fails; missing or non-string keys read as "".
 struct WEBSDK_EXPORT WebSDKSubmitFeedbackRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::string originScreen;
   std::string link;
+  ///@}
 
   WEBSDK_MODEL(WebSDKSubmitFeedbackRequestModel, anyPayload, (originScreen, strictString), (link, strictString))
 };

@@ -1,6 +1,7 @@
 #pragma once
-// The generic family: its 74 actions, the small requests they carry, and the
-// typed payload a page's request decodes to.
+/// @file
+/// The generic family: its 74 actions, the small requests they carry, and the
+/// typed payload a page's request decodes to.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -22,6 +23,7 @@ namespace websdk {
 
 /// `accuracyLevel`: "accuracyLevel" read as a lenient integer ("3" gives 3).
 struct WEBSDK_EXPORT WebSDKGetLocationRequestModel {
+  /// Read from the JSON key of its name.
   std::int64_t accuracyLevel = 0;
 
   WEBSDK_MODEL(WebSDKGetLocationRequestModel, anyPayload, (accuracyLevel, lenientInt))
@@ -29,6 +31,7 @@ struct WEBSDK_EXPORT WebSDKGetLocationRequestModel {
 
 /// `sourceLocation`: the point under "source_location" (0, 0 without one).
 struct WEBSDK_EXPORT WebSDKGetSortedAddressesRequestModel {
+  /// Read from the JSON key "source_location".
   std::optional<Location> sourceLocation;
 
   WEBSDK_MODEL(WebSDKGetSortedAddressesRequestModel, anyPayload, (sourceLocation, model, "source_location"))
@@ -36,6 +39,7 @@ struct WEBSDK_EXPORT WebSDKGetSortedAddressesRequestModel {
 
 /// `currentStep`: the string under "currentStep" only.
 struct WEBSDK_EXPORT WebSDKGetNextStepRequestModel {
+  /// Read from the JSON key of its name.
   std::string currentStep;
 
   WEBSDK_MODEL(WebSDKGetNextStepRequestModel, anyPayload, (currentStep, strictString))
@@ -43,6 +47,7 @@ struct WEBSDK_EXPORT WebSDKGetNextStepRequestModel {
 
 /// `funcName`: "func_name" read leniently.
 struct WEBSDK_EXPORT WebSDKPhoneContactRequestModel {
+  /// Read from the JSON key "func_name".
   std::string funcName;
 
   WEBSDK_MODEL(WebSDKPhoneContactRequestModel, anyPayload, (funcName, lenientString, "func_name"))
@@ -50,6 +55,7 @@ struct WEBSDK_EXPORT WebSDKPhoneContactRequestModel {
 
 /// `reloadUrl`: "reloadUrl" read leniently, and no value (not "") without it.
 struct WEBSDK_EXPORT WebSDKLoginRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::string> reloadUrl;
 
   WEBSDK_MODEL(WebSDKLoginRequestModel, anyPayload, (reloadUrl, lenientString))
@@ -143,6 +149,7 @@ WEBSDK_ACTIONS(
     (getHalfCardHeight, "GET_WEBVIEW_HALFCARD_HEIGHT", getHalfCardHeight,
      std::shared_ptr<const WebSDKGetHalfCardHeightRequestModel>))
 
+/// A request of the generic family: its action, the page's request id and the raw payload.
 using WebSDKGenericRequestModel = WebSDKBridgeRequest<WebSDKGenericAction>;
 
 }  // namespace websdk

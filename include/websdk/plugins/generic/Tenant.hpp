@@ -1,4 +1,6 @@
 #pragma once
+/// @file
+/// The business lines a page may name in a request's tenant.
 
 #include "websdk/json/Enum.hpp"
 

@@ -1,7 +1,8 @@
 #pragma once
-// What a checkout page asks of the host's Juspay SDK: initialisation, net
-// banking, new and saved cards, the CRED wallet, UPI intent apps and the in-app
-// UPI flows. Amounts and card data stay the strings the page sent.
+/// @file
+/// What a checkout page asks of the host's Juspay SDK: initialisation, net
+/// banking, new and saved cards, the CRED wallet, UPI intent apps and the in-app
+/// UPI flows. Amounts and card data stay the strings the page sent.
 
 #include "websdk/Export.hpp"
 #include "websdk/json/Model.hpp"
@@ -14,6 +15,7 @@
 
 namespace websdk {
 
+/// Which Juspay environment the SDK starts in.
 enum class JuspayInitEnviromentType { sandbox, prod };
 constexpr auto rawValues(JuspayInitEnviromentType) {
   using enum JuspayInitEnviromentType;
@@ -24,10 +26,14 @@ constexpr auto rawValues(JuspayInitEnviromentType) {
 /// selects production; anything else is the sandbox. `authToken` comes from
 /// "clientAuthToken" but encodes as "authToken".
 struct WEBSDK_EXPORT WebSDKJuspayInitRequestModel {
+  /// The fields, read from the JSON keys of their names (`authToken` from "clientAuthToken"). `merchantId` is required.
+  /// `authToken` and `extendedCustomerId` are the user's own, masked in recordings.
+  ///@{
   JuspayInitEnviromentType environment = JuspayInitEnviromentType::sandbox;
   std::string merchantId;
   std::string authToken;
   std::string extendedCustomerId;
+  ///@}
 
   WEBSDK_MODEL(WebSDKJuspayInitRequestModel, anyPayload, (environment, strictString),
                (merchantId, strictString, required), (authToken, lenientString, "clientAuthToken", sensitive),
@@ -37,10 +43,14 @@ struct WEBSDK_EXPORT WebSDKJuspayInitRequestModel {
 /// "PAY_USING_JUSPAY_NB", read from "juspayParams". Fails without that object
 /// or without a string "orderId"; the other strings default to "".
 struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
+  /// The fields, read from the keys of their names in the object under "juspayParams". `orderId` is required.
+  /// `juspayClientAuthToken` is the user's own, masked in recordings.
+  ///@{
   std::string orderId;
   std::string returnUrl;
   std::string bankCode;
   std::string juspayClientAuthToken;
+  ///@}
 
   WEBSDK_MODEL(WebSDKJuspayNBRequestModel, within("juspayParams"),
                (orderId, strictString, "juspayParams.orderId", required),
@@ -53,6 +63,10 @@ struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
 /// (a new card is saved only on an explicit yes); `tokenize` is lenient.
 /// `supportedGatewayIds` is always set, empty when not sent.
 struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
+  /// The fields, read from the keys of their names in the object under "juspayParams". `orderId` is required.
+  /// `cardToken`, `cardSecurityCode`, `cardNumber`, `cardExpMonth`, `cardExpYear`, `nameOnCard` and
+  /// `juspayClientAuthToken` are the user's own, masked in recordings.
+  ///@{
   std::string cardToken;
   std::string returnUrl;
   std::string orderId;
@@ -75,6 +89,7 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
   std::optional<std::vector<std::int64_t>> supportedGatewayIds;
   std::optional<std::string> emiType;
   std::optional<std::int64_t> emiTenure;
+  ///@}
 
   WEBSDK_MODEL(WebSDKJuspayNewCardRequestModel, within("juspayParams"),
                (cardToken, strictString, "juspayParams.cardToken", sensitive),
@@ -101,12 +116,15 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
 /// A saved card's network-token metadata. Never fails: every field is set,
 /// "" for a key that is missing or not a string.
 struct WEBSDK_EXPORT JuspayMetaDataModel {
+  /// The fields, read from the JSON keys of their names. `temporaryToken` is the user's own, masked in recordings.
+  ///@{
   std::optional<std::string> tokenType;
   std::optional<std::string> temporaryToken;
   std::optional<std::string> requesterId;
   std::optional<std::string> provider;
   std::optional<std::string> providerCategory;
   std::optional<std::string> providerReferenceId;
+  ///@}
 
   WEBSDK_MODEL(JuspayMetaDataModel, anyPayload, (tokenType, strictString, orEmpty),
                (temporaryToken, strictString, orEmpty, sensitive), (requesterId, strictString, orEmpty),
@@ -118,6 +136,9 @@ struct WEBSDK_EXPORT JuspayMetaDataModel {
 /// that `tokenize` and `saveToLocker` are both lenient here (the card is
 /// already stored). `juspayMetaData` is always set.
 struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
+  /// The fields, read from the keys of their names in the object under "juspayParams". `orderId` is required.
+  /// `cardToken`, `cardSecurityCode` and `juspayClientAuthToken` are the user's own, masked in recordings.
+  ///@{
   std::string cardToken;
   std::string returnUrl;
   std::string orderId;
@@ -137,6 +158,7 @@ struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
   std::optional<std::int64_t> emiTenure;
   std::optional<std::string> tokenRequester;
   std::optional<JuspayMetaDataModel> juspayMetaData;
+  ///@}
 
   WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, within("juspayParams"),
                (cardToken, strictString, "juspayParams.cardToken", sensitive),
@@ -160,11 +182,15 @@ struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
 /// The CRED wallet's payment parameters; `authToken` from "clientAuthToken".
 /// Never fails: every string is lenient, "" when missing.
 struct WEBSDK_EXPORT JuspayParams {
+  /// The fields, read from the JSON keys of their names (`authToken` from "clientAuthToken"). `authToken` and
+  /// `mobileNumber` are the user's own, masked in recordings.
+  ///@{
   std::string orderId;
   std::string paymentMethodType;
   std::string returnUrl;
   std::string authToken;
   std::string mobileNumber;
+  ///@}
 
   WEBSDK_MODEL(JuspayParams, anyPayload, (orderId, lenientString), (paymentMethodType, lenientString),
                (returnUrl, lenientString), (authToken, lenientString, "clientAuthToken", sensitive),
@@ -173,8 +199,11 @@ struct WEBSDK_EXPORT JuspayParams {
 
 /// "PAY_USING_JUSPAY_WALLET_CRED". Fails unless "juspayParams" is an object.
 struct WEBSDK_EXPORT WebSDKPayUsingJuspayWalletCredRequestModel {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::optional<std::string> callbackUrl;
   JuspayParams juspayParams;
+  ///@}
 
   WEBSDK_MODEL(WebSDKPayUsingJuspayWalletCredRequestModel, within("juspayParams"), (callbackUrl, lenientString),
                (juspayParams, model))
@@ -183,10 +212,13 @@ struct WEBSDK_EXPORT WebSDKPayUsingJuspayWalletCredRequestModel {
 /// A UPI intent payment's parameters. Never fails: lenient strings, "" when
 /// missing.
 struct WEBSDK_EXPORT JuspayUPIParams {
+  /// The fields, read from the JSON keys of their names.
+  ///@{
   std::string orderId;
   std::string orderAmount;
   std::string url;
   std::string methodName;
+  ///@}
 
   WEBSDK_MODEL(JuspayUPIParams, anyPayload, (orderId, lenientString), (orderAmount, lenientString),
                (url, lenientString), (methodName, lenientString))
@@ -194,8 +226,11 @@ struct WEBSDK_EXPORT JuspayUPIParams {
 
 /// "PAY_USING_UPI_INTENT". Fails unless "upiParams" is an object.
 struct WEBSDK_EXPORT WebSDKPayUsingUPIIntentRequestModel {
+  /// The fields, read from the JSON keys of their names (`juspayUPIParams` from "upiParams").
+  ///@{
   std::optional<std::string> callbackUrl;
   JuspayUPIParams juspayUPIParams;
+  ///@}
 
   WEBSDK_MODEL(WebSDKPayUsingUPIIntentRequestModel, within("upiParams"), (callbackUrl, lenientString),
                (juspayUPIParams, model, "upiParams"))
@@ -204,6 +239,7 @@ struct WEBSDK_EXPORT WebSDKPayUsingUPIIntentRequestModel {
 /// "IS_UPI_INTENT_METHOD_AVAILABLE". Fails on an absent or empty payload;
 /// `methods` is absent unless "methods" is an array.
 struct WEBSDK_EXPORT WebSDKIsUPIIntentMethodAvailableRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<std::vector<std::string>> methods;
 
   WEBSDK_MODEL(WebSDKIsUPIIntentMethodAvailableRequestModel, needsEntries, (methods, stringList))
@@ -212,6 +248,7 @@ struct WEBSDK_EXPORT WebSDKIsUPIIntentMethodAvailableRequestModel {
 /// "IS_JUSPAY_AVAILABLE". Never fails; `forceEnableSDK` is absent unless sent,
 /// and read leniently, so "true" and 1 force the SDK on.
 struct WEBSDK_EXPORT WebSDKIsJuspayAvailableRequestModel {
+  /// Read from the JSON key of its name.
   std::optional<bool> forceEnableSDK;
 
   WEBSDK_MODEL(WebSDKIsJuspayAvailableRequestModel, anyPayload, (forceEnableSDK, lenientBool))
@@ -221,10 +258,14 @@ struct WEBSDK_EXPORT WebSDKIsJuspayAvailableRequestModel {
 /// unless "merchantId", "clientAuthToken" and "extendedCustomerId" are all
 /// strings; an unknown or missing "tenant" is `Tenant::meals`.
 struct WEBSDK_EXPORT WebSDKJuspayInAppUpiRequestModel {
+  /// The fields, read from the JSON keys of their names (`token` from "clientAuthToken"). `merchantId`, `token` and
+  /// `extendedCustomerId` are required. `token` and `extendedCustomerId` are the user's own, masked in recordings.
+  ///@{
   std::string merchantId;
   std::string token;
   std::string extendedCustomerId;
   Tenant tenant = Tenant::meals;
+  ///@}
 
   WEBSDK_MODEL(WebSDKJuspayInAppUpiRequestModel, anyPayload, (merchantId, strictString, required),
                (token, strictString, "clientAuthToken", required, sensitive),
@@ -236,6 +277,11 @@ struct WEBSDK_EXPORT WebSDKJuspayInAppUpiRequestModel {
 /// strings. Encodes with its field names, not the keys it was read from; the
 /// host may replace `credData` before paying.
 struct WEBSDK_EXPORT WebSDKJuspayInAppUpiPayRequestModel {
+  /// The fields, read from the JSON keys of their names (`token` from "clientAuthToken", `referenceId` from
+  /// "accountRefId", `amount` from "orderAmount", `credData` from "credOfferLayerDetails"). `merchantId`, `token`,
+  /// `extendedCustomerId`, `orderId`, `referenceId` and `amount` are required. `token` and `extendedCustomerId` are the
+  /// user's own, masked in recordings.
+  ///@{
   std::string merchantId;
   std::string token;
   std::string extendedCustomerId;
@@ -244,6 +290,7 @@ struct WEBSDK_EXPORT WebSDKJuspayInAppUpiPayRequestModel {
   std::string amount;
   Tenant tenant = Tenant::meals;
   std::optional<JSON> credData;
+  ///@}
 
   WEBSDK_MODEL(WebSDKJuspayInAppUpiPayRequestModel, anyPayload, (merchantId, strictString, required),
                (token, strictString, "clientAuthToken", required, sensitive),

@@ -1,6 +1,7 @@
 #pragma once
-// The payments family: the checkout and payment actions a page may send, and
-// their decoding into typed payloads for the host's payments plugin.
+/// @file
+/// The payments family: the checkout and payment actions a page may send, and
+/// their decoding into typed payloads for the host's payments plugin.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/RequestModel.hpp"
@@ -58,6 +59,7 @@ WEBSDK_ACTIONS(
     (upiPayment, "PAY_USING_INAPP_UPI", upiPayment, WebSDKJuspayInAppUpiPayRequestModel),
     (isInappUpiEnabled, "IS_INAPP_UPI_ENABLED", isInappUpiEnabled))
 
+/// A request of the payments family: its action, the page's request id and the raw payload.
 using WebSDKPaymentsRequestModel = WebSDKBridgeRequest<WebSDKPaymentsAction>;
 
 }  // namespace websdk

@@ -1,7 +1,8 @@
 #pragma once
-// Opt-in access to the Qt objects behind a web view, for hosts that place the
-// view in their own window or need Qt WebEngine calls the WebSDK does not
-// make. Including this header brings in Qt WebEngine Widgets.
+/// @file
+/// Opt-in access to the Qt objects behind a web view, for hosts that place the
+/// view in their own window or need Qt WebEngine calls the WebSDK does not
+/// make. Including this header brings in Qt WebEngine Widgets.
 
 #include "websdk/Export.hpp"
 #include "websdk/qtwebengine/QtWebEngine.hpp"

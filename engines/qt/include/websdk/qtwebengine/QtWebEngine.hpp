@@ -1,15 +1,18 @@
 #pragma once
-// The Qt WebEngine engine behind WebSDKWebView (Qt 6 Widgets). This header
-// includes no Qt header: a host that places the view in its own window
-// includes websdk/qtwebengine/Native.hpp and asks for the widget.
-//
-//   websdk::qtwebengine::initialize(argc, argv);   // before any other Qt object
-//   auto engine = std::make_unique<websdk::qtwebengine::QtWebEngine>();
-//   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
-//   layout->addWidget(websdk::qtwebengine::widget(view->engine()));
-//
-// Pages do not change: they post to window.webkit.messageHandlers.<name> and
-// receive nativeResponse(...) as they do under WebKit.
+/// @file
+/// The Qt WebEngine engine behind WebSDKWebView (Qt 6 Widgets). This header
+/// includes no Qt header: a host that places the view in its own window
+/// includes websdk/qtwebengine/Native.hpp and asks for the widget.
+///
+/// ~~~{.cpp}
+///   websdk::qtwebengine::initialize(argc, argv);   // before any other Qt object
+///   auto engine = std::make_unique<websdk::qtwebengine::QtWebEngine>();
+///   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
+///   layout->addWidget(websdk::qtwebengine::widget(view->engine()));
+/// ~~~
+///
+/// Pages do not change: they post to `window.webkit.messageHandlers.<name>` and
+/// receive `nativeResponse(...)` as they do under WebKit.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/LocalPages.hpp"
@@ -24,6 +27,7 @@
 #include <thread>
 #include <vector>
 
+/// The Qt WebEngine engine and what a host needs to start it.
 namespace websdk::qtwebengine {
 
 /// Makes the process's QApplication (unless the host made one already) on the
@@ -32,6 +36,7 @@ namespace websdk::qtwebengine {
 /// off for the process (QTWEBENGINE_CHROMIUM_FLAGS gets --no-sandbox) and says so.
 /// A host that makes its own QApplication calls prepare() before it.
 WEBSDK_EXPORT bool initialize(int& argc, char** argv);
+/// The same, without the process's command line.
 WEBSDK_EXPORT bool initialize();
 
 /// What Qt WebEngine needs before the QApplication exists: shared GL contexts,
@@ -79,6 +84,9 @@ class WEBSDK_EXPORT QtMainQueue final : public MainQueue {
   std::thread::id thread_ = std::this_thread::get_id();
 };
 
+/// The engine on a QWebEngineView: the channel for the page's messages in an
+/// isolated world, the app's fields added to trusted requests only, and the
+/// navigation questions carried to the web view.
 class WEBSDK_EXPORT QtWebEngine final : public WebEngine {
  public:
   /// A new QWebEngineView. Must be made on the UI thread, after initialize().
@@ -113,7 +121,9 @@ class WEBSDK_EXPORT QtWebEngine final : public WebEngine {
   void setPinchGestureRecognizerEnabled(bool enabled) override;
   MainQueue& mainQueue() override;
 
+  /// The incremental-rendering switch as last set.
   bool suppressesIncrementalRendering() const;
+  /// Whether pinch-zoom is let through.
   bool pinchGestureRecognizerEnabled() const;
 
   struct State;

@@ -1,9 +1,10 @@
 #pragma once
-// One host object that serves all twelve families, and the wiring that
-// registers it for each of them. Every delivery goes to `onRequest` with the
-// family's name, the action string, the request id and the typed payload's
-// description, so tests, fuzzers and tools can record, answer or release as
-// they need.
+/// @file
+/// One host object that serves all twelve families, and the wiring that
+/// registers it for each of them. Every delivery goes to `onRequest` with the
+/// family's name, the action string, the request id and the typed payload's
+/// description, so tests, fuzzers and tools can record, answer or release as
+/// they need.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/Families.hpp"
@@ -23,15 +24,20 @@ template <class Host, class... F>
 struct ServingAll<Host, std::tuple<F...>> : F::template Serving<Host>... {};
 }  // namespace detail
 
+/// One plugin for all twelve families: each request it gets goes to a single
+/// handler, as its family, action, id and typed payload's description.
 class WEBSDK_EXPORT EveryFamilyHost final : public detail::ServingAll<EveryFamilyHost, BridgeFamilies> {
  public:
+  /// One request as the handler gets it (valid for the call).
   struct Delivery {
-    std::string_view family;
-    std::string_view action;
-    const std::string& requestId;
-    JSON payload;  // the typed payload's description
+    std::string_view family;       ///< The family's name.
+    std::string_view action;       ///< The action string.
+    const std::string& requestId;  ///< The page's id for it.
+    JSON payload;                  ///< The typed payload's description.
   };
+  /// Takes each request delivered.
   using Handler = std::function<void(const Delivery&)>;
+  /// A host whose requests all go to `onRequest`.
   explicit EveryFamilyHost(Handler onRequest) : onRequest_(std::move(onRequest)) {}
 
   /// Every family's operation lands here.

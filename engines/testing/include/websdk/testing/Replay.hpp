@@ -1,8 +1,9 @@
 #pragma once
-// Replays a traffic recording (WebSDKConfig::recording) through the bridge
-// over the in-memory engine: each recorded request is posted again from its
-// page, and what becomes of it now (its family, outcome, status and what the
-// plugin receives) is held against what was recorded.
+/// @file
+/// Replays a traffic recording (WebSDKConfig::recording) through the bridge
+/// over the in-memory engine: each recorded request is posted again from its
+/// page, and what becomes of it now (its family, outcome, status and what the
+/// plugin receives) is held against what was recorded.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
@@ -14,10 +15,11 @@
 
 namespace websdk::testing {
 
+/// What a replay found.
 struct ReplayResult {
-  std::size_t requests = 0;
-  std::size_t differ = 0;      // requests whose fate now is not the recorded one
-  std::size_t unreadable = 0;  // lines that are no recording's
+  std::size_t requests = 0;    ///< Requests replayed.
+  std::size_t differ = 0;      ///< Requests whose fate now is not the recorded one.
+  std::size_t unreadable = 0;  ///< Lines that are no recording's.
 };
 
 /// Registers plugins on the replay's view. By default every family gets a

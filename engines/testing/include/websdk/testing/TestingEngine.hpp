@@ -1,7 +1,8 @@
 #pragma once
-// An in-memory engine for unit tests of the WebSDK and of host plugins: it
-// records every load, script and setting, lets a test post script messages as
-// a page would, and runs the main queue only when the test drains it.
+/// @file
+/// An in-memory engine for unit tests of the WebSDK and of host plugins: it
+/// records every load, script and setting, lets a test post script messages as
+/// a page would, and runs the main queue only when the test drains it.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/WebEngine.hpp"
@@ -17,6 +18,7 @@
 #include <string>
 #include <vector>
 
+/// The in-memory engine and the helpers for unit tests of host plugins.
 namespace websdk::testing {
 
 /// A main queue that runs nothing until drained, on a clock that moves only
@@ -30,6 +32,7 @@ class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
   /// Moves the clock on by `by`, queues every delayed task then due (earliest
   /// first) and drains; returns how many tasks ran.
   std::size_t advance(std::chrono::milliseconds by);
+  /// How many tasks wait to be drained (delayed ones not counted).
   std::size_t pending() const;
 
  private:
@@ -39,15 +42,20 @@ class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
   std::multimap<std::chrono::milliseconds, std::function<void()>> delayed_;
 };
 
+/// An engine in memory: it records every load, script, handler and setting,
+/// lets a test post messages as a page would and decide the page shown, and
+/// runs its main queue only when the test drains it.
 class WEBSDK_EXPORT TestingEngine final : public WebEngine {
  public:
+  /// One script evaluated.
   struct Evaluation {
-    std::string script;
-    bool hasCompletion = false;
+    std::string script;          ///< Its text.
+    bool hasCompletion = false;  ///< Whether a completion waited for its result.
   };
   /// Scripts meant for a document that was no longer shown: never evaluated.
   std::vector<std::string> droppedScripts;
 
+  /// An engine on `queue` (a new one by default), showing no page.
   explicit TestingEngine(std::shared_ptr<TestingMainQueue> queue = std::make_shared<TestingMainQueue>());
 
   // ---- What the test controls ----------------------------------------------
@@ -69,23 +77,28 @@ class WEBSDK_EXPORT TestingEngine final : public WebEngine {
   /// Whether the engine offers a pinch recogniser (true by default).
   bool pinchRecognizerPresent = true;
 
+  /// The web view the engine tells of navigation (null before setClient()).
   WebEngineClient* client() const { return client_; }
+  /// The engine's main queue, for the test to drain.
   TestingMainQueue& queue() { return *queue_; }
+  /// The same queue, shared.
   std::shared_ptr<TestingMainQueue> sharedQueue() const { return queue_; }
 
   // ---- What the engine recorded --------------------------------------------
-  std::vector<URLRequest> loads;
-  std::vector<UserScript> userScripts;
-  std::vector<WebPreferences> preferencesSet;
-  std::vector<bool> incrementalRenderingSet;
-  std::optional<bool> allowsInlineMediaPlayback;
-  std::optional<bool> pinchRecognizerEnabled;
+  std::vector<URLRequest> loads;                  ///< Each load, in order.
+  std::vector<UserScript> userScripts;            ///< Each user script added, in order.
+  std::vector<WebPreferences> preferencesSet;     ///< Each preferences object set, in order.
+  std::vector<bool> incrementalRenderingSet;      ///< Each incremental-rendering switch, in order.
+  std::optional<bool> allowsInlineMediaPlayback;  ///< The last inline-playback switch, if any.
+  std::optional<bool> pinchRecognizerEnabled;     ///< The last pinch-recogniser switch, if any.
   /// Registrations refused because the name was already taken.
   std::size_t refusedHandlerRegistrations = 0;
 
+  /// Every script evaluated, in order.
   std::vector<Evaluation> evaluations() const;
   /// The envelopes evaluated through "nativeResponse(...)", parsed, in order.
   std::vector<JSON> nativeResponses() const;
+  /// Whether a script-message handler is registered under `name`.
   bool hasHandler(const std::string& name) const { return handlers_.contains(name); }
 
   // ---- WebEngine -------------------------------------------------------------

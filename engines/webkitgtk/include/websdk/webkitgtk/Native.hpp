@@ -1,7 +1,8 @@
 #pragma once
-// Opt-in access to the WebKitGTK objects behind a web view, for hosts that
-// place the widget in their own window or need WebKit calls the WebSDK does
-// not make. Including this header brings in GTK and WebKit.
+/// @file
+/// Opt-in access to the WebKitGTK objects behind a web view, for hosts that
+/// place the widget in their own window or need WebKit calls the WebSDK does
+/// not make. Including this header brings in GTK and WebKit.
 
 #include "websdk/Export.hpp"
 #include "websdk/webkitgtk/WebKitGTKEngine.hpp"

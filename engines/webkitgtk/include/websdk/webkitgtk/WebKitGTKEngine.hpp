@@ -1,16 +1,19 @@
 #pragma once
-// The WebKitGTK engine behind WebSDKWebView. This header includes no GTK or
-// WebKit header: a host that needs the native widget includes
-// websdk/webkitgtk/Native.hpp and asks for it.
-//
-//   websdk::webkitgtk::initialize(&argc, &argv);
-//   auto engine = std::make_unique<websdk::webkitgtk::WebKitGTKEngine>();
-//   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
-//   gtk_container_add(GTK_CONTAINER(window), websdk::webkitgtk::widget(view->engine()));
-//
-// The same header serves both engines: websdk_webkitgtk (WebKitGTK 4.1, GTK 3)
-// and websdk_webkitgtk6 (WebKitGTK 6.0, GTK 4, where the last line is
-// gtk_window_set_child). A process links one of them.
+/// @file
+/// The WebKitGTK engine behind WebSDKWebView. This header includes no GTK or
+/// WebKit header: a host that needs the native widget includes
+/// websdk/webkitgtk/Native.hpp and asks for it.
+///
+/// ~~~{.cpp}
+///   websdk::webkitgtk::initialize(&argc, &argv);
+///   auto engine = std::make_unique<websdk::webkitgtk::WebKitGTKEngine>();
+///   auto view = websdk::WebSDKWebView::create(std::move(engine), {"example.com"}, ...);
+///   gtk_container_add(GTK_CONTAINER(window), websdk::webkitgtk::widget(view->engine()));
+/// ~~~
+///
+/// The same header serves both engines: websdk_webkitgtk (WebKitGTK 4.1, GTK 3)
+/// and websdk_webkitgtk6 (WebKitGTK 6.0, GTK 4, where the last line is
+/// gtk_window_set_child). A process links one of them.
 
 #include "websdk/Export.hpp"
 #include "websdk/webview/LocalPages.hpp"
@@ -25,6 +28,8 @@
 #include <thread>
 #include <vector>
 
+/// The WebKitGTK engines (4.1 with GTK 3, 6.0 with GTK 4) and what a host needs
+/// to start them.
 namespace websdk::webkitgtk {
 
 /// Starts GTK for this process on the calling thread, which becomes the UI
@@ -115,6 +120,9 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   std::thread::id thread_ = std::this_thread::get_id();
 };
 
+/// The engine on a WebKitWebView: the page's messages through its script
+/// message handlers, the app's fields kept to trusted hosts by the web-process
+/// module, and the navigation questions carried to the web view.
 class WEBSDK_EXPORT WebKitGTKEngine final : public WebEngine {
  public:
   /// A new WebKitWebView. Must be made on the UI thread, after initialize().

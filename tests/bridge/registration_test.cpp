@@ -94,6 +94,7 @@ struct StandInView final : BridgeView {
     delivered.emplace_back(std::move(response), document);
   }
   void refuseRepeatedAnswer(const std::string&) override {}
+  std::string_view viewName() const override { return "stand-in"; }
 };
 
 // Answers from inside its operation, as a plugin with the answer at hand does.

@@ -2,7 +2,8 @@
 /// @file
 /// The traffic recorder: one JSON line per event a view's bridge sees, so a
 /// failing session can be read, or replayed (websdk-inspect --replay), away
-/// from the app. Masked by default; bounded by a size cap with one rotation.
+/// from the app. Masked by default; bounded by a size cap with one rotation;
+/// readable by its owner alone.
 
 #include "websdk/Export.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
@@ -10,6 +11,7 @@
 #include "websdk/webview/WebSDKConfig.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
+#include <array>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -50,7 +52,11 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   ~WebSDKTrafficRecorder();
 
   /// Values that must never reach the file (the app's header values); masked
-  /// wherever they stand, inside longer text too.
+  /// wherever they stand in a line (ids, actions, keys, values, URLs,
+  /// scripts), inside longer text too, written plainly, percent-encoded or
+  /// escaped, and as a JSON number, boolean or null whose text they are. Each
+  /// space-separated part longer than 8 bytes (a `Bearer` value's token) is
+  /// masked on its own as well.
   void addSecrets(const std::map<std::string, std::string>& fields);
 
   /// A request the page posted, and what became of it.
@@ -68,23 +74,36 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   /// `text` with the secrets replaced by the mask (unless masking is off).
   std::string masked(std::string text) const;
 
-  /// The JSON keys of every field the request models mark sensitive.
+  /// The JSON keys and member names of every field the request models mark
+  /// sensitive, with the common names of card and credential data, each
+  /// folded (see isSensitiveKey).
   static const std::set<std::string, std::less<>>& sensitiveKeys();
+  /// Whether `key`, with case and `_`/`-` separators ignored, is one of
+  /// sensitiveKeys(): "card_number", "CardNumber" and "cardNumber" alike.
+  static bool isSensitiveKey(std::string_view key);
   /// What a masked value is written as.
   static constexpr std::string_view kMask = "***";
 
  private:
   explicit WebSDKTrafficRecorder(const WebSDKTrafficRecording& recording);
-  JSON masked(JSON value, bool sensitive) const;
+  // These run with mutex_ held.
+  void mask(JSON& value, bool sensitive) const;
+  bool mask(std::string_view text, std::string& out) const;  // out: the masked text, when it holds a secret
+  bool mask(std::string& text) const;
+  std::string maskedText(std::string_view text) const;
+  bool isSecretScalar(const JSON& value) const;
   bool isSensitive(std::string_view key) const;
-  void write(JSONObject line);
+  void write(JSONObject line);  // with mutex_ held
 
   WebSDKTrafficRecording recording_;
-  mutable std::mutex mutex_;  // answers are recorded on the UI thread, but secrets may come from any
+  std::set<std::string, std::less<>> appKeys_;  // the recording's own sensitive keys, folded
+  mutable std::mutex mutex_;                    // answers are recorded on the UI thread, but secrets may come from any
   std::FILE* file_ = nullptr;
   std::size_t bytes_ = 0;
   bool rotates_ = false;
-  std::vector<std::string> secrets_;
+  std::vector<std::string> secrets_;        // longest first, so a whole value is masked before its parts
+  std::vector<std::string> scalarSecrets_;  // those a JSON number, boolean or null can be written as
+  std::array<bool, 256> secretStarts_{};    // the bytes a secret's written form can begin with
 };
 
 }  // namespace websdk

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -80,9 +81,12 @@ ReplayResult replayRecording(std::istream& recording, std::ostream& report, cons
   }
 
   // The replay records itself, with the recording's masking, so that both
-  // sides of each comparison are written by the same hand.
+  // sides of each comparison are written by the same hand; uncapped, for
+  // every line of it is read back.
   ScratchFile scratch;
-  config.recording = WebSDKTrafficRecording{.path = scratch.path.string(), .masksSensitiveValues = masked};
+  config.recording = WebSDKTrafficRecording{.path = scratch.path.string(),
+                                            .maximumBytes = std::numeric_limits<std::size_t>::max(),
+                                            .masksSensitiveValues = masked};
   auto owned = std::make_unique<TestingEngine>();
   TestingEngine& engine = *owned;
   auto view = WebSDKWebView::create(std::move(owned), config);

@@ -1,6 +1,6 @@
 // The traffic recorder: what each line says, that nothing the models mark
-// sensitive and none of the app's header values reach the file, and that the
-// file stays within its cap.
+// sensitive and none of the app's header values reach the file, in any form,
+// and that the file stays within its cap and is its owner's alone.
 
 #include "support/Decoding.hpp"
 #include "websdk/json/Schema.hpp"
@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -17,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace websdk {
@@ -87,7 +90,7 @@ struct Sampler {
         // A key marked sensitive in one model is masked in all of them.
         if (entry.contains("sensitive"))
           sensitive.push_back(serialize(v));
-        else if (!WebSDKTrafficRecorder::sensitiveKeys().contains(key))
+        else if (!WebSDKTrafficRecorder::isSensitiveKey(key))
           plain.push_back(serialize(v));
       }
       out.emplace(entry.at("key").as_string(), std::move(v));
@@ -163,6 +166,133 @@ TEST(TrafficRecorder, NoSensitiveValueOfAnyActionReachesTheFile) {
   EXPECT_GT(delivered, requests * 9 / 10);
 }
 
+// The forms a header value takes on its way to a line: in a URL, in a form,
+// escaped in JSON or script text.
+std::vector<std::string> writtenForms(std::string_view value) {
+  std::string upper, lower, form, escaped;
+  for (const char c : value) {
+    const auto b = static_cast<unsigned char>(c);
+    const bool plain = std::isalnum(b) || c == '-' || c == '_' || c == '.' || c == '~';
+    char hex[4];
+    std::snprintf(hex, sizeof hex, "%%%02X", b);
+    upper += plain ? std::string(1, c) : hex;
+    std::snprintf(hex, sizeof hex, "%%%02x", b);
+    lower += plain ? std::string(1, c) : hex;
+    form += c == ' ' ? std::string("+") : plain ? std::string(1, c) : std::string(hex);
+    escaped += c == '/' || c == '"' ? "\\" + std::string(1, c) : std::string(1, c);
+  }
+  std::vector<std::string> out{std::string(value), upper, lower, form, escaped};
+  out.erase(std::unique(out.begin(), out.end()), out.end());
+  return out;
+}
+
+// Every string of a line, keys included, as the file's reader gets it.
+void collectStrings(const JSON& value, std::vector<std::string>& out) {
+  if (const auto* o = value.if_object()) {
+    for (const auto& member : *o) {
+      out.emplace_back(member.key());
+      collectStrings(member.value(), out);
+    }
+  } else if (const auto* a = value.if_array()) {
+    for (const auto& element : *a) collectStrings(element, out);
+  } else if (const auto* s = value.if_string()) {
+    out.emplace_back(*s);
+  }
+}
+
+TEST(TrafficRecorder, TheAppsHeaderValuesAreMaskedInEveryFormAndPlace) {
+  const auto path = freshFile("forms");
+  auto recorder =
+      WebSDKTrafficRecorder::open(WebSDKTrafficRecording{.path = path.string()}, WebSDKConfig{{"localhost"}});
+  ASSERT_NE(recorder, nullptr);
+  // A bearer value, whose token is as secret on its own; a value with the
+  // bytes that URLs, forms and JSON write otherwise; one a page may send as a
+  // number.
+  const std::string bearer = "Bearer tk-5f1e2d3c4b", token = "tk-5f1e2d3c4b";
+  const std::string session = "s/e=s&s:i o+n\"7";
+  const std::string digits = "86753091";
+  recorder->addSecrets({{"authorization", bearer}, {"session", session}, {"user", digits}});
+
+  std::vector<std::string> fed;
+  for (const auto& secret : {bearer, token, session, digits})
+    for (auto& form : writtenForms(secret)) fed.push_back(std::move(form));
+  for (const auto& f : fed) {
+    WebSDKRecordedRequest request;
+    request.page = "https://localhost/checkout?s=" + f + "#" + f;
+    request.requestId = "id-" + f;
+    request.action = "ACTION_" + f;
+    request.family = "cart";
+    request.outcome = "delivered";
+    request.message = "refused: " + f;
+    request.payload = JSONObject{{f, "under a key"},
+                                 {"text", "before " + f + " after"},
+                                 {"opaque", JSONObject{{"deep", JSONArray{f, 86753091, 86753091.0}}}},
+                                 {"plain", "plain-value"},
+                                 {"count", 4711}};
+    request.received = JSONObject{{"case", "getCart"}, {"model", JSONObject{{"id", f}, {"n", 86753091}}}};
+    recorder->request(request);
+    recorder->answer({"SUCCESS", 0, "message " + f, f, serialize(JSONObject{{f, f}, {"n", 86753091u}})}, request.page);
+    recorder->answer({"FAILED", 1004, std::nullopt, "r2", "not JSON: " + f}, request.page,
+                     WebSDKDropReason::pageNotWhitelisted);
+    recorder->push("window.nativeHeaders({\"session\":\"" + f + "\"})", request.page);
+  }
+  recorder.reset();
+
+  std::vector<std::string> needles;
+  for (const auto& secret : {bearer, token, session, digits})
+    for (auto& form : writtenForms(secret)) needles.push_back(std::move(form));
+  const std::string file = contents(path);
+  std::vector<std::string> strings;
+  for (const auto& line : lines(path)) collectStrings(line, strings);
+  for (const auto& needle : needles) {
+    EXPECT_EQ(file.find(needle), std::string::npos) << needle;
+    for (const auto& s : strings) EXPECT_EQ(s.find(needle), std::string::npos) << needle << " in " << s;
+  }
+  // Only they are masked: what is left of each line is there.
+  EXPECT_EQ(lines(path).size(), 1 + 4 * fed.size());
+  EXPECT_NE(file.find("plain-value"), std::string::npos);
+  EXPECT_NE(file.find("4711"), std::string::npos);
+  EXPECT_NE(file.find("before *** after"), std::string::npos);
+}
+
+// Card and credential data by name, however a page spells the name, in an
+// object no model declares: a gateway's parameters, an answer.
+TEST(TrafficRecorder, CardAndCredentialNamesAreMaskedInAnyObjectAndSpelling) {
+  const auto path = freshFile("names");
+  WebSDKTrafficRecording recording{.path = path.string()};
+  recording.sensitiveKeys = {"loyaltyToken"};
+  auto recorder = WebSDKTrafficRecorder::open(recording, WebSDKConfig{{"localhost"}});
+  ASSERT_NE(recorder, nullptr);
+  const std::string_view keys[] = {"card_number", "CardNumber", "CARD-NUMBER", "cardNumber",         "cvv",
+                                   "CVV",         "upi_id",     "UpiId",       "card_security_code", "loyalty_token"};
+  JSONObject params, answer;
+  for (std::size_t i = 0; i < std::size(keys); ++i) {
+    params.emplace(keys[i], "secret-" + std::to_string(i) + "z");
+    answer.emplace(keys[i], JSONArray{9100 + static_cast<int>(i)});
+  }
+  params.emplace("orderId", "order-17");
+  answer.emplace("points", 4711);
+  WebSDKRecordedRequest request;
+  request.page = "https://localhost/";
+  request.requestId = "r1";
+  request.action = "PROCESS_PAYMENT";
+  request.payload = JSONObject{{"juspayParams", std::move(params)}};
+  recorder->request(request);
+  recorder->answer({"SUCCESS", 0, std::nullopt, "r1", serialize(answer)}, request.page);
+  recorder.reset();
+
+  const std::string file = contents(path);
+  for (std::size_t i = 0; i < std::size(keys); ++i) {
+    EXPECT_EQ(file.find("secret-" + std::to_string(i) + "z"), std::string::npos) << keys[i];
+    EXPECT_EQ(file.find(std::to_string(9100 + i)), std::string::npos) << keys[i];
+    EXPECT_TRUE(WebSDKTrafficRecorder::isSensitiveKey(keys[i]) || keys[i] == "loyalty_token") << keys[i];
+  }
+  EXPECT_NE(file.find("order-17"), std::string::npos);
+  EXPECT_NE(file.find("4711"), std::string::npos);
+  EXPECT_FALSE(WebSDKTrafficRecorder::isSensitiveKey("orderId"));
+  EXPECT_FALSE(WebSDKTrafficRecorder::isSensitiveKey("cardNumbers"));
+}
+
 TEST(TrafficRecorder, WithMaskingOffTheSameRunShowsEverything) {
   Sampler sampler;
   const std::string file = recordEverySample(freshFile("unmasked"), false, sampler);
@@ -210,6 +340,36 @@ TEST(Replay, SaysWhichRequestNowMeetsAnotherFate) {
             0u)
       << cartOnly.str();
   EXPECT_EQ(cart->received.size(), 1u);
+}
+
+// A recording larger than a recording's default cap: the replay's own
+// record of it must not rotate away its first part.
+TEST(Replay, ARecordingPastTheDefaultCapReplaysWhole) {
+  const auto path = freshFile("replay-large");
+  WebSDKConfig config = recordingTo(path);
+  config.recording->maximumBytes = std::size_t{1} << 30;
+  constexpr int kRequests = 40000;
+  {
+    test::Harness harness(config);
+    const auto host = std::make_shared<testing::EveryFamilyHost>(nullptr);
+    testing::registerForEveryFamily(*harness.view, host);
+    for (int i = 0; i < kRequests; ++i) {
+      const std::string id = "r" + std::to_string(i);
+      harness.engine->postRequest(i % 2 == 0 ? R"({"type":"GET_LOCAL_CART","requestId":")" + id +
+                                                   R"(","payload":{"tenant":{"marketplaceId":"m)" +
+                                                   std::to_string(i % 97) + R"("}}})"
+                                             : R"({"type":"NO_SUCH_ACTION","requestId":")" + id + R"("})");
+      harness.engine->queue().drain();
+    }
+  }
+  ASSERT_GT(fs::file_size(path), WebSDKTrafficRecording{}.maximumBytes);
+  std::ifstream in(path);
+  std::ostringstream report;
+  const auto result = testing::replayRecording(in, report);
+  EXPECT_EQ(result.requests, static_cast<std::size_t>(kRequests));
+  EXPECT_EQ(result.differ, 0u) << report.str().substr(0, 2000);
+  EXPECT_EQ(result.unreadable, 0u);
+  fs::remove(path);
 }
 
 TEST(TrafficRecorder, KeysTheAppMarksAreMaskedInItsAnswers) {
@@ -299,6 +459,27 @@ TEST(TrafficRecorder, TheFileStaysWithinItsCapAndKeepsOneOlderFile) {
   EXPECT_LE(fs::file_size(path.string() + ".1"), 2000u);
   EXPECT_GT(fs::file_size(path.string() + ".1"), 1000u);
   for (const auto& line : lines(path)) EXPECT_TRUE(line.contains("event"));
+}
+
+TEST(TrafficRecorder, TheFileAndItsOlderOneAreTheOwnersAlone) {
+  const auto path = freshFile("private");
+  // An app's file from before, which anyone could read, is made private too.
+  std::ofstream(path) << "";
+  fs::permissions(path,
+                  fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read | fs::perms::others_read);
+  const mode_t was = ::umask(022);  // what most processes run with
+  WebSDKConfig config = recordingTo(path);
+  config.recording->maximumBytes = 2000;
+  {
+    test::Harness harness(config);
+    for (int i = 0; i < 20; ++i) harness.post(test::requestText("NO_SUCH_ACTION", std::nullopt));
+  }
+  ::umask(was);
+  for (const auto& file : {path, fs::path(path.string() + ".1")}) {
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0) << file;
+    EXPECT_EQ(status.st_mode & 0777, 0600u) << file;
+  }
 }
 
 TEST(TrafficRecorder, AnAppThatCannotBeRebuiltRecordsThroughTheEnvironment) {

@@ -120,14 +120,20 @@ bool initialize(int& argc, char** argv) {
 
 bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
   if (done()) return true;
-  // The loop sleeps until an event comes; a timer at the bound is one.
-  QDeadlineTimer deadline(bound.count());
+  // The clock decides, read at every wake-up; the timer only wakes an idle
+  // loop. It is a precise one, which never fires before its time (a coarse
+  // one may, by up to 5%), and is set again for what is left whenever the
+  // loop wakes for anything else, so no wait outlasts the deadline.
+  QDeadlineTimer deadline(std::max<std::int64_t>(0, bound.count()), Qt::PreciseTimer);
   QTimer wake;
   wake.setSingleShot(true);
-  wake.start(static_cast<int>(std::clamp<qint64>(bound.count(), 0, std::numeric_limits<int>::max())));
+  wake.setTimerType(Qt::PreciseTimer);
   bool ok = false;
-  while (!(ok = done()) && !deadline.hasExpired())
+  while (!(ok = done()) && !deadline.hasExpired()) {
+    const qint64 left = deadline.remainingTime();  // whole milliseconds, rounded up
+    wake.start(static_cast<int>(std::clamp<qint64>(left, 1, std::numeric_limits<int>::max())));
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+  }
   return ok;
 }
 

@@ -74,20 +74,31 @@ bool initialize(int* argc, char*** argv) {
 bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
   if (done()) return true;
   GMainContext* context = g_main_context_ref_thread_default();
-  bool expired = false;
-  GSource* timer = g_timeout_source_new(static_cast<guint>(std::max<std::int64_t>(0, bound.count())));
-  g_source_set_callback(
-      timer,
-      [](gpointer flag) -> gboolean {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &expired, nullptr);
-  g_source_attach(timer, context);
+  // The clock decides, read at every wake-up: a loop kept busy by sources of
+  // a higher priority than the timer's would never let it run. The timer is
+  // only there to wake an idle loop at the deadline.
+  constexpr std::int64_t kLongest = std::int64_t{1} << 40;  // ms, some 35 years: no overflow below
+  const gint64 deadline = g_get_monotonic_time() + std::clamp<std::int64_t>(bound.count(), 0, kLongest) * 1000;
+  GSource* timer = nullptr;
   bool ok = false;
-  while (!(ok = done()) && !expired) g_main_context_iteration(context, TRUE);
-  g_source_destroy(timer);
-  g_source_unref(timer);
+  for (gint64 now = g_get_monotonic_time(); !(ok = done()) && now < deadline; now = g_get_monotonic_time()) {
+    if (timer == nullptr) {
+      // Whole milliseconds, rounded up: GLib's timeouts never fire early.
+      timer = g_timeout_source_new(static_cast<guint>(std::min<gint64>((deadline - now + 999) / 1000, G_MAXUINT)));
+      g_source_set_priority(timer, G_PRIORITY_HIGH);
+      g_source_set_callback(
+          timer,
+          [](gpointer slot) -> gboolean {
+            *static_cast<GSource**>(slot) = nullptr;  // fired: another is made if the clock says so
+            return G_SOURCE_REMOVE;
+          },
+          &timer, nullptr);
+      g_source_attach(timer, context);
+      g_source_unref(timer);  // the context holds it until it fires or is destroyed
+    }
+    g_main_context_iteration(context, TRUE);
+  }
+  if (timer != nullptr) g_source_destroy(timer);
   g_main_context_unref(context);
   return ok;
 }

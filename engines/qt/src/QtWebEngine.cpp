@@ -130,7 +130,7 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
   wake.setTimerType(Qt::PreciseTimer);
   bool ok = false;
   while (!(ok = done()) && !deadline.hasExpired()) {
-    const qint64 left = deadline.remainingTime();  // whole milliseconds, rounded up
+    const qint64 left = deadline.remainingTime();
     wake.start(static_cast<int>(std::clamp<qint64>(left, 1, std::numeric_limits<int>::max())));
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   }

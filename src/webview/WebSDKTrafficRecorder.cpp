@@ -122,10 +122,20 @@ std::size_t spelled(std::string_view text, std::size_t at, unsigned char c) {
 
 bool isAlphanumeric(unsigned char c) { return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'); }
 
+// The backslashes that escape one byte at `at`: text escaped in text a few
+// times over, never more than kEscapes. Bounded, so that a page's run of a
+// million backslashes is not scanned again from each of them.
+constexpr std::size_t kEscapes = 31;
+std::size_t backslashes(std::string_view text, std::size_t at) {
+  std::size_t n = 0;
+  while (n <= kEscapes && at + n < text.size() && text[at + n] == '\\') ++n;
+  return n > kEscapes ? 0 : n;
+}
+
 // How many bytes of `text` from `at` write `secret`, byte by byte in any of
 // the forms it takes on its way to the file: plain, percent-encoded (a URL),
-// escaped with backslashes any number of times (JSON's `\/` in a script, a
-// string in a string) or as `\u00XX`; 0 when they do not.
+// escaped with backslashes once or a few times over (JSON's `\/` in a
+// script, a string in a string) or as `\u00XX`; 0 when they do not.
 std::size_t writtenAt(std::string_view text, std::size_t at, std::string_view secret) {
   std::size_t p = at;
   for (std::size_t i = 0; i < secret.size(); ++i) {
@@ -134,13 +144,12 @@ std::size_t writtenAt(std::string_view text, std::size_t at, std::string_view se
     std::size_t n = 0;
     if (c == '\\' && (i + 1 == secret.size() || secret[i + 1] != '\\')) {
       // A backslash however often escaped, unless another follows it.
-      while (p + n < text.size() && text[p + n] == '\\') ++n;
+      n = backslashes(text, p);
       if (n == 0) n = spelled(text, p, c);
     } else {
       n = spelled(text, p, c);
       if (n == 0 && text[p] == '\\') {
-        std::size_t q = p;
-        while (q < text.size() && text[q] == '\\') ++q;
+        const std::size_t q = p + backslashes(text, p);
         if (q < text.size() && !isAlphanumeric(c) && text[q] == static_cast<char>(c)) {
           n = q + 1 - p;
         } else if (q + 5 <= text.size() && text[q] == 'u' && text[q + 1] == '0' && text[q + 2] == '0' && c < 0x80 &&

@@ -39,7 +39,7 @@ inline constexpr std::size_t kRefusedMessageStart = std::size_t{64} << 10;
 struct WEBSDK_EXPORT WebSDKTrafficRecording {
   /// Appended to; at `maximumBytes` it is moved to `path` + ".1" (replacing
   /// the one before) and begun afresh, so a recording never holds more than
-  /// twice that.
+  /// twice that. Both are readable and writable by their owner alone (0600).
   std::string path;
   /// The size at which the file moves aside (8 MiB by default).
   std::size_t maximumBytes = std::size_t{8} << 20;

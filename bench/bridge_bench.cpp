@@ -126,7 +126,8 @@ void Answer(benchmark::State& state, bool byReply) {
     view->handler()->userContentController(message);
     raw->queue().drain();
   }
-  if (view->answerCounts().expected != state.iterations()) state.SkipWithError("an answer went astray");
+  if (view->answerCounts().expected != static_cast<std::uint64_t>(state.iterations()))
+    state.SkipWithError("an answer went astray");
   view.reset();
 }
 BENCHMARK_CAPTURE(Answer, by_id, false);

@@ -390,5 +390,29 @@ TEST_F(LocalPagesTest, OnlyTheirOwnPagesIncludeTheScriptsStylesAndImagesOfAppPag
   }
 }
 
+// A frame of another origin in the app's own page is a page of another
+// origin too: it includes none of the app page's files.
+TEST_F(LocalPagesTest, AFrameOfAnotherOriginInAnAppPageIncludesNoneOfItsFiles) {
+  if (!engine::limits().localRequester.empty()) GTEST_SKIP() << engine::limits().localRequester;
+  // The frame tells the app page what it got, which reports it.
+  server.page("/framed",
+              "<!doctype html><script>function report(kind, data) { parent.postMessage({kind, data}, '*'); }"
+              "</script>" +
+                  includes());
+  LocalPages pages = checkout();
+  pages.resources["framer.html"] = {
+      testPage("<script>addEventListener('message', (e) => report(e.data.kind, e.data.data));</script><iframe src='" +
+               server.url("/framed") + "'></iframe>"),
+      ""};
+  makeLocalView(WebSDKConfig{{"app://checkout"}}, {pages});
+  asked.clear();
+  ASSERT_TRUE(loadAndWait("app://checkout/framer.html"));
+  ASSERT_TRUE(waitFor([&] { return !page->of("included").empty(); }));
+  EXPECT_EQ(page->of("included")[0],
+            parseJSON(R"json({"style":0,"image":0,"script":0,"secret":null,"color":"rgb(0, 0, 0)"})json"));
+  ASSERT_EQ(asked["checkout"].size(), 1u);
+  EXPECT_EQ(asked["checkout"][0].path, "framer.html");
+}
+
 }  // namespace
 }  // namespace websdk::e2e

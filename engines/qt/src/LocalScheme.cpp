@@ -56,7 +56,7 @@ class Handler final : public QWebEngineUrlSchemeHandler {
       return job->fail(QWebEngineUrlRequestJob::RequestDenied);
     }
     const bool ownNavigation = initiator.isEmpty() && !ownNavigation_.empty() && ownNavigation_ == request.url;
-    if (initiator.isEmpty()) ownNavigation_.clear();
+    if (ownNavigation) ownNavigation_.clear();
     if (ownNavigation && load_ && withoutFragment(load_->first) == withoutFragment(request.url)) {
       // The load's own request: its fields, which replace the request's own.
       for (const auto& [name, value] : load_->second) {

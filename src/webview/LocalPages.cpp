@@ -183,6 +183,13 @@ const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url
   return nullptr;
 }
 
+bool servesPageOf(std::span<const LocalPages> all, std::string_view url, std::string_view requester) {
+  const LocalPages* pages = servedBy(all, url);
+  return pages != nullptr && servedBy(all, requester) == pages;
+}
+
+LocalAnswer forbidden() { return refusal(403, "forbidden"); }
+
 std::vector<LocalPages> servablePages(std::span<const LocalPages> pages,
                                       const std::function<std::string(const LocalPages&)>& engineProblem) {
   std::vector<LocalPages> served;

@@ -62,6 +62,9 @@ struct Limits {
   std::string_view blankFrames;
   /// A local page's scripts fetch() its own pages, and read their status.
   std::string_view localFetch;
+  /// The engine names the page that made a request for a local page's file,
+  /// so that a frame of another origin in an app page is refused it.
+  std::string_view localRequester;
   /// The heap in use of the host's process is the WebSDK's and the
   /// toolkit's, which a flood's second run leaves as it found it.
   std::string_view heapIsOurs;

@@ -73,6 +73,86 @@ class LocalPagesTest : public E2ETest {
     return page->of("fetched").back();
   }
 
+  /// The checkout's pages: index.html shows the token its request carried,
+  /// page.html is a page of theirs, and includes.html includes their script,
+  /// style and image, as the page of any origin may try.
+  LocalPages checkout() {
+    LocalPages pages = recorded("checkout");
+    pages.resources["page.html"] = {testPage(), ""};
+    pages.resources["includes.html"] = {testPage(includes()), ""};
+    pages.resources["app.js"] = {"window.secret = 'checkout';", ""};
+    pages.resources["app.css"] = {"body { color: rgb(1, 2, 3); }", ""};
+    pages.resources["logo.svg"] = {R"(<svg xmlns="http://www.w3.org/2000/svg" width="7" height="7"/>)", ""};
+    pages.respond = [record = pages.respond](std::string_view path,
+                                             const LocalRequest& request) -> std::optional<LocalResource> {
+      record(path, request);
+      if (path != "index.html") return std::nullopt;
+      std::string token;
+      for (const auto& [name, value] : request.headers)
+        if (sameFieldName(name, "token")) token = value;
+      return LocalResource{testPage("<i id='token'>" + token + "</i>"), ""};
+    };
+    return pages;
+  }
+
+  /// A page body that includes the checkout's script, style and image, and
+  /// reports whether each loaded and what of it the page can read.
+  static std::string includes() {
+    return R"html(<script>
+const outcome = {};
+function done(what, value) {
+  outcome[what] = value;
+  if (Object.keys(outcome).length === 3)
+    report('included', Object.assign(outcome, {secret: window.secret || null, color: getComputedStyle(document.body).color}));
+}
+</script>
+<link rel="stylesheet" href="app://checkout/app.css" onload="done('style', 1)" onerror="done('style', 0)">
+<img src="app://checkout/logo.svg" onload="done('image', this.naturalWidth)" onerror="done('image', 0)">
+<script src="app://checkout/app.js" onload="done('script', 1)" onerror="done('script', 0)"></script>)html";
+  }
+
+  /// What the page of the view does to get the app's fields sent with a
+  /// request of its own for `url`: it requests it every way a page can
+  /// (image, script, fetch, XHR; frames too with `frames`), at once and on
+  /// every turn of its loop, and, with `navigateAfter`, navigates there
+  /// itself after a few turns.
+  void requestFromPage(const std::string& url, bool frames, bool navigateAfter) {
+    view->engine().evaluateJavaScript(R"((function (url, frames, navigateAfter) {
+  let turns = 0;
+  const burst = () => {
+    new Image().src = url;
+    const script = document.createElement('script');
+    script.src = url;
+    document.head.appendChild(script);
+    fetch(url).catch(() => {});
+    const xhr = new XMLHttpRequest();
+    xhr.open('GET', url);
+    xhr.send();
+    if (frames) {
+      const frame = document.createElement('iframe');
+      frame.src = url;
+      document.body.appendChild(frame);
+    }
+    if (++turns === 50) {
+      clearInterval(timer);
+      if (navigateAfter) location.href = url;
+    }
+  };
+  const timer = setInterval(burst, 0);
+  burst();
+}))" + std::string("(") + serialize(JSON(url)) +
+                                          (frames ? ", true" : ", false") + (navigateAfter ? ", true)" : ", false)"),
+                                      nullptr);
+  }
+
+  /// How many of the requests the checkout's responder was asked carried the app's token.
+  std::size_t withTheToken() const {
+    const auto it = asked.find("checkout");
+    if (it == asked.end()) return 0;
+    return static_cast<std::size_t>(
+        std::ranges::count_if(it->second, [](const Asked& a) { return a.header("token").has_value(); }));
+  }
+
   std::map<std::string, std::vector<Asked>> asked;
   std::shared_ptr<CartPlugin> cart = std::make_shared<CartPlugin>();
 };
@@ -203,6 +283,135 @@ TEST_F(LocalPagesTest, ViewsOnASharedContextServeOnlyTheirOwnPages) {
   secondWindow.destroy();
   ASSERT_TRUE(loadAndWait("app://checkout/index.html"));
   EXPECT_EQ(fetchFromPage("data.json").at("status"), JSON(200));
+}
+
+// A page that requests the URL its view is about to load, just before the
+// view's navigation and while it goes, gets none of the app's fields: they go
+// on the navigation's own request and no other, from the app's own page or
+// any other. The page of another origin never reaches the responder at all.
+TEST_F(LocalPagesTest, OnlyTheViewsNavigationCarriesTheAppsFieldsWhilePagesRequestItsURL) {
+  server.page("/attacker", testPage());
+  const std::pair<const char*, std::string> rows[] = {
+      {"the app's own page", "app://checkout/page.html"},
+      {"another app's page", "app://other/index.html"},
+      {"a page of the network", server.url("/attacker")},
+  };
+  const std::string target = "app://checkout/index.html";
+  for (const auto& [what, start] : rows) {
+    SCOPED_TRACE(what);
+    makeLocalView(WebSDKConfig{{"app://checkout"}}, {checkout(), recorded("other")});
+    ASSERT_TRUE(loadAndWait(start));
+    asked.clear();
+    requestFromPage(target, /*frames=*/false, /*navigateAfter=*/false);
+    ASSERT_TRUE(loadAndWait(target, {{"token", "b"}}));
+    EXPECT_EQ(evaluate("document.getElementById('token').textContent"), JSON("b")) << "the navigation carried it";
+    EXPECT_EQ(withTheToken(), 1u) << "and no other request";
+    if (start.starts_with("app://checkout/"))
+      EXPECT_GT(asked["checkout"].size(), 1u) << "the page's own requests reached the responder";
+    else
+      EXPECT_EQ(asked["checkout"].size(), 1u) << "a page of another origin is answered without asking it";
+  }
+}
+
+// The view's load refused, or held unanswered, the page still shown asks for
+// its URL every way it can, frames included, and then navigates there itself:
+// no request carries the app's fields. Only that navigation, which replaces
+// the page, may reach the responder.
+TEST_F(LocalPagesTest, NoPageRequestCarriesTheAppsFieldsAfterTheViewsLoadIsCancelled) {
+  server.page("/attacker", testPage());
+  const std::string target = "app://checkout/index.html";
+  struct Row {
+    const char* what;
+    std::string start;
+    bool held;  // the view's load is never answered, rather than refused
+  };
+  const Row rows[] = {
+      {"a page of the network, the load refused", server.url("/attacker"), false},
+      {"another app's page, the load refused", "app://other/index.html", false},
+      {"a page of the network, the load held", server.url("/attacker"), true},
+      {"the app's own page, the load held", "app://checkout/page.html", true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    makeLocalView(WebSDKConfig{{"app://checkout"}}, {checkout(), recorded("other")});
+    ASSERT_TRUE(loadAndWait(row.start));
+    asked.clear();
+    bool askedAboutTheLoad = false;
+    delegate->actionPolicy = [&](const WebSDKNavigationAction& action) -> std::optional<WebSDKNavigationActionPolicy> {
+      if (action.url != target || std::exchange(askedAboutTheLoad, true)) return WebSDKNavigationActionPolicy::allow;
+      if (row.held) return std::nullopt;
+      return WebSDKNavigationActionPolicy::cancel;
+    };
+    view->loadWebView(target, {{"token", "b"}}, std::nullopt, 30);
+    ASSERT_TRUE(waitFor([&] { return askedAboutTheLoad; }));
+
+    const auto ended = [&] {
+      return delegate->finished.size() + delegate->provisionalFailures.size() + delegate->committedFailures.size();
+    };
+    const std::size_t before = ended();
+    requestFromPage(target, /*frames=*/true, /*navigateAfter=*/true);
+    // The page's navigation ends: as a page of the app's, or refused.
+    EXPECT_TRUE(waitFor([&] { return ended() > before; }));
+    EXPECT_EQ(withTheToken(), 0u);
+    if (!row.start.starts_with("app://checkout/")) {
+      EXPECT_LE(asked["checkout"].size(), 1u) << "only its own navigation, which replaces it";
+    }
+    delegate->actionPolicy = [](const WebSDKNavigationAction&) { return WebSDKNavigationActionPolicy::allow; };
+  }
+}
+
+// A page of another origin, of the network or another app host, that includes
+// an app page's script, style and image gets none of them, and the responder
+// is never asked; the app's own page gets all three.
+TEST_F(LocalPagesTest, OnlyTheirOwnPagesIncludeTheScriptsStylesAndImagesOfAppPages) {
+  server.page("/includes", testPage(includes()));
+  LocalPages other = recorded("other");
+  other.resources["includes.html"] = {testPage(includes()), ""};
+  const std::pair<const char*, std::string> rows[] = {
+      {"a page of the network", server.url("/includes")},
+      {"another app's page", "app://other/includes.html"},
+      {"the app's own page", "app://checkout/includes.html"},
+  };
+  for (const auto& [what, url] : rows) {
+    SCOPED_TRACE(what);
+    page->reports.clear();
+    makeLocalView(WebSDKConfig{{"app://checkout"}}, {checkout(), other});
+    ASSERT_TRUE(loadAndWait(url));
+    asked.clear();
+    ASSERT_TRUE(waitFor([&] { return !page->of("included").empty(); }));
+    const JSON outcome = page->of("included")[0];
+    if (url.starts_with("app://checkout/")) {
+      EXPECT_EQ(outcome,
+                parseJSON(R"json({"style":1,"image":7,"script":1,"secret":"checkout","color":"rgb(1, 2, 3)"})json"));
+    } else {
+      EXPECT_EQ(outcome, parseJSON(R"json({"style":0,"image":0,"script":0,"secret":null,"color":"rgb(0, 0, 0)"})json"));
+      EXPECT_TRUE(asked["checkout"].empty());
+    }
+  }
+}
+
+// A frame of another origin in the app's own page is a page of another
+// origin too: it includes none of the app page's files.
+TEST_F(LocalPagesTest, AFrameOfAnotherOriginInAnAppPageIncludesNoneOfItsFiles) {
+  if (!engine::limits().localRequester.empty()) GTEST_SKIP() << engine::limits().localRequester;
+  // The frame tells the app page what it got, which reports it.
+  server.page("/framed",
+              "<!doctype html><script>function report(kind, data) { parent.postMessage({kind, data}, '*'); }"
+              "</script>" +
+                  includes());
+  LocalPages pages = checkout();
+  pages.resources["framer.html"] = {
+      testPage("<script>addEventListener('message', (e) => report(e.data.kind, e.data.data));</script><iframe src='" +
+               server.url("/framed") + "'></iframe>"),
+      ""};
+  makeLocalView(WebSDKConfig{{"app://checkout"}}, {pages});
+  asked.clear();
+  ASSERT_TRUE(loadAndWait("app://checkout/framer.html"));
+  ASSERT_TRUE(waitFor([&] { return !page->of("included").empty(); }));
+  EXPECT_EQ(page->of("included")[0],
+            parseJSON(R"json({"style":0,"image":0,"script":0,"secret":null,"color":"rgb(0, 0, 0)"})json"));
+  ASSERT_EQ(asked["checkout"].size(), 1u);
+  EXPECT_EQ(asked["checkout"][0].path, "framer.html");
 }
 
 }  // namespace

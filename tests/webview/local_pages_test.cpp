@@ -208,6 +208,30 @@ TEST(LocalPagesAnswer, PagesAreFoundByExactSchemeAndHost) {
   }
 }
 
+// The requester as the engines name it: a page's URL (WebKitGTK's shown
+// document) or its origin (Qt's initiator). Only the pages' own origin is served.
+TEST(LocalPagesAnswer, AResourceIsServedToThePagesOfItsOwnOriginOnly) {
+  const std::vector<LocalPages> all{{.host = "checkout"}, {.host = "shop"}};
+  const std::pair<const char*, bool> rows[] = {
+      {"app://checkout", true},
+      {"app://checkout/", true},
+      {"app://checkout/a/index.html?x#y", true},
+      {"APP://checkout", true},
+      {"app://shop/index.html", false},  // another of the app's hosts
+      {"https://checkout/", false},
+      {"http://127.0.0.1:8080/", false},
+      {"app://checkout.evil.test", false},
+      {"app://u@checkout", false},
+      {"app://checkout:1", false},
+      {"null", false},  // an opaque origin: a sandboxed frame, a data: page
+      {"", false},
+  };
+  for (const auto& [requester, served] : rows)
+    EXPECT_EQ(servesPageOf(all, "app://checkout/app.js", requester), served) << requester;
+  EXPECT_FALSE(servesPageOf(all, "app://other/app.js", "app://other")) << "pages that are not served";
+  EXPECT_EQ(forbidden().status, 403);
+}
+
 TEST(LocalPagesAnswer, OnlyTheAppsOwnSchemesAndLowercaseHostsServe) {
   const std::tuple<const char*, const char*, bool> rows[] = {
       {"app", "checkout", true},

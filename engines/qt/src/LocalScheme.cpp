@@ -16,6 +16,8 @@ namespace {
 
 std::string withoutFragment(std::string_view url) { return std::string(url.substr(0, url.find('#'))); }
 
+std::string utf8(const QUrl& url) { return url.toString(QUrl::FullyEncoded).toStdString(); }
+
 // Qt has no status for a scheme's answer: a refusal fails the request.
 QWebEngineUrlRequestJob::Error failureOf(int status) {
   switch (status) {
@@ -37,14 +39,26 @@ class Handler final : public QWebEngineUrlSchemeHandler {
     if (servedBy(pages_, url) != nullptr) load_.emplace(url, std::move(fields));
   }
 
+  void navigating(const QUrl& url, bool viewsOwnLoad) { ownNavigation_ = viewsOwnLoad ? utf8(url) : std::string(); }
+
   void requestStarted(QWebEngineUrlRequestJob* job) override {
     LocalRequest request{
         job->requestUrl().toString(QUrl::FullyEncoded).toStdString(), job->requestMethod().toStdString(), {}};
     const auto headers = job->requestHeaders();
     for (auto it = headers.begin(); it != headers.end(); ++it)
       request.headers.emplace_back(it.key().toStdString(), it.value().toStdString());
-    if (load_ && withoutFragment(load_->first) == withoutFragment(request.url)) {
-      // The load's first request: its fields, which replace the request's own.
+    // No initiator: the browser's own navigation of the view, never a page's
+    // request. A page's gets an answer only from the pages of its origin: no
+    // other page includes their scripts, styles or images.
+    const QUrl initiator = job->initiator();
+    if (!initiator.isEmpty() && !servesPageOf(pages_, request.url, utf8(initiator))) {
+      log(LogLevel::debug, "load", request.method + " " + request.url + " from " + utf8(initiator) + ": 403");
+      return job->fail(QWebEngineUrlRequestJob::RequestDenied);
+    }
+    const bool ownNavigation = initiator.isEmpty() && !ownNavigation_.empty() && ownNavigation_ == request.url;
+    if (ownNavigation) ownNavigation_.clear();
+    if (ownNavigation && load_ && withoutFragment(load_->first) == withoutFragment(request.url)) {
+      // The load's own request: its fields, which replace the request's own.
       for (const auto& [name, value] : load_->second) {
         std::erase_if(request.headers, [&](const auto& field) { return sameFieldName(field.first, name); });
         request.headers.emplace_back(name, value);
@@ -73,6 +87,9 @@ class Handler final : public QWebEngineUrlSchemeHandler {
  private:
   std::vector<LocalPages> pages_;
   std::optional<std::pair<std::string, HeaderFields>> load_;
+  // The main-frame request the view's request interceptor saw last, when it
+  // was the view's own load (not a page's navigation, nor a step in history).
+  std::string ownNavigation_;
 };
 
 Serving::Serving(QWebEngineProfile* profile, std::vector<LocalPages> pages)
@@ -86,6 +103,8 @@ Serving::Serving(QWebEngineProfile* profile, std::vector<LocalPages> pages)
 Serving::~Serving() { profile_->removeUrlSchemeHandler(handler_.get()); }
 
 void Serving::expect(const std::string& url, HeaderFields fields) { handler_->expect(url, std::move(fields)); }
+
+void Serving::navigating(const QUrl& url, bool viewsOwnLoad) { handler_->navigating(url, viewsOwnLoad); }
 
 std::unique_ptr<Serving> serve(QWebEngineProfile* profile, const std::vector<LocalPages>& pages) {
   std::vector<LocalPages> served = servablePages(pages, [](const LocalPages& page) -> std::string {

@@ -1,8 +1,9 @@
 #pragma once
 // The engine's local pages (websdk::LocalPages) as Qt WebEngine URL schemes.
-// A profile takes one handler per scheme; Qt does not say which page made a
+// A profile takes one handler per scheme; Qt does not say which view made a
 // request, so a view with local pages has a profile of its own, and its
-// handler serves that view's pages only.
+// handler serves that view's pages only. Qt does say which origin made it:
+// a page's resources go to the view's navigations and to its own origin.
 
 #include "websdk/webview/LocalPages.hpp"
 
@@ -26,9 +27,12 @@ class Serving {
   Serving& operator=(const Serving&) = delete;
 
   /// The view loads `url` with `fields` (the app's only when it is trusted):
-  /// the first request for that URL that reaches the pages carries them, for
-  /// Qt puts no header field on a request of a scheme that is not HTTP.
+  /// the request of that navigation carries them, and no other, for Qt puts
+  /// no header field on a request of a scheme that is not HTTP.
   void expect(const std::string& url, HeaderFields fields);
+  /// The view's main frame requests `url` next: the view's own load, or a
+  /// navigation of another kind (a page's, a step in history).
+  void navigating(const QUrl& url, bool viewsOwnLoad);
 
  private:
   QWebEngineProfile* profile_;

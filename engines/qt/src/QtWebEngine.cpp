@@ -623,6 +623,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
                   (type == QWebEngineUrlRequestInfo::NavigationTypeTyped ||
                    type == QWebEngineUrlRequestInfo::NavigationTypeReload);
     }
+    if (localPages) localPages->navigating(info.requestUrl(), !hop && loadChain);
     const HeaderFields fields = loadChain ? appFieldsFor(info.requestUrl()) : HeaderFields{};
     // Off the trusted hosts: the load never gets the app's fields back.
     if (fields.empty()) loadChain = false;

@@ -9,15 +9,20 @@
 #include <utility>
 
 namespace websdk::webkitgtk::local {
+
 namespace {
 
 using Pages = std::shared_ptr<const std::vector<LocalPages>>;
 
-// A view's pages, and the load it expects next.
-struct Served {
-  Pages pages;
-  std::optional<std::pair<std::string, HeaderFields>> load;
+struct Unref {
+  void operator()(gpointer object) const { g_object_unref(object); }
 };
+// Held, so that a resource the view has let go of cannot come back at the
+// same address as another.
+using Held = std::unique_ptr<WebKitWebResource, Unref>;
+Held hold(WebKitWebResource* resource) {
+  return Held(resource ? WEBKIT_WEB_RESOURCE(g_object_ref(resource)) : nullptr);
+}
 
 std::string_view withoutFragment(std::string_view url) { return url.substr(0, url.find('#')); }
 
@@ -62,6 +67,59 @@ void finish(WebKitURISchemeRequest* request, const LocalAnswer& answer) {
   g_object_unref(stream);
 }
 
+}  // namespace
+
+// One view's pages, and what its requests are judged by. WebKit names the
+// view of a request, never its frame or what made it; what it does say is
+// the view's main resource: the request of its main frame's navigation,
+// made anew for each navigation, never for a page's own requests.
+struct Serving::View {
+  WebKitWebView* view = nullptr;
+  Pages pages;
+  // The URL of the document the view shows: its requests are the pages'
+  // when it is one of them.
+  std::string shown;
+  // The main resource last answered as a navigation: one request each.
+  Held answeredMain;
+  // The load the view expects with the app's fields. Its request is the
+  // main resource of the one main-frame navigation to start after the load
+  // was made, and to that URL: a page's fetch of the same URL is no main
+  // resource. A second navigation asked about for its URL, or a second one
+  // started, leaves it unclear whose navigation comes (a page's own, or one
+  // after the load was refused or stopped): the fields then stay home.
+  struct Load {
+    std::string url;
+    HeaderFields fields;
+    Held mainBefore;
+    int asked = 0;
+    int started = 0;
+  };
+  std::optional<Load> load;
+  std::vector<gulong> handlers;
+
+  void asked(std::string_view url) {
+    if (load && withoutFragment(url) == withoutFragment(load->url) && ++load->asked > 1) load.reset();
+  }
+
+  // Whether a request for `url` is the view's main-frame navigation; and
+  // whether it is the load's, which then takes the load's fields.
+  std::pair<bool, std::optional<HeaderFields>> navigation(const std::string& url) {
+    WebKitWebResource* main = webkit_web_view_get_main_resource(view);
+    if (main == nullptr || main == answeredMain.get() ||
+        withoutFragment(text(webkit_web_resource_get_uri(main))) != withoutFragment(url))
+      return {false, std::nullopt};
+    answeredMain = hold(main);
+    if (!load || load->asked != 1 || load->started != 1 || main == load->mainBefore.get() ||
+        withoutFragment(load->url) != withoutFragment(url))
+      return {true, std::nullopt};
+    std::optional<HeaderFields> fields = std::move(load->fields);
+    load.reset();
+    return {true, std::move(fields)};
+  }
+};
+
+namespace {
+
 // The schemes registered on one web context, and each view's pages.
 class Registry {
  public:
@@ -75,8 +133,8 @@ class Registry {
     return *registry;
   }
 
-  void add(WebKitWebContext* context, WebKitWebView* view, Pages pages) {
-    for (const auto& page : *pages) {
+  void add(WebKitWebContext* context, std::shared_ptr<Serving::View> served) {
+    for (const auto& page : *served->pages) {
       if (!schemes_.insert(page.scheme).second) continue;
       webkit_web_context_register_uri_scheme(context, page.scheme.c_str(), &Registry::handle, this, nullptr);
       // Secure, so that a page there is a secure context and may load what a
@@ -85,15 +143,7 @@ class Registry {
       webkit_security_manager_register_uri_scheme_as_secure(security, page.scheme.c_str());
       webkit_security_manager_register_uri_scheme_as_cors_enabled(security, page.scheme.c_str());
     }
-    byView_[view] = Served{std::move(pages), std::nullopt};
-  }
-
-  void expect(WebKitWebView* view, const std::string& url, HeaderFields fields) {
-    const auto it = byView_.find(view);
-    if (it == byView_.end()) return;
-    // A load elsewhere ends the wait for an earlier one.
-    it->second.load.reset();
-    if (servedBy(*it->second.pages, url) != nullptr) it->second.load.emplace(url, std::move(fields));
+    byView_[served->view] = std::move(served);
   }
 
   // A scheme stays registered (WebKit cannot take it back); its requests
@@ -113,41 +163,74 @@ class Registry {
           },
           &local.headers);
     // Held for the call: the host's responder may close the view.
-    Pages pages;
-    if (const auto it = byView.find(webkit_uri_scheme_request_get_web_view(request)); it != byView.end()) {
-      pages = it->second.pages;
-      // The load's first request: its fields, which replace the request's own.
-      auto& load = it->second.load;
-      if (load && withoutFragment(load->first) == withoutFragment(local.url)) {
-        for (const auto& [name, value] : load->second) {
+    std::shared_ptr<Serving::View> served;
+    if (const auto it = byView.find(webkit_uri_scheme_request_get_web_view(request)); it != byView.end())
+      served = it->second;
+    LocalAnswer answer;
+    const LocalPages* pages = served ? servedBy(*served->pages, local.url) : nullptr;
+    if (pages == nullptr) {
+      answer = LocalAnswer{404, "text/plain; charset=utf-8", "not found", ""};
+    } else if (auto [navigation, fields] = served->navigation(local.url);
+               navigation || servesPageOf(*served->pages, local.url, served->shown)) {
+      if (fields) {
+        // The load's own request: its fields, which replace the request's own.
+        for (const auto& [name, value] : *fields) {
           std::erase_if(local.headers, [&](const auto& field) { return sameFieldName(field.first, name); });
           local.headers.emplace_back(name, value);
         }
-        load.reset();
       }
+      answer = pages->answer(local);
+    } else {
+      // A page of another origin, or one whose frames WebKit does not name:
+      // the responder is not asked.
+      answer = forbidden();
     }
-    const LocalPages* served = pages ? servedBy(*pages, local.url) : nullptr;
-    const LocalAnswer answer =
-        served ? served->answer(local) : LocalAnswer{404, "text/plain; charset=utf-8", "not found", ""};
     log(LogLevel::debug, "load", local.method + " " + local.url + ": " + std::to_string(answer.status));
     finish(request, answer);
   }
 
   std::set<std::string> schemes_;
-  std::map<WebKitWebView*, Served> byView_;
+  std::map<WebKitWebView*, std::shared_ptr<Serving::View>> byView_;
 };
 
 }  // namespace
 
-Serving::Serving(WebKitWebView* view, std::vector<LocalPages> pages) : view_(view) {
-  Registry::of(webkit_web_view_get_context(view))
-      .add(webkit_web_view_get_context(view), view, std::make_shared<const std::vector<LocalPages>>(std::move(pages)));
+Serving::Serving(WebKitWebView* view, std::vector<LocalPages> pages) : view_(std::make_shared<View>()) {
+  view_->view = view;
+  view_->pages = std::make_shared<const std::vector<LocalPages>>(std::move(pages));
+  // Connected before the engine's own handlers, and only watching.
+  view_->handlers.push_back(g_signal_connect(
+      view, "decide-policy",
+      G_CALLBACK(+[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type, gpointer data) {
+        if (type != WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) return FALSE;
+        WebKitNavigationAction* action =
+            webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+        static_cast<View*>(data)->asked(text(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action))));
+        return FALSE;
+      }),
+      view_.get()));
+  view_->handlers.push_back(
+      g_signal_connect(view, "load-changed", G_CALLBACK(+[](WebKitWebView* v, WebKitLoadEvent event, gpointer data) {
+                         auto* served = static_cast<View*>(data);
+                         if (event == WEBKIT_LOAD_STARTED && served->load && ++served->load->started > 1)
+                           served->load.reset();
+                         if (event == WEBKIT_LOAD_COMMITTED) served->shown = text(webkit_web_view_get_uri(v));
+                       }),
+                       view_.get()));
+  Registry::of(webkit_web_view_get_context(view)).add(webkit_web_view_get_context(view), view_);
 }
 
-Serving::~Serving() { Registry::of(webkit_web_view_get_context(view_)).remove(view_); }
+Serving::~Serving() {
+  for (const gulong id : view_->handlers)
+    if (g_signal_handler_is_connected(view_->view, id)) g_signal_handler_disconnect(view_->view, id);
+  Registry::of(webkit_web_view_get_context(view_->view)).remove(view_->view);
+}
 
 void Serving::expect(const std::string& url, HeaderFields fields) {
-  Registry::of(webkit_web_view_get_context(view_)).expect(view_, url, std::move(fields));
+  // A load elsewhere ends the wait for an earlier one.
+  view_->load.reset();
+  if (servedBy(*view_->pages, url) != nullptr)
+    view_->load.emplace(View::Load{url, std::move(fields), hold(webkit_web_view_get_main_resource(view_->view))});
 }
 
 std::unique_ptr<Serving> serve(WebKitWebView* view, const std::vector<LocalPages>& pages) {

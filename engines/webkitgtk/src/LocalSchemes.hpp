@@ -2,7 +2,8 @@
 // The engine's local pages (websdk::LocalPages) as WebKit URI schemes. A web
 // context takes one handler per scheme, once, for every view on it; the
 // handler answers each request from the pages of the view that made it, so
-// views sharing a context serve only their own pages.
+// views sharing a context serve only their own pages. Within a view, a page's
+// resources go to its own navigations and to the pages of its own origin.
 
 #include "websdk/webview/LocalPages.hpp"
 
@@ -23,13 +24,15 @@ class Serving {
   Serving& operator=(const Serving&) = delete;
 
   /// The view loads `url` with `fields` (the app's only when it is trusted):
-  /// the first request for that URL that reaches the pages carries them.
-  /// WebKit carries no header fields on a request of a scheme that is not
-  /// HTTP, so the engine hands them over itself; they never leave the process.
+  /// the request of that navigation carries them, and no other. WebKit
+  /// carries no header fields on a request of a scheme that is not HTTP, so
+  /// the engine hands them over itself; they never leave the process.
   void expect(const std::string& url, HeaderFields fields);
 
+  struct View;
+
  private:
-  WebKitWebView* view_;
+  std::shared_ptr<View> view_;
 };
 
 /// Serving of the pages that can be served (a warning names each that cannot,

@@ -95,6 +95,16 @@ struct WEBSDK_EXPORT LocalPages {
 /// host, with no user or port. Nothing when none does.
 WEBSDK_EXPORT const LocalPages* servedBy(std::span<const LocalPages> all, std::string_view url);
 
+/// Whether the pages of `all` that serve `url` answer a request for it made
+/// by the page at `requester` (a URL or an origin: "app://checkout"): only
+/// their own pages are, so that no page of another origin can include their
+/// scripts, styles or images. The view's own navigations are answered without
+/// asking this.
+WEBSDK_EXPORT bool servesPageOf(std::span<const LocalPages> all, std::string_view url, std::string_view requester);
+
+/// The answer to a request the pages do not serve to its requester.
+WEBSDK_EXPORT LocalAnswer forbidden();
+
 /// The pages of `pages` an engine can serve, in order: a warning names each
 /// that cannot, and why (its own problem(), the engine's `engineProblem`, or
 /// pages given twice).

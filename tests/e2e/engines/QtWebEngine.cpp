@@ -86,6 +86,7 @@ const Limits& limits() {
       "Qt WebEngine 6.4 lets no fetch() reach an app's own scheme (Qt 6.6 adds the switch for it), and a scheme's "
       "answer has no status: a refusal fails the request. Pages, their scripts, styles and images load; views with "
       "local pages have a profile of their own",
+      "",
       "Qt WebEngine runs Chromium's browser side in the host's process, and its heap keeps what a burst of "
       "messages grew (megabytes within Chromium's own code, by heaptrack): the WebSDK's part is measured on "
       "the WebKitGTK engines"};

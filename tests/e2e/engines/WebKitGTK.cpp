@@ -77,8 +77,14 @@ bool pinchEnabled(WebEngine& engine) {
 }
 
 const Limits& limits() {
-  static const Limits none;
-  return none;
+  static const Limits webkit = [] {
+    Limits limits;
+    limits.localRequester =
+        "WebKitGTK names the view of a request for a local page, never the frame that made it: a frame of another "
+        "origin in an app page is judged by the app page, whose files it may include";
+    return limits;
+  }();
+  return webkit;
 }
 
 void restartWithoutGuardModule(WebEngine& engine, const std::string& directory) {

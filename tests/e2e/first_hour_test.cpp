@@ -6,6 +6,10 @@
 #include "websdk/Log.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 
 namespace websdk::e2e {
 namespace {
@@ -98,6 +102,25 @@ TEST(TearDown, WindowFirstOrViewFirstLeavesNoWarnings) {
     EXPECT_TRUE(log.glib.empty()) << (windowFirst ? "window first: " : "view first: ") << log.glib.front();
     EXPECT_TRUE(log.told("came after its web view was torn down"));
   }
+}
+
+// The README's "Local pages" snippet as a newcomer writes it: pages from a
+// folder, and the ready-made delegate made inside the call. The view keeps
+// that delegate (nothing else could), so the page loads, with the app's token.
+TEST_F(E2ETest, TheLocalPagesSnippetAsWrittenLoadsItsPage) {
+  const auto folder = std::filesystem::temp_directory_path() / ("websdk-snippet-" + std::to_string(getpid()));
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "index.html") << testPage();
+  websdk::LocalPages checkout{.host = "checkout", .folder = folder.string()};
+  view = websdk::WebSDKWebView::create(engine::make(true, {checkout}), {checkout.origin()}, nullptr, nullptr,
+                                       std::make_shared<websdk::WebSDKTrustedHostsNavigationDelegate>());
+  view->engine().addScriptMessageHandler(page, "e2e");
+  window.show(view->engine());
+  view->loadWebView(checkout.url("index.html"), {{"token", "t"}}, std::nullopt, 30);
+  const bool loaded = waitFor([&] { return !page->of("ready").empty(); });
+  std::filesystem::remove_all(folder);
+  ASSERT_TRUE(loaded) << "the page never loaded";
+  EXPECT_EQ(view->url(), checkout.url("index.html"));
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ TEST(WebSDKJSFunctionType, TheEscapedFormWritesTextAsStringLiterals) {
        R"(globalJSBridgeHandler("x'); document.title='INJECTED'; ('"))"},
       {F::allowNativeBottomBarExit("C:\\ \"q\"\n</script>").escaped(),
        R"(allowNativeBottomBarExit("C:\\ \"q\"\n</script>"))"},
-      {F::searchQueryInput("pizza').escaped(), R"(SEARCH_QUERY_INPUT("pizza'"))"},
+      {F::searchQueryInput("pizza'").escaped(), R"(SEARCH_QUERY_INPUT("pizza'"))"},
       {F::handlePXSearchActions("milk", "rec'ent").escaped(), R"(HANDLE_PX_SEARCH_ACTIONS("milk", "rec'ent"))"},
       {F::updateScratchCardsData("\u2028").escaped(), R"(updateScratchCardsData("\u2028"))"},
       {F::updateScratchCardsData("\xFF").escaped(), R"(updateScratchCardsData("?"))"},

@@ -306,7 +306,8 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
 }
 
 void WebSDKScriptHandler::noteUnsubscribed(std::size_t slot, std::string_view requestId, std::string_view action) {
-  if (!unsubscribedAsks_[slot]) unsubscribedAsks_[slot] = "request id \"" + shown(std::string(requestId)) + "\" (" + std::string(action) + ")";
+  if (!unsubscribedAsks_[slot])
+    unsubscribedAsks_[slot] = "request id \"" + shown(std::string(requestId)) + "\" (" + std::string(action) + ")";
 }
 
 std::optional<std::string> WebSDKScriptHandler::takeUnsubscribedAsk(std::size_t slot) {

@@ -76,7 +76,7 @@ std::optional<std::string> WebSDKJSFunctionType::breakingText() const {
               if constexpr (std::is_same_v<std::remove_cvref_t<decltype(value)>, std::string>) {
                 // A tail brings its own quotes; any other text is inside ours.
                 const std::string_view v = value;
-                const char* what = v.find('\\') != std::string_view::npos            ? "a backslash"
+                const char* what = v.find('\\') != std::string_view::npos              ? "a backslash"
                                    : v.find_first_of("\r\n") != std::string_view::npos ? "a line break"
                                    : v.find("</script") != std::string_view::npos      ? "\"</script\""
                                    : written != PageArgument::tail && v.find('\'') != std::string_view::npos

@@ -291,8 +291,7 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
   if (!(timeoutInterval > 0) || !std::isfinite(timeoutInterval)) {
     say(LogLevel::warning, "load",
         "loadWebView: the timeout " + std::to_string(timeoutInterval) + " for " + *canonical +
-            " is not a positive number of seconds; the load gets " + std::to_string(int(kDefaultLoadTimeout)) +
-            " s");
+            " is not a positive number of seconds; the load gets " + std::to_string(int(kDefaultLoadTimeout)) + " s");
     timeoutInterval = kDefaultLoadTimeout;
   }
   if (recorder_) {

@@ -251,8 +251,9 @@ TEST_F(BridgeTest, EscapedPushesArriveAsPlainText) {
   ASSERT_TRUE(waitFor([&] { return page->of("call").size() >= 3; }));
   const auto calls = page->of("call");
   EXPECT_EQ(calls[0], (JSON(JSONObject{{"name", "globalJSBridgeHandler"}, {"args", JSONArray{JSON(injection)}}})));
-  EXPECT_EQ(calls[1], (JSON(JSONObject{{"name", "HANDLE_PX_SEARCH_ACTIONS"},
-                                       {"args", JSONArray{JSON(awkward), JSON(injection)}}})));
+  EXPECT_EQ(
+      calls[1],
+      (JSON(JSONObject{{"name", "HANDLE_PX_SEARCH_ACTIONS"}, {"args", JSONArray{JSON(awkward), JSON(injection)}}})));
   EXPECT_EQ(calls[2], (JSON(JSONObject{{"name", "SEARCH_QUERY_INPUT"}, {"args", JSONArray{JSON(injection)}}})));
   EXPECT_NE(evaluate("document.title"), JSON("INJECTED"));
 }

@@ -89,11 +89,21 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
        },
        "navigation",
        {"https://localhost/next", "no navigation delegate"}},
-      {"a whitelist entry with a path", [](Harness&) { made({"app://shop/index.html", "localhost"}); }, "trust",
+      {"a whitelist entry with a path",
+       [](Harness&) {
+         made({"app://shop/index.html", "localhost"});
+       },
+       "trust",
        {"\"app://shop/index.html\"", "can never match", "path"}},
-      {"a whitelist entry with a port", [](Harness&) { made({"shop.example:443"}); }, "trust",
+      {"a whitelist entry with a port",
+       [](Harness&) { made({"shop.example:443"}); },
+       "trust",
        {"\"shop.example:443\"", "can never match", "port"}},
-      {"an empty whitelist entry", [](Harness&) { made({"", "localhost"}); }, "trust",
+      {"an empty whitelist entry",
+       [](Harness&) {
+         made({"", "localhost"});
+       },
+       "trust",
        {"\"\"", "can never match", "empty"}},
       {"a deadline of 0 ms",
        [](Harness&) {
@@ -121,11 +131,15 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
        "plugin",
        {"generic plugin", "after the page had asked", "\"g1\"", "GET_LOCATION", "1004"}},
       {"a header name with a space",
-       [](Harness& h) { h.view->loadWebView("https://localhost/", {{"x token", "a"}}, std::nullopt, 5); },
+       [](Harness& h) {
+         h.view->loadWebView("https://localhost/", {{"x token", "a"}}, std::nullopt, 5);
+       },
        "headers",
        {"\"x token\"", "not sent", "a space"}},
       {"a header value with a line break",
-       [](Harness& h) { h.view->loadWebView("https://localhost/", {{"token", "a\r\nx: y"}}, std::nullopt, 5); },
+       [](Harness& h) {
+         h.view->loadWebView("https://localhost/", {{"token", "a\r\nx: y"}}, std::nullopt, 5);
+       },
        "headers",
        {"\"token\"", "not sent", "line break"}},
       {"a load timeout of 0",
@@ -207,9 +221,9 @@ TEST(Misuse, ADelegateAndListenerHandedOverAsTemporariesAreKept) {
   auto owned = std::make_unique<testing::TestingEngine>();
   auto& engine = *owned;
   engine.setURL("https://localhost/");
-  auto view = WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, nullptr,
-                                    std::make_shared<WebSDKTrustedHostsNavigationDelegate>(),
-                                    std::make_shared<Listener>());
+  auto view =
+      WebSDKWebView::create(std::move(owned), {"localhost"}, nullptr, nullptr,
+                            std::make_shared<WebSDKTrustedHostsNavigationDelegate>(), std::make_shared<Listener>());
   ASSERT_NE(view->webSDKNavigationDelegate.lock(), nullptr);
   ASSERT_NE(view->webJSCommunicatorDelegate.lock(), nullptr);
   std::optional<WebSDKNavigationActionPolicy> policy;
@@ -218,8 +232,8 @@ TEST(Misuse, ADelegateAndListenerHandedOverAsTemporariesAreKept) {
   EXPECT_EQ(policy, WebSDKNavigationActionPolicy::allow);
   // One the host holds stays the host's: released, it is gone.
   auto held = std::make_shared<WebSDKTrustedHostsNavigationDelegate>();
-  auto second = WebSDKWebView::create(std::make_unique<testing::TestingEngine>(), {"localhost"}, nullptr, nullptr,
-                                      held);
+  auto second =
+      WebSDKWebView::create(std::make_unique<testing::TestingEngine>(), {"localhost"}, nullptr, nullptr, held);
   held.reset();
   EXPECT_EQ(second->webSDKNavigationDelegate.lock(), nullptr);
 }

@@ -72,9 +72,7 @@ std::string utf8(const QString& s) { return s.toStdString(); }
 
 void logToQt() {
   static std::once_flag once;
-  std::call_once(once, [] {
-    websdk::detail::setPlatformLogSink(toQt);
-  });
+  std::call_once(once, [] { websdk::detail::setPlatformLogSink(toQt); });
 }
 
 void prepare(const std::vector<std::string>& localSchemes) {

@@ -109,6 +109,21 @@ class RecordingListener final : public WebSDKJSCommunicationProtocol {
   std::vector<std::pair<std::string, WebSDKDropReason>> droppedPushes;
 };
 
+/// A cart plugin that notes the id of each request it is handed.
+class IdRecordingCart final : public DvCartWebViewCallBacks {
+ public:
+  std::vector<std::string> ids;
+  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
+    ids.push_back(request.requestId);
+  }
+};
+
+/// A GET_LOCAL_CART request's text, with id `id`.
+inline std::string cartRequest(const std::string& id) {
+  return R"({"type":"GET_LOCAL_CART","requestId":")" + id +
+         R"(","payload":{"tenant":{"marketplaceId":"m","marketplaceCategory":"c","marketplaceBusinessLine":"b"}}})";
+}
+
 /// A page that defines every function the WebSDK calls and reports each call
 /// (and the header object as it stood at document start) to "e2e".
 std::string testPage(std::string_view body = "");

@@ -9,19 +9,6 @@
 namespace websdk::e2e {
 namespace {
 
-class CartPlugin final : public DvCartWebViewCallBacks {
- public:
-  std::vector<std::string> ids;
-  void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
-    ids.push_back(request.requestId);
-  }
-};
-
-std::string cartRequest(const std::string& id) {
-  return R"({"type":"GET_LOCAL_CART","requestId":")" + id +
-         R"(","payload":{"tenant":{"marketplaceId":"m","marketplaceCategory":"c","marketplaceBusinessLine":"b"}}})";
-}
-
 // A script that posts the cart request `id` to the bridge from its own document.
 std::string postScript(const std::string& id) {
   return "window.webkit.messageHandlers.nativeRequest.postMessage(" +
@@ -64,8 +51,8 @@ class FramesTest : public E2ETest {
     config.whitelistedHosts = {kTrusted};
     config.judgesFramesByTheirOwnHost = byFrame;
     makeView(config, delegate);
-    cart = std::make_shared<CartPlugin>();
-    view->setCartPlugin(cart);
+    cart = std::make_shared<IdRecordingCart>();
+    view->setIdRecordingCart(cart);
   }
   // Whether the bridge has heard the request `id`, whatever it made of it.
   bool heard(const std::string& id) const {
@@ -82,7 +69,7 @@ class FramesTest : public E2ETest {
       if (r.at("requestId") == JSON(id)) out.push_back(r);
     return out;
   }
-  std::shared_ptr<CartPlugin> cart;
+  std::shared_ptr<IdRecordingCart> cart;
 };
 
 // Every row under both frame settings: a top page, the frames down to the

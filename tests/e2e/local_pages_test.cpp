@@ -21,11 +21,6 @@ class CartPlugin final : public DvCartWebViewCallBacks {
   }
 };
 
-std::string cartRequest(const std::string& id) {
-  return R"({"type":"GET_LOCAL_CART","requestId":")" + id +
-         R"(","payload":{"tenant":{"marketplaceId":"m","marketplaceCategory":"c","marketplaceBusinessLine":"b"}}})";
-}
-
 // What the pages' responder was asked: the path and the request's fields.
 struct Asked {
   std::string path;

@@ -245,6 +245,19 @@ int run(int argc, char** argv) {
          click("partner"),
          {},
          [&] { return navigation->refusals > 0; }},
+        // A careless page puts the app's token where a recording looks: its
+        // URL, a request id and a payload the models do not declare. The
+        // recording must hold it nowhere (the checkout test looks).
+        {"the page echoes the app's token",
+         [&] {
+           view->engine().evaluateJavaScript(
+               "const t = JSON.parse(window.__native_headers__.getDovaraHeaders()).token;"
+               "history.replaceState(null, '', location.pathname + '?session=' + encodeURIComponent(t));"
+               "window.webkit.messageHandlers.nativeRequest.postMessage({message: JSON.stringify({type: "
+               "'GET_LOCATION', requestId: 'echo-' + t, payload: {opaque: {note: 'Bearer ' + t, path: '/' + t}}})})",
+               nullptr);
+         },
+         {"GET_LOCATION"}},
         {"pay with the simulated provider", click("pay"), {"PAY_USING_AMAZON_PAY", "ORDER_CONFIRMED_EVENT"}},
     };
     const bool answered = runCheckout(*view, *traffic, steps);

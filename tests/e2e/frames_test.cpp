@@ -52,7 +52,7 @@ class FramesTest : public E2ETest {
     config.judgesFramesByTheirOwnHost = byFrame;
     makeView(config, delegate);
     cart = std::make_shared<IdRecordingCart>();
-    view->setIdRecordingCart(cart);
+    view->setCartPlugin(cart);
   }
   // Whether the bridge has heard the request `id`, whatever it made of it.
   bool heard(const std::string& id) const {

@@ -23,7 +23,7 @@ class TrustTest : public E2ETest {
 // server holds the new page's response: the old page keeps posting, and is
 // judged (and answered) as what it is.
 TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
-  view->setIdRecordingCart(cart);
+  view->setCartPlugin(cart);
   server.page("/untrusted", testPage());
   server.hold("/trusted");
   ASSERT_TRUE(loadAndWait(server.url("/untrusted", "localhost")));
@@ -60,7 +60,7 @@ TEST_F(TrustTest, APageIsJudgedByItsOwnURLWhileTheNextLoadIsPending) {
 // message it makes up with a trusted URL, a new document mark. None reaches
 // the plugin; what is judged at all is judged by the page's own URL.
 TEST_F(TrustTest, AnUntrustedPageCannotSpeakForATrustedOne) {
-  view->setIdRecordingCart(cart);
+  view->setCartPlugin(cart);
   server.page("/untrusted", testPage());
   ASSERT_TRUE(loadAndWait(server.url("/untrusted", "localhost")));
   const std::string trusted = server.url("/", "127.0.0.1");
@@ -91,7 +91,7 @@ TEST_F(TrustTest, AnUntrustedPageCannotSpeakForATrustedOne) {
 // document sees nothing, whoever it is, and the listener hears of the drop.
 TEST_F(TrustTest, ALateAnswerNeverReachesTheNextDocument) {
   makeView({"127.0.0.1", "127.0.0.2"}, delegate);
-  view->setIdRecordingCart(cart);
+  view->setCartPlugin(cart);
   server.page("/a", testPage());
   server.page("/b", testPage());
   const std::pair<const char*, bool> nextHosts[] = {{"127.0.0.1", true}, {"127.0.0.2", true}, {"127.0.0.3", false}};
@@ -205,7 +205,7 @@ TEST_F(TrustTest, HostsAreReadAsThePageReadsThem) {
 // Characters WebKit keeps raw in a canonical URL do not make a trusted page
 // untrusted, in its path, query or fragment.
 TEST_F(TrustTest, TrustedPagesWithRawCharactersInTheirURLAreServed) {
-  view->setIdRecordingCart(cart);
+  view->setCartPlugin(cart);
   server.fallback(testPage());
   const char* paths[] = {"/sale/50%", "/q?f={a:1}|b^`\\", "/p{x}|^`\\/y", "/f#{x}|^`%"};
   int i = 0;

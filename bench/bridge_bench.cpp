@@ -100,15 +100,17 @@ BENCHMARK_CAPTURE(Intake, cart_recorded, kCart, Recorded::yes);
 BENCHMARK_CAPTURE(Intake, cart_recorded_headers, kCart, Recorded::withHeaders);
 
 // Answers each cart request at once, by id or through its reply.
+// By id, as a plugin must hold the view: weakly, locked to answer.
 struct AnsweringCart final : DvCartWebViewCallBacks {
-  WebSDKWebView* view = nullptr;
+  std::weak_ptr<WebSDKWebView> view;
   bool byReply = false;
   void handleCartRequest(const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) override {
     const JSONObject answer{{"items", 2}, {"total", 498}};
-    if (byReply)
+    if (byReply) {
       request.reply().sendWebSDKResponse(answer, WebSDKResponseType::success);
-    else
-      view->sendWebSDKResponse(answer, WebSDKResponseType::success, request.requestId);
+    } else if (const auto v = view.lock()) {
+      v->sendWebSDKResponse(answer, WebSDKResponseType::success, request.requestId);
+    }
   }
 };
 
@@ -118,7 +120,7 @@ void Answer(benchmark::State& state, bool byReply) {
   auto* raw = engine.get();
   auto view = WebSDKWebView::create(std::move(engine), WebSDKConfig{{"example.com"}});
   auto cart = std::make_shared<AnsweringCart>();
-  cart->view = view.get();
+  cart->view = view;
   cart->byReply = byReply;
   view->setCartPlugin(cart);
   const ScriptMessage message{"nativeRequest", JSONObject{{"message", kCart}}, raw->topOrigin()};

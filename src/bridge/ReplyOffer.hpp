@@ -10,14 +10,6 @@
 
 namespace websdk {
 
-struct WebSDKReply::Binding {
-  std::weak_ptr<BridgeView> view;
-  std::string requestId;
-  DocumentID document = 0;
-  std::uint64_t serial = 0;  // tells a reused id's requests apart
-  bool answered = false;
-};
-
 namespace detail {
 
 /// Offers one request's reply on this thread for as long as it lives; offers

@@ -53,18 +53,19 @@ WebSDKReply takeReply(std::string_view requestId) {
             "move it rather than taking it again");
     return WebSDKReply();
   }
-  return WebSDKReply(std::make_unique<WebSDKReply::Binding>(
-      WebSDKReply::Binding{offer->view_, std::string(requestId), offer->document_, offer->serial_, false}));
+  return WebSDKReply(
+      WebSDKReply::Binding{offer->view_, std::string(requestId), offer->document_, offer->serial_, false});
 }
 
 WebSDKReply::WebSDKReply() noexcept = default;
-WebSDKReply::WebSDKReply(std::unique_ptr<Binding> binding) noexcept : binding_(std::move(binding)) {}
-WebSDKReply::WebSDKReply(WebSDKReply&& other) noexcept = default;
+WebSDKReply::WebSDKReply(Binding binding) noexcept : binding_(std::move(binding)) {}
+// A moved-from reply is empty: it owes nothing, and says so when used.
+WebSDKReply::WebSDKReply(WebSDKReply&& other) noexcept : binding_(std::exchange(other.binding_, std::nullopt)) {}
 
 WebSDKReply& WebSDKReply::operator=(WebSDKReply&& other) noexcept {
   if (this != &other) {
     WebSDKReply abandoned(std::move(*this));
-    binding_ = std::move(other.binding_);
+    binding_ = std::exchange(other.binding_, std::nullopt);
   }
   return *this;
 }

@@ -20,6 +20,8 @@
 
 namespace websdk {
 
+class BridgeView;
+
 /// The answer a request owes its page, bound to that request and the document
 /// that sent it: taken once while a plugin handles the request
 /// (WebSDKBridgeRequest::reply()), then answered once, from anywhere.
@@ -69,13 +71,20 @@ class WEBSDK_EXPORT WebSDKReply {
   void sendFailure(std::optional<std::int64_t> statusCode = std::nullopt,
                    std::optional<std::string> statusMessage = std::nullopt);
 
-  struct Binding;  // what a reply is bound to; made by the bridge
-
  private:
+  // What a reply is bound to, held in the reply itself: taking a reply costs
+  // no allocation beyond what the answer makes.
+  struct Binding {
+    std::weak_ptr<BridgeView> view;
+    std::string requestId;
+    std::uint64_t document = 0;
+    std::uint64_t serial = 0;  // tells a reused id's requests apart
+    bool answered = false;
+  };
   friend WEBSDK_EXPORT WebSDKReply takeReply(std::string_view requestId);
-  explicit WebSDKReply(std::unique_ptr<Binding> binding) noexcept;
+  explicit WebSDKReply(Binding binding) noexcept;
   void answer(WebSDKResponseModel response);
-  std::unique_ptr<Binding> binding_;
+  std::optional<Binding> binding_;
 };
 
 /// The reply of the request with id `requestId` that a plugin is being handed

@@ -1,5 +1,6 @@
 #include "websdk/bridge/WebSDKReply.hpp"
 
+#include "../LogText.hpp"
 #include "ReplyOffer.hpp"
 #include "websdk/Log.hpp"
 
@@ -10,14 +11,6 @@ namespace {
 
 // The offers open on this thread, innermost first.
 thread_local detail::ReplyOffer* currentOffer = nullptr;
-
-// A page's id in a log line: short, and no control character.
-std::string shownId(std::string_view id) {
-  constexpr std::size_t kShown = 80;
-  std::string out;
-  for (const char c : id.substr(0, kShown)) out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-  return id.size() > kShown ? out + "..." : out;
-}
 
 const std::string kNoId;
 
@@ -41,14 +34,14 @@ WebSDKReply takeReply(std::string_view requestId) {
   detail::ReplyOffer* offer = currentOffer;
   if (offer == nullptr || offer->requestId_ != requestId) {
     log(LogLevel::warning, "answer",
-        "reply() for request id \"" + shownId(requestId) +
+        "reply() for request id \"" + shownInLog(requestId) +
             "\" was called outside the plugin's call for that request; this reply answers nothing. Take the "
             "reply inside handle...Request and move it to where the answer is made");
     return WebSDKReply();
   }
   if (std::exchange(offer->taken_, true)) {
     log(LogLevel::warning, "answer",
-        "reply() for request id \"" + shownId(requestId) +
+        "reply() for request id \"" + shownInLog(requestId) +
             "\" was taken already in this call; this second reply answers nothing. A request has one reply: "
             "move it rather than taking it again");
     return WebSDKReply();
@@ -86,21 +79,21 @@ const std::string& WebSDKReply::requestId() const noexcept { return binding_ ? b
 void WebSDKReply::answer(WebSDKResponseModel response) {
   if (!binding_) {
     log(LogLevel::warning, "answer",
-        "an answer to request id \"" + shownId(response.requestId) +
+        "an answer to request id \"" + shownInLog(response.requestId) +
             "\" through an empty reply (moved from, or taken outside its plugin call) answers nothing");
     return;
   }
   const auto view = binding_->view.lock();
   if (std::exchange(binding_->answered, true)) {
     log(LogLevel::warning, "answer", view ? view->viewName() : std::string_view(),
-        "request id \"" + shownId(binding_->requestId) +
+        "request id \"" + shownInLog(binding_->requestId) +
             "\" was answered through its reply already; this second answer is refused");
     if (view) view->refuseRepeatedAnswer(binding_->requestId);
     return;
   }
   if (!view) {
     log(LogLevel::warning, "answer",
-        "the answer to request id \"" + shownId(binding_->requestId) +
+        "the answer to request id \"" + shownInLog(binding_->requestId) +
             "\" came after its web view was torn down; dropped");
     return;
   }

@@ -1,5 +1,6 @@
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 
+#include "../LogText.hpp"
 #include "ReplyOffer.hpp"
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
@@ -91,21 +92,7 @@ class RequestIdScan {
 
 RequestIdScan scanTheStart(std::string_view text, std::size_t budget);
 
-// A page's words in a log line: short, whole characters, and no control
-// character that could forge a line of its own.
-std::string shown(const std::optional<std::string>& text) {
-  constexpr std::size_t kShown = 80;
-  std::string_view t = text ? std::string_view(*text) : std::string_view();
-  const bool cut = t.size() > kShown;
-  if (cut) {
-    std::size_t end = kShown;
-    while (end > 0 && (static_cast<unsigned char>(t[end]) & 0xC0) == 0x80) --end;
-    t = t.substr(0, end);
-  }
-  std::string out;
-  for (const char c : t) out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-  return cut ? out + "..." : out;
-}
+std::string shown(const std::optional<std::string>& text) { return shownInLog(text ? *text : std::string_view()); }
 
 constexpr std::string_view kHandlerName = "nativeRequest";
 constexpr std::string_view kNotAValidRequest = "not a valid request";
@@ -307,7 +294,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
 
 void WebSDKScriptHandler::noteUnsubscribed(std::size_t slot, std::string_view requestId, std::string_view action) {
   if (!unsubscribedAsks_[slot])
-    unsubscribedAsks_[slot] = "request id \"" + shown(std::string(requestId)) + "\" (" + std::string(action) + ")";
+    unsubscribedAsks_[slot] = "request id \"" + shownInLog(requestId) + "\" (" + std::string(action) + ")";
 }
 
 std::optional<std::string> WebSDKScriptHandler::takeUnsubscribedAsk(std::size_t slot) {

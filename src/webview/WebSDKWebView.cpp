@@ -1,5 +1,6 @@
 #include "websdk/webview/WebSDKWebView.hpp"
 
+#include "../LogText.hpp"
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/webview/WebSDKTrafficRecorder.hpp"
@@ -28,13 +29,6 @@ std::optional<std::string> fieldRefused(std::string_view name, std::string_view 
   if (value.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
     return "its value holds a line break or a NUL, which would end the field early";
   return std::nullopt;
-}
-
-// Text of the host's in a log line: no control character.
-std::string shownText(std::string_view text) {
-  std::string out;
-  for (const char c : text) out += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-  return out;
 }
 
 // What in the header text ends the header script's single-quoted string early,
@@ -323,7 +317,7 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
     const auto why = fieldRefused(field.first, field.second);
     if (why)
       say(LogLevel::warning, "headers",
-          "loadWebView: the header field \"" + shownText(field.first) + "\" is not sent: " + *why);
+          "loadWebView: the header field \"" + shownInLog(field.first) + "\" is not sent: " + *why);
     return why.has_value();
   });
   std::erase_if(confined, [&](const std::string& name) { return fieldRefused(name, "").has_value(); });
@@ -407,8 +401,9 @@ void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t se
   if (fails) settle(requestId, it->second, asked);
   const std::string waited = std::to_string(limit.count()) + " ms";
   say(LogLevel::warning, "answer",
-      "request id \"" + requestId + "\" (" + std::string(request.family) + " " + std::string(request.action) +
-          ") has no answer after " + waited + (fails ? "; the page is told it failed" : "; it still waits"));
+      "request id \"" + shownInLog(requestId) + "\" (" + std::string(request.family) + " " +
+          std::string(request.action) + ") has no answer after " + waited +
+          (fails ? "; the page is told it failed" : "; it still waits"));
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didMissAnswerDeadline(request);
   if (fails)
     deliver(WebSDKResponseModel{std::string(rawValue(WebSDKResponseType::failure)), rawValue(WebSDKStatusCode::unknown),
@@ -474,7 +469,7 @@ std::optional<DocumentID> WebSDKWebView::boundTarget(const std::string& requestI
         ++answerCounts_.abandoned;
         const WebSDKPendingRequest request{requestId, asked->family, asked->action, asked->askedAt};
         say(LogLevel::warning, "answer",
-            "the reply to request id \"" + requestId + "\" (" + std::string(request.family) + " " +
+            "the reply to request id \"" + shownInLog(requestId) + "\" (" + std::string(request.family) + " " +
                 std::string(request.action) + ") was let go without an answer; the page is told it failed");
         if (auto listener = webJSCommunicatorDelegate.lock()) listener->didAbandonRequest(request);
       }
@@ -496,21 +491,22 @@ std::optional<DocumentID> WebSDKWebView::unaskedTarget(const std::string& reques
   if (askerGone) {
     ++answerCounts_.late;
     say(LogLevel::warning, "answer",
-        "an answer to request id \"" + requestId + "\", answered or failed already, for a page that is gone; dropped");
+        "an answer to request id \"" + shownInLog(requestId) +
+            "\", answered or failed already, for a page that is gone; dropped");
     why = WebSDKDropReason::documentGone;
     return std::nullopt;
   }
   ++answerCounts_.unasked;
   if (webSDKConfig.dropsUnaskedAnswers) {
     say(LogLevel::warning, "answer",
-        "an answer to request id \"" + requestId +
+        "an answer to request id \"" + shownInLog(requestId) +
             "\", which no page asked or which was answered already; dropped (dropsUnaskedAnswers)");
     why = WebSDKDropReason::notAsked;
     return std::nullopt;
   }
   // Otherwise only a trusted page shown now may see it.
   say(LogLevel::warning, "answer",
-      "an answer to request id \"" + requestId +
+      "an answer to request id \"" + shownInLog(requestId) +
           "\", which no page asked or which was answered already; it goes to the page shown, if trusted");
   why = WebSDKDropReason::pageNotWhitelisted;
   return trustedDocumentShown();
@@ -558,7 +554,7 @@ void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
   if (detached_) {
     if (!toldDetached_.exchange(true))
       say(LogLevel::warning, "answer",
-          "an answer to request id \"" + shownText(response.requestId) +
+          "an answer to request id \"" + shownInLog(response.requestId) +
               "\" came after resetWebView(); answers after it are dropped (told once)");
     return;
   }
@@ -578,7 +574,8 @@ void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
     const auto view = weak.lock();
     if (!view) {
       log(LogLevel::warning, "answer",
-          "the answer to request id \"" + response.requestId + "\" came after its web view was torn down; dropped");
+          "the answer to request id \"" + shownInLog(response.requestId) +
+              "\" came after its web view was torn down; dropped");
       return;
     }
     WebSDKDropReason why = WebSDKDropReason::documentGone;

@@ -74,9 +74,16 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
   /// payload dictionary), or nothing when the row's model does not decode.
   template <class Request>
   static std::optional<Self> validateRequest(const Request& request) {
-    const auto i = static_cast<std::size_t>(request.type);
+    return Self::decodeAction(request.type, request.payload);
+  }
+
+ protected:
+  /// The table's decoding, which a family's own decodeAction compiles once
+  /// (WEBSDK_ACTIONS_COMPILED) so that no other file instantiates its models.
+  static std::optional<Self> decodeByTable(ActionT action, const std::optional<JSONObject>& payload) {
+    const auto i = static_cast<std::size_t>(action);
     if (i >= sizeof...(Rows)) return std::nullopt;
-    return decoders[i](request.payload);
+    return decoders[i](payload);
   }
 
  private:
@@ -131,6 +138,9 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
 
 /// Declares a family's action enumeration, its typed payload and the payload's
 /// case enumeration from one table of (action, "RAW", case[, Model]) rows.
+/// The payload's decoding and description are declared here and compiled in
+/// one source file, which says WEBSDK_ACTIONS_COMPILED(Payload): decoding
+/// instantiates every model of the family, which no other file should pay for.
 #define WEBSDK_ACTIONS(Action, Payload, ...)                                                     \
   enum class Action { WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_ACTION, _, __VA_ARGS__) };           \
   constexpr auto rawValues(Action) {                                                             \
@@ -145,4 +155,20 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
   class WEBSDK_EXPORT Payload                                                                    \
       : public ::websdk::ActionPayload<Payload, Action,                                          \
                                        Payload##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_TYPE, \
-                                                                         (Action, Payload##Case), __VA_ARGS__)> {};
+                                                                         (Action, Payload##Case), __VA_ARGS__)> { \
+   public:                                                                                       \
+    /** The typed payload of `action` read from `payload`, or nothing when its row refuses. */  \
+    static std::optional<Payload> decodeAction(Action action,                                    \
+                                               const std::optional<::websdk::JSONObject>& payload); \
+    /** {"case": name, "model": {...}}; the model is left out when there is none. */             \
+    ::websdk::JSON describe() const;                                                             \
+  };
+
+/// Compiles the decoding and description of a family's typed payload
+/// declared by WEBSDK_ACTIONS: in one source file, at namespace scope.
+#define WEBSDK_ACTIONS_COMPILED(Payload)                                                            \
+  std::optional<Payload> Payload::decodeAction(Action action,                                       \
+                                               const std::optional<::websdk::JSONObject>& payload) { \
+    return decodeByTable(action, payload);                                                          \
+  }                                                                                                 \
+  ::websdk::JSON Payload::describe() const { return TaggedPayload::describe(); }

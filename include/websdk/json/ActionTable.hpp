@@ -141,34 +141,32 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
 /// The payload's decoding and description are declared here and compiled in
 /// one source file, which says WEBSDK_ACTIONS_COMPILED(Payload): decoding
 /// instantiates every model of the family, which no other file should pay for.
-#define WEBSDK_ACTIONS(Action, Payload, ...)                                                     \
-  enum class Action { WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_ACTION, _, __VA_ARGS__) };           \
-  constexpr auto rawValues(Action) {                                                             \
-    return std::to_array<::websdk::RawValue<Action>>(                                            \
-        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_RAW, Action, __VA_ARGS__)});                      \
-  }                                                                                              \
-  enum class Payload##Case{WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_CASE, _, __VA_ARGS__)};         \
-  constexpr auto rawValues(Payload##Case) {                                                      \
-    return std::to_array<::websdk::RawValue<Payload##Case>>(                                     \
-        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_CASE_NAME, Payload##Case, __VA_ARGS__)});         \
-  }                                                                                              \
-  class WEBSDK_EXPORT Payload                                                                    \
-      : public ::websdk::ActionPayload<Payload, Action,                                          \
-                                       Payload##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_TYPE, \
-                                                                         (Action, Payload##Case), __VA_ARGS__)> { \
-   public:                                                                                       \
-    /** The typed payload of `action` read from `payload`, or nothing when its row refuses. */  \
-    static std::optional<Payload> decodeAction(Action action,                                    \
-                                               const std::optional<::websdk::JSONObject>& payload); \
-    /** {"case": name, "model": {...}}; the model is left out when there is none. */             \
-    ::websdk::JSON describe() const;                                                             \
+#define WEBSDK_ACTIONS(Action, Payload, ...)                                                                       \
+  enum class Action { WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_ACTION, _, __VA_ARGS__) };                             \
+  constexpr auto rawValues(Action) {                                                                               \
+    return std::to_array<::websdk::RawValue<Action>>(                                                              \
+        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_RAW, Action, __VA_ARGS__)});                                        \
+  }                                                                                                                \
+  enum class Payload##Case{WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_CASE, _, __VA_ARGS__)};                           \
+  constexpr auto rawValues(Payload##Case) {                                                                        \
+    return std::to_array<::websdk::RawValue<Payload##Case>>(                                                       \
+        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_CASE_NAME, Payload##Case, __VA_ARGS__)});                           \
+  }                                                                                                                \
+  class WEBSDK_EXPORT Payload                                                                                      \
+      : public ::websdk::ActionPayload<Payload, Action,                                                            \
+                                       Payload##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_ROW_TYPE,                   \
+                                                                         (Action, Payload##Case), __VA_ARGS__)> {  \
+   public:                                                                                                         \
+    /** The typed payload of `action` read from `payload`, or nothing when its row refuses. */                     \
+    static std::optional<Payload> decodeAction(Action action, const std::optional<::websdk::JSONObject>& payload); \
+    /** {"case": name, "model": {...}}; the model is left out when there is none. */                               \
+    ::websdk::JSON describe() const;                                                                               \
   };
 
 /// Compiles the decoding and description of a family's typed payload
 /// declared by WEBSDK_ACTIONS: in one source file, at namespace scope.
-#define WEBSDK_ACTIONS_COMPILED(Payload)                                                            \
-  std::optional<Payload> Payload::decodeAction(Action action,                                       \
-                                               const std::optional<::websdk::JSONObject>& payload) { \
-    return decodeByTable(action, payload);                                                          \
-  }                                                                                                 \
+#define WEBSDK_ACTIONS_COMPILED(Payload)                                                                            \
+  std::optional<Payload> Payload::decodeAction(Action action, const std::optional<::websdk::JSONObject>& payload) { \
+    return decodeByTable(action, payload);                                                                          \
+  }                                                                                                                 \
   ::websdk::JSON Payload::describe() const { return TaggedPayload::describe(); }

@@ -83,6 +83,9 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
   static std::optional<Self> decodeByTable(ActionT action, const std::optional<JSONObject>& payload) {
     const auto i = static_cast<std::size_t>(action);
     if (i >= sizeof...(Rows)) return std::nullopt;
+    // Here, not a member: a member table would instantiate every row's
+    // decoding in each file that names the family.
+    static constexpr std::array<Decoder, sizeof...(Rows)> decoders{&decodeRow<Rows>...};
     return decoders[i](payload);
   }
 
@@ -104,7 +107,6 @@ class ActionPayload : public TaggedPayload<Self, CaseT, Rows...> {
     return ((static_cast<std::size_t>(Rows::action) == i++) && ...);
   }
   static_assert(inActionOrder(), "one row per action, in the action enumeration's order");
-  static constexpr std::array<Decoder, sizeof...(Rows)> decoders{&decodeRow<Rows>...};
 };
 
 }  // namespace websdk

@@ -347,20 +347,24 @@ std::optional<T> decodeModel(Fields payload) {
 
 /// Declares a model: its rule, its fields with their readings, its readers
 /// `from` (a payload) and `decode` (one JSON value) and its memberwise equality.
-#define WEBSDK_MODEL(T, rule, ...)                                                                         \
-  static constexpr ::websdk::ModelRule modelRule() {                                                       \
-    using namespace ::websdk::rules;                                                                       \
-    return rule;                                                                                           \
-  }                                                                                                        \
-  static constexpr auto fields() {                                                                         \
-    using namespace ::websdk;                                                                              \
-    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_MODEL_FIELD, T, __VA_ARGS__)); \
-  }                                                                                                        \
-  static std::optional<T> from(const std::optional<::websdk::JSONObject>& payload) {                       \
-    return ::websdk::decodeModel<T>(payload);                                                              \
-  }                                                                                                        \
-  /** The model from one JSON value (nothing unless the rule accepts it). */                               \
-  static std::optional<T> decode(const ::websdk::JSON& value) {                                            \
-    return ::websdk::decodeModel<T>(::websdk::Fields::of(&value));                                         \
-  }                                                                                                        \
+#define WEBSDK_MODEL(T, rule, ...)                                                                                  \
+  static constexpr ::websdk::ModelRule modelRule() {                                                                \
+    using namespace ::websdk::rules;                                                                                \
+    return rule;                                                                                                    \
+  }                                                                                                                 \
+  /* Templates, so that only a file that reads or writes the model instantiates its field list. */                  \
+  template <class WebSDKSelf = T>                                                                                   \
+  static constexpr auto fields() {                                                                                  \
+    using namespace ::websdk;                                                                                       \
+    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_MODEL_FIELD, WebSDKSelf, __VA_ARGS__)); \
+  }                                                                                                                 \
+  template <class WebSDKSelf = T>                                                                                   \
+  static std::optional<WebSDKSelf> from(const std::optional<::websdk::JSONObject>& payload) {                       \
+    return ::websdk::decodeModel<WebSDKSelf>(payload);                                                              \
+  }                                                                                                                 \
+  /** The model from one JSON value (nothing unless the rule accepts it). */                                        \
+  template <class WebSDKSelf = T>                                                                                   \
+  static std::optional<WebSDKSelf> decode(const ::websdk::JSON& value) {                                            \
+    return ::websdk::decodeModel<WebSDKSelf>(::websdk::Fields::of(&value));                                         \
+  }                                                                                                                 \
   friend bool operator==(const T&, const T&) = default;

@@ -205,17 +205,19 @@ void PrintTo(const T& record, std::ostream* os) {
 #define WEBSDK_DETAIL_KEYED_FIELD_II(T, m, key) ::websdk::field(#m, &T::m, key)
 
 /// Declares a record's fields (by name) and its memberwise equality.
-#define WEBSDK_RECORD(T, ...)                                                                        \
-  static constexpr auto fields() {                                                                   \
-    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_FIELD, T, __VA_ARGS__)); \
-  }                                                                                                  \
+#define WEBSDK_RECORD(T, ...)                                                                                 \
+  template <class WebSDKSelf = T>                                                                             \
+  static constexpr auto fields() {                                                                            \
+    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_FIELD, WebSDKSelf, __VA_ARGS__)); \
+  }                                                                                                           \
   friend bool operator==(const T&, const T&) = default;
 
 /// Declares a record's fields as (field, "key") pairs and its equality.
-#define WEBSDK_KEYED_RECORD(T, ...)                                                                        \
-  static constexpr auto fields() {                                                                         \
-    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_KEYED_FIELD, T, __VA_ARGS__)); \
-  }                                                                                                        \
+#define WEBSDK_KEYED_RECORD(T, ...)                                                                                 \
+  template <class WebSDKSelf = T>                                                                                   \
+  static constexpr auto fields() {                                                                                  \
+    return ::websdk::detail::fieldTuple(0 WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_KEYED_FIELD, WebSDKSelf, __VA_ARGS__)); \
+  }                                                                                                                 \
   friend bool operator==(const T&, const T&) = default;
 
 namespace websdk::detail {

@@ -8,6 +8,7 @@
 #include "LocalScheme.hpp"
 #include "PageScripts.hpp"
 #include "websdk/Log.hpp"
+#include "websdk/webview/EngineCore.hpp"
 #include "websdk/webview/ScriptBuffers.hpp"
 
 #include <QApplication>
@@ -186,8 +187,9 @@ void QtMainQueue::post(std::function<void()> task) {
 }
 
 void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
-  QTimer::singleShot(std::chrono::milliseconds(std::max<std::int64_t>(0, delay.count())), &context_->object,
-                     std::move(task));
+  // Qt's timers count in int milliseconds.
+  const auto ms = std::clamp<std::int64_t>(delay.count(), 0, std::numeric_limits<int>::max());
+  QTimer::singleShot(std::chrono::milliseconds(ms), &context_->object, std::move(task));
 }
 
 bool QtMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
@@ -364,11 +366,11 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
           (gesture->gestureType() == Qt::ZoomNativeGesture && !s->pinching)) {
         if (!s->pinching) {
           s->pinching = true;
-          if (s->client) s->client->scrollViewWillBeginZooming();
+          s->core->pinchBegins();
         }
       }
       if (gesture->gestureType() == Qt::EndNativeGesture) s->pinching = false;
-      return !s->pinchEnabled;
+      return !s->core->pinchEnabled();
     }
 
    private:
@@ -385,11 +387,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   // The page's child, and its child: gone with the page, whoever deletes it.
   QPointer<QWebChannel> channel;
   QPointer<ChannelObject> channelObject;
-  WebEngineClient* client = nullptr;
   QtMainQueue queue;
+  // A timed-out load is stopped quietly: Qt's own word of the stop is not the timeout's.
+  const std::shared_ptr<EngineCore> core =
+      std::make_shared<EngineCore>(queue, "connection", -7, [this](const WebSDKNavigation& navigation) {
+        if (!page) return false;
+        abandonedURL = navigation.url;
+        navigating = false;
+        page->triggerAction(QWebEnginePage::Stop);
+        return true;
+      });
   QString channelLibrary;
 
-  std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> channels;
   std::vector<UserScript> userScripts;
   // From the last load's trust: they shape the scripts every document gets.
   std::size_t messageLimit = WebSDKConfig{}.maximumMessageBytes;
@@ -401,17 +410,12 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     std::string mark;
     DocumentID top = 0;
   };
-  DocumentID lastDocument = 0;
-  DocumentID document = 0;
   std::string documentMark;
-  std::deque<Known> recentMarks;  // the last few, newest last
-  std::optional<std::string> committedURL;
+  std::deque<Known> recentMarks;              // the last few, newest last
   std::map<DocumentID, std::string> topURLs;  // of the documents in recentMarks
   bool committedSinceStart = false;
 
-  bool pinchEnabled = true;
   bool pinching = false;
-  bool suppressesIncrementalRendering = false;
   bool javaScriptEnabled = true;
 
   // The view's own load: its request, and whether the main-frame requests now
@@ -432,27 +436,15 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   bool reissuing = false;
   bool blockedForReissue = false;
 
-  // Navigation bookkeeping.
-  std::uint64_t lastNavigationId = 0;
-  std::optional<WebSDKNavigation> current;
   bool navigating = false;  // an allowed main-frame navigation not yet ended
   // A navigation stopped on timeout: Qt's own stop of it stays quiet, also
   // when it comes after the next navigation started.
   std::optional<std::string> abandonedURL;
-  std::optional<double> pendingTimeout;
-  QTimer timeout;
   // Navigations the client allowed later than Qt asked: each is issued again
   // and passes once, unasked.
   std::vector<QUrl> allowedAgain;
   std::uint64_t lastQuestion = 0;
   std::map<std::uint64_t, bool> deciding;  // asked now: answered in the call?
-  int emitting = 0;
-
-  struct Emitting {
-    State& s;
-    explicit Emitting(State& state) : s(state) { ++s.emitting; }
-    ~Emitting() { --s.emitting; }
-  };
 
   // ---- Making and teardown ----
   void make(const QtWebEngineConfiguration& configuration) {
@@ -486,10 +478,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
                      [weak](const QUrl& url, QAuthenticator* authenticator) {
                        if (auto s = weak.lock(); s && s->page) s->authenticate(url, authenticator);
                      });
-    timeout.setSingleShot(true);
-    QObject::connect(&timeout, &QTimer::timeout, [weak] {
-      if (auto s = weak.lock(); s && s->page) s->loadTimedOut();
-    });
     pinchFilter = std::make_unique<PinchFilter>(weak);
     view->installEventFilter(pinchFilter.get());
     for (QWidget* child : view->findChildren<QWidget*>()) child->installEventFilter(pinchFilter.get());
@@ -500,8 +488,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   void shutdown() {
-    timeout.stop();
-    client = nullptr;
+    core->close();
     localPages.reset();
     if (channelObject) channelObject->close();
     if (page) page->setUrlRequestInterceptor(nullptr);
@@ -510,14 +497,15 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     view = nullptr;
     page = nullptr;
     if (widget != nullptr) {
-      if (emitting > 0)
+      // Torn down from inside one of its own signals, the view waits for the loop.
+      if (core->emitting())
         widget->deleteLater();
       else
         delete widget;
     }
     if (ownsProfile) {
       // After its pages, which may still be on their way out.
-      if (emitting > 0 || widget == nullptr)
+      if (core->emitting() || widget == nullptr)
         profile->deleteLater();
       else
         delete profile;
@@ -541,7 +529,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     add(QStringLiteral("websdk-channel"), channelLibrary + qstring(scripts::isolatedWorld(messageLimit)),
         QWebEngineScript::ApplicationWorld);
     JSONArray names;
-    for (const auto& [name, handler] : channels) names.emplace_back(name);
+    for (const auto& name : core->handlerNames()) names.emplace_back(name);
     add(QStringLiteral("websdk-handlers"), qstring(scripts::mainWorld(serialize(names), serviceWorkers)),
         QWebEngineScript::MainWorld);
     int n = 0;
@@ -565,20 +553,19 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   void received(const QJsonArray& call) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
     const QString kind = call.at(0).toString();
     const std::string mark = utf8(call.at(1).toString());
     if (kind == QLatin1String("hello") && call.size() == 3) {
       if (known(mark) != nullptr) return;  // one document says hello once
       const std::string url = utf8(call.at(2).toString());
-      document = ++lastDocument;
+      const DocumentID document = core->commitDocument(url);
       documentMark = mark;
-      committedURL = url;
       topURLs[document] = url;
       remember({mark, document});
       committedSinceStart = true;
-      timeout.stop();
-      if (current && navigating) current->url = url;
+      core->disarmTimeout();
+      if (auto* navigation = core->navigation(); navigation && navigating) navigation->url = url;
       return;
     }
     if (kind != QLatin1String("post") || call.size() != 7) return;
@@ -587,22 +574,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     const auto topURL = topURLs.find(from->top);
     const std::string url = utf8(call.at(2).toString());
     MessageOrigin origin{url, topURL != topURLs.end() ? topURL->second : std::string(), call.at(6).toBool(), from->top};
-    const std::string name = utf8(call.at(3).toString());
-    const auto it = channels.find(name);
-    if (it == channels.end()) return;
-    const auto handler = it->second.lock();
-    if (!handler) return;
+    std::string name = utf8(call.at(3).toString());
+    if (!core->hasHandler(name)) return;
     std::string text = utf8(call.at(4).toString());
     if (name == "nativeRequest") {
       // A NUL cannot travel in the bridge's text; U+0001 reads the same in JSON.
       std::replace(text.begin(), text.end(), '\0', '\x01');
       const auto units = static_cast<std::size_t>(std::max(0.0, call.at(5).toDouble()));
       const std::size_t bytes = std::max(text.size(), units);
-      handler->userContentController(
-          ScriptMessage{name, JSON(nullptr), std::move(origin), std::string_view(text), bytes});
+      core->deliver(ScriptMessage{std::move(name), JSON(nullptr), std::move(origin), std::string_view(text), bytes});
       return;
     }
-    handler->userContentController(ScriptMessage{name, parseJSON(text), std::move(origin), std::nullopt, 0});
+    core->deliver(ScriptMessage{std::move(name), parseJSON(text), std::move(origin), std::nullopt, 0});
   }
 
   // ---- The app's headers ----
@@ -639,12 +622,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   /// The app's fields a request of the view's load to `target` may carry.
   HeaderFields appFieldsFor(const QUrl& target) const {
-    HeaderFields fields;
-    if (!pendingLoad) return fields;
-    for (auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
-      if (std::ranges::find(pendingLoad->confinedHeaders, field.first) != pendingLoad->confinedHeaders.end())
-        fields.push_back(std::move(field));
-    return fields;
+    return pendingLoad ? pendingLoad->confinedFieldsFor(utf8(target.toString(QUrl::FullyEncoded))) : HeaderFields{};
   }
 
   /// Whether a redirect to `target` would carry the app's fields off the
@@ -677,14 +655,14 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     // Fields anyone may see go on the request; the app's are added per request.
     for (const auto& [name, value] : request.headersFor(""))
       http.setHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
-    pendingTimeout = request.timeoutInterval;
-    timeout.stop();
+    core->expectLoad(request.timeoutInterval);
     page->load(http);
   }
 
   // ---- Navigation ----
   bool acceptNavigation(const QUrl& url, QWebEnginePage::NavigationType type, bool isMainFrame) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
+    WebEngineClient* client = core->client();
     if (isMainFrame && type == QWebEnginePage::NavigationTypeRedirect && redirectLeaves(url)) {
       // Stopped before the request is made, and made again without them.
       loadChain = false;
@@ -729,7 +707,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       }
       s->deciding.erase(it);
       if (!allow) {
-        if (isMainFrame && ownLoad) s->pendingTimeout.reset();
+        if (isMainFrame && ownLoad) s->core->loadRefused();
         return;
       }
       if (!isMainFrame) {
@@ -757,7 +735,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       if (isMainFrame) redirectHopNext = redirect;
       return true;
     }
-    if (answer && isMainFrame && ownLoad) pendingTimeout.reset();
+    if (answer && isMainFrame && ownLoad) core->loadRefused();
     return false;
   }
 
@@ -765,25 +743,22 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
     navigating = true;
     committedSinceStart = false;
-    current = WebSDKNavigation{++lastNavigationId, utf8(url.toString(QUrl::FullyEncoded))};
-    if (pendingTimeout) armTimeout(*std::exchange(pendingTimeout, std::nullopt));
-    if (client) client->didStartProvisionalNavigation(&*current);
+    core->startNavigation(utf8(url.toString(QUrl::FullyEncoded)));
   }
   void loadingChanged(const QWebEngineLoadingInfo& info) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
     switch (info.status()) {
       case QWebEngineLoadingInfo::LoadStartedStatus: return;
       case QWebEngineLoadingInfo::LoadSucceededStatus:
-        timeout.stop();
+        core->disarmTimeout();
         if (!committedSinceStart) {
           // No word from the document (JavaScript off): the UI process's view of it.
-          document = ++lastDocument;
+          core->commitDocument(utf8(info.url().toString(QUrl::FullyEncoded)));
           documentMark.clear();
-          committedURL = utf8(info.url().toString(QUrl::FullyEncoded));
         }
         if (!navigating) return;
         navigating = false;
-        if (client) client->didFinish(current ? &*current : nullptr);
+        core->finished();
         return;
       case QWebEngineLoadingInfo::LoadStoppedStatus:
       case QWebEngineLoadingInfo::LoadFailedStatus: {
@@ -793,44 +768,23 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
           return;
         }
         if (!navigating) return;  // refused by us, or stopped on timeout
-        timeout.stop();
+        core->disarmTimeout();
         navigating = false;
         const bool stopped = info.status() == QWebEngineLoadingInfo::LoadStoppedStatus;
-        const WebSDKError error{stopped ? "internal" : errorDomain(info.errorDomain()),
-                                stopped ? kAbortedError : info.errorCode(),
-                                stopped ? "Load stopped" : utf8(info.errorString()), false};
-        if (client) {
-          if (committedSinceStart)
-            client->didFail(current ? &*current : nullptr, error);
-          else
-            client->didFailProvisionalNavigation(current ? &*current : nullptr, error);
-        }
+        core->failed(committedSinceStart, WebSDKError{stopped ? "internal" : errorDomain(info.errorDomain()),
+                                                      stopped ? kAbortedError : info.errorCode(),
+                                                      stopped ? "Load stopped" : utf8(info.errorString()), false});
         return;
       }
     }
-  }
-
-  void armTimeout(double seconds) {
-    timeout.stop();
-    if (!(seconds > 0) || !std::isfinite(seconds)) return;
-    timeout.start(static_cast<int>(std::min(std::ceil(seconds * 1000.0), 2.0e9)));
-  }
-
-  void loadTimedOut() {
-    Emitting guardEmit(*this);
-    const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
-    abandonedURL = navigation.url;
-    navigating = false;
-    page->triggerAction(QWebEnginePage::Stop);
-    if (client)
-      client->didFailProvisionalNavigation(&navigation, WebSDKError{"connection", -7, "The request timed out.", true});
   }
 
   // Qt asks synchronously and takes no later answer: a delegate that answers
   // within the call is heard; one that answers later finds the challenge
   // cancelled.
   void authenticate(const QUrl& url, QAuthenticator* authenticator) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
+    WebEngineClient* client = core->client();
     if (!client) {
       *authenticator = QAuthenticator();
       return;
@@ -886,7 +840,7 @@ QtWebEngine::QtWebEngine(const QtWebEngineConfiguration& configuration) : state_
 
 QtWebEngine::~QtWebEngine() { state_->shutdown(); }
 
-void QtWebEngine::setClient(WebEngineClient* client) { state_->client = client; }
+void QtWebEngine::setClient(WebEngineClient* client) { state_->core->setClient(client); }
 
 void QtWebEngine::load(const URLRequest& request) {
   if (state_->page) state_->send(request);
@@ -908,10 +862,7 @@ void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion comple
 void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
   State& s = *state_;
   if (!s.page) return;
-  if (document == 0 || document != s.document) {
-    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
-    return;
-  }
+  if (!s.core->shows(document)) return EngineCore::dropped(completion);
   if (s.documentMark.empty()) return evaluateJavaScript(std::move(script), std::move(completion));
   // The page decides: a navigation racing the answer cannot carry it into the next document.
   const QString source = qstring(scripts::inDocument(s.documentMark, script));
@@ -937,25 +888,18 @@ void QtWebEngine::addUserScript(const UserScript& script) {
 
 void QtWebEngine::addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
   State& s = *state_;
-  if (!s.page || s.channels.contains(name)) return;  // the first handler of a name keeps it
-  s.channels.emplace(std::move(name), std::move(handler));
-  s.installScripts();
+  // The first handler of a name keeps it.
+  if (s.page && s.core->addHandler(std::move(handler), std::move(name))) s.installScripts();
 }
 
 void QtWebEngine::removeScriptMessageHandler(std::string_view name) {
   State& s = *state_;
-  const auto it = s.channels.find(name);
-  if (it == s.channels.end()) return;
-  s.channels.erase(it);
-  if (s.page) s.installScripts();
+  if (s.core->removeHandler(name) && s.page) s.installScripts();
 }
 
-std::optional<std::string_view> QtWebEngine::url() const {
-  if (!state_->page || !state_->committedURL || state_->committedURL->empty()) return std::nullopt;
-  return std::string_view(*state_->committedURL);
-}
+std::optional<std::string_view> QtWebEngine::url() const { return state_->page ? state_->core->url() : std::nullopt; }
 
-DocumentID QtWebEngine::document() const { return state_->page ? state_->document : 0; }
+DocumentID QtWebEngine::document() const { return state_->page ? state_->core->document() : 0; }
 
 URLCanonicalizer QtWebEngine::urlCanonicalizer() const { return &chromiumCanonicalURL; }
 
@@ -964,14 +908,8 @@ void QtWebEngine::setPreferences(const WebPreferences& preferences) {
   if (state_->page) state_->applySettings();
 }
 
-void QtWebEngine::setSuppressesIncrementalRendering(bool suppress) {
-  state_->suppressesIncrementalRendering = suppress;
-}
-bool QtWebEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
-void QtWebEngine::setAllowsInlineMediaPlayback(bool) {}
 bool QtWebEngine::hasPinchGestureRecognizer() const { return state_->pinchFilter != nullptr; }
-void QtWebEngine::setPinchGestureRecognizerEnabled(bool enabled) { state_->pinchEnabled = enabled; }
-bool QtWebEngine::pinchGestureRecognizerEnabled() const { return state_->pinchEnabled; }
+bool QtWebEngine::pinchGestureRecognizerEnabled() const { return state_->core->pinchEnabled(); }
 MainQueue& QtWebEngine::mainQueue() { return state_->queue; }
 
 void* nativeHandle(WebEngine& engine) {

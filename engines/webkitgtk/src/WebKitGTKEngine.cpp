@@ -10,6 +10,7 @@
 #include "LocalSchemes.hpp"
 #include "PageChannel.hpp"
 #include "websdk/Log.hpp"
+#include "websdk/webview/EngineCore.hpp"
 #include "websdk/webview/ScriptBuffers.hpp"
 
 #include <atomic>
@@ -293,22 +294,23 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   WebKitUserContentManager* contentManager = nullptr;
   GCancellable* cancellable = nullptr;
   GtkGesture* zoomGesture = nullptr;
-  WebEngineClient* client = nullptr;
   GLibMainQueue queue;
+  // A timed-out load is stopped quietly: WebKit's own word of the stop is not the timeout's.
+  const std::shared_ptr<EngineCore> core = std::make_shared<EngineCore>(
+      queue, g_quark_to_string(G_IO_ERROR), G_IO_ERROR_TIMED_OUT, [this](const WebSDKNavigation&) {
+        if (!view) return false;
+        abandoned = true;
+        webkit_web_view_stop_loading(view);
+        return true;
+      });
 
   struct Connection {
     gpointer instance;
     gulong id;
   };
   std::vector<Connection> connections;
-  struct Channel {
-    gulong id;
-    std::weak_ptr<ScriptMessageHandler> handler;
-  };
-  std::map<std::string, Channel, std::less<>> channels;
-  // How deep we are inside a signal of the view: tearing the widget down
-  // from inside its own signal is deferred to the loop.
-  int emitting = 0;
+  // The signal of each script-message handler's name (the handlers are the core's).
+  std::map<std::string, gulong, std::less<>> channels;
 
   // Documents. With the module in the page's processes, the top document's
   // identity comes from there and the bridge's messages carry its stamp;
@@ -323,7 +325,6 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   gboolean developerExtras = FALSE;
   // The view's local pages, while it is served.
   std::unique_ptr<local::Serving> localPages;
-  DocumentID document = 0;
   // A large stamped message's parts so far, in storage sized once by the
   // size its first part announced; the stamp follows the last.
   struct Gathering {
@@ -332,22 +333,9 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     bool broken = false;  // a part disagreed: the whole message goes
   };
   std::optional<Gathering> gathering;
-  DocumentID lastUnstampedDocument = 0;
-  std::optional<std::string> committedURL;
 
-  bool allowsInlineMediaPlayback = true;
-  bool suppressesIncrementalRendering = false;
-  bool pinchEnabled = true;
-
-  // Navigation bookkeeping.
-  std::uint64_t lastNavigationId = 0;
-  std::optional<WebSDKNavigation> current;  // the navigation last started
-  // The timeout of the last load(), armed once that load starts: the time a
-  // delegate takes to allow it is not the network's.
-  std::optional<double> pendingTimeout;
   bool failed = false;     // current navigation failed: its end is not a finish
   bool abandoned = false;  // stopped on timeout: WebKit's own stop events stay quiet
-  guint timeoutSource = 0;
 
   // Questions the client has not answered yet. An unanswered WebKit decision
   // would be taken by default when its last reference goes, so each is held
@@ -359,12 +347,6 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   };
   std::map<std::uint64_t, HeldDecision> decisions;
   std::map<std::uint64_t, WebKitAuthenticationRequest*> challenges;
-
-  struct Emitting {
-    State& s;
-    explicit Emitting(State& state) : s(state) { ++s.emitting; }
-    ~Emitting() { --s.emitting; }
-  };
 
   // ---- Wiring ----
   template <class Callback>
@@ -421,7 +403,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 
   // ---- Teardown ----
   void shutdown() {
-    disarmTimeout();
+    core->close();
     if (!guardPlace.empty()) GuardRules::of(webkit_web_view_get_context(view)).remove(this);
     localPages.reset();
     // A widget the host destroyed first (with its window) has lost its
@@ -429,8 +411,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     for (const auto& c : connections)
       if (g_signal_handler_is_connected(c.instance, c.id)) g_signal_handler_disconnect(c.instance, c.id);
     connections.clear();
-    for (const auto& [name, channel] : channels) {
-      g_signal_handler_disconnect(contentManager, channel.id);
+    for (const auto& [name, id] : channels) {
+      g_signal_handler_disconnect(contentManager, id);
       compat::unregisterScriptMessageHandler(contentManager, name.c_str());
     }
     channels.clear();
@@ -448,10 +430,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     challenges.clear();
     if (zoomGesture) g_object_unref(zoomGesture);
     zoomGesture = nullptr;
-    client = nullptr;
 
     WebKitWebView* widget = std::exchange(view, nullptr);
-    if (emitting > 0) {
+    // Torn down from inside one of its own signals, the widget waits for the loop.
+    if (core->emitting()) {
       // Out of the host's window at once, so that a new view can take its
       // place; destroyed once WebKit has returned from its signal.
       compat::detach(GTK_WIDGET(widget));
@@ -472,76 +454,40 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
 
   // ---- Navigation events ----
   void loadChanged(WebKitLoadEvent event) {
-    Emitting guard(*this);
+    EngineCore::Emitting emitting(*core);
     switch (event) {
       case WEBKIT_LOAD_STARTED:
         abandoned = false;
         failed = false;
-        current = WebSDKNavigation{++lastNavigationId, text(webkit_web_view_get_uri(view))};
-        if (pendingTimeout) armTimeout(*std::exchange(pendingTimeout, std::nullopt));
-        if (client) client->didStartProvisionalNavigation(&*current);
+        core->startNavigation(text(webkit_web_view_get_uri(view)));
         break;
       case WEBKIT_LOAD_REDIRECTED: break;
-      case WEBKIT_LOAD_COMMITTED:
-        disarmTimeout();
-        committedURL = text(webkit_web_view_get_uri(view));
-        if (!stamped) document = ++lastUnstampedDocument;
-        if (current) current->url = *committedURL;
+      case WEBKIT_LOAD_COMMITTED: {
+        core->disarmTimeout();
+        std::string url = text(webkit_web_view_get_uri(view));
+        if (auto* navigation = core->navigation()) navigation->url = url;
+        if (stamped)
+          core->commitURL(std::move(url));
+        else
+          core->commitDocument(std::move(url));
         break;
+      }
       case WEBKIT_LOAD_FINISHED:
         // WebKit ends a failed load with FINISHED as well; that is no finish.
         if (abandoned || failed) break;
-        if (client) client->didFinish(current ? &*current : nullptr);
+        core->finished();
         break;
     }
   }
 
   gboolean loadFailed(WebKitLoadEvent event, const GError* error) {
-    Emitting guard(*this);
-    disarmTimeout();
+    EngineCore::Emitting emitting(*core);
+    core->disarmTimeout();
     if (abandoned) return TRUE;
     failed = true;
-    const WebSDKError e = toError(error);
-    const WebSDKNavigation* navigation = current ? &*current : nullptr;
-    if (client) {
-      if (event == WEBKIT_LOAD_COMMITTED)
-        client->didFail(navigation, e);
-      else
-        client->didFailProvisionalNavigation(navigation, e);
-    }
+    core->failed(event == WEBKIT_LOAD_COMMITTED, toError(error));
     // No built-in error page: what the user sees on failure is the host's call.
     return TRUE;
-  }
-
-  void armTimeout(double seconds) {
-    disarmTimeout();
-    if (!(seconds > 0) || !std::isfinite(seconds)) return;
-    const double ms = std::min(seconds * 1000.0, static_cast<double>(std::numeric_limits<guint>::max()));
-    timeoutSource = g_timeout_add_full(
-        G_PRIORITY_DEFAULT, static_cast<guint>(std::ceil(ms)),
-        [](gpointer data) -> gboolean {
-          if (auto s = from(data); s && s->view) {
-            s->timeoutSource = 0;
-            s->loadTimedOut();
-          }
-          return G_SOURCE_REMOVE;
-        },
-        new Weak(weak_from_this()), [](gpointer data) { delete static_cast<Weak*>(data); });
-  }
-
-  void disarmTimeout() {
-    if (timeoutSource != 0) g_source_remove(timeoutSource);
-    timeoutSource = 0;
-  }
-
-  void loadTimedOut() {
-    Emitting guard(*this);
-    const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
-    abandoned = true;
-    webkit_web_view_stop_loading(view);
-    if (client)
-      client->didFailProvisionalNavigation(&navigation, WebSDKError{g_quark_to_string(G_IO_ERROR), G_IO_ERROR_TIMED_OUT,
-                                                                    "The request timed out.", true});
   }
 
   // ---- Questions ----
@@ -559,7 +505,8 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   }
 
   gboolean decidePolicy(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type) {
-    Emitting guard(*this);
+    EngineCore::Emitting emitting(*core);
+    WebEngineClient* client = core->client();
     const std::uint64_t id = ++lastPendingId;
     decisions.emplace(id, HeldDecision{WEBKIT_POLICY_DECISION(g_object_ref(decision)),
                                        type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION});
@@ -602,13 +549,14 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     } else {
       webkit_policy_decision_ignore(held.decision);
       // A refused load never starts: its timeout must not pass to another.
-      if (held.mainFrameNavigation) pendingTimeout.reset();
+      if (held.mainFrameNavigation) core->loadRefused();
     }
     g_object_unref(held.decision);
   }
 
   gboolean authenticate(WebKitAuthenticationRequest* request) {
-    Emitting guard(*this);
+    EngineCore::Emitting emitting(*core);
+    WebEngineClient* client = core->client();
     const std::uint64_t id = ++lastPendingId;
     challenges.emplace(id, WEBKIT_AUTHENTICATION_REQUEST(g_object_ref(request)));
     const WebSDKAuthenticationChallenge challenge{
@@ -656,11 +604,10 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   }
 
   void zoomBegan(GtkGesture* gesture) {
-    Emitting guard(*this);
-    if (client) client->scrollViewWillBeginZooming();
+    const bool allowed = core->pinchBegins();
     if (!view) return;
     // Claiming the touch sequences at capture keeps them from the page.
-    gtk_gesture_set_state(gesture, pinchEnabled ? GTK_EVENT_SEQUENCE_DENIED : GTK_EVENT_SEQUENCE_CLAIMED);
+    gtk_gesture_set_state(gesture, allowed ? GTK_EVENT_SEQUENCE_DENIED : GTK_EVENT_SEQUENCE_CLAIMED);
   }
 
   // ---- Script messages ----
@@ -670,7 +617,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   };
 
   bool addChannel(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
-    if (channels.contains(name)) return false;  // the first handler of a name keeps it
+    if (core->hasHandler(name)) return false;  // the first handler of a name keeps it
     const std::string signal = "script-message-received::" + name;
     const gulong id = g_signal_connect_data(
         contentManager, signal.c_str(),
@@ -685,20 +632,22 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
       g_signal_handler_disconnect(contentManager, id);
       return false;
     }
-    channels.emplace(std::move(name), Channel{id, std::move(handler)});
+    channels.emplace(name, id);
+    core->addHandler(std::move(handler), std::move(name));
     return true;
   }
 
   void removeChannel(std::string_view name) {
     const auto it = channels.find(name);
     if (it == channels.end()) return;
-    g_signal_handler_disconnect(contentManager, it->second.id);
+    g_signal_handler_disconnect(contentManager, it->second);
     compat::unregisterScriptMessageHandler(contentManager, it->first.c_str());
+    core->removeHandler(name);
     channels.erase(it);
   }
 
   void scriptMessage(const std::string& name, JSCValue* value) {
-    Emitting guard(*this);
+    EngineCore::Emitting emitting(*core);
     if (stamped && name == channel::kName) {
       // The module posts the bridge's messages with their stamp; this one
       // went round it (or the module is not in the page's process).
@@ -710,7 +659,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     }
     // Other handlers, or no module: the document is the one last committed,
     // and the frame cannot be told.
-    MessageOrigin origin{"", committedURL.value_or(""), true, document};
+    MessageOrigin origin{"", std::string(core->url().value_or("")), true, core->document()};
     if (name == channel::kName) {
       // The bridge's channel: its "message" string only, read as it stands.
       const GText message(channel::messageOf(value));
@@ -720,23 +669,21 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     dispatch(name, toJSON(value).value_or(JSON(nullptr)), std::move(origin));
   }
 
+  // The body reaches the handler as posted: any JSON value, checked there.
   void dispatch(const std::string& name, JSON body, MessageOrigin origin,
                 std::optional<std::string_view> message = std::nullopt, std::size_t messageBytes = 0) {
-    const auto it = channels.find(name);
-    if (it == channels.end()) return;
-    const auto handler = it->second.handler.lock();
-    if (!handler) return;
-    // The body reaches the handler as posted: any JSON value, checked there.
-    handler->userContentController(ScriptMessage{name, std::move(body), std::move(origin), message, messageBytes});
+    core->deliver(ScriptMessage{name, std::move(body), std::move(origin), message, messageBytes});
   }
 
   gboolean userMessage(WebKitUserMessage* message) {
-    Emitting guard(*this);
+    EngineCore::Emitting emitting(*core);
     const char* name = webkit_user_message_get_name(message);
     GVariant* params = webkit_user_message_get_parameters(message);
     if (!stamped || params == nullptr) return FALSE;
     if (g_str_equal(name, channel::kDocument) && g_variant_is_of_type(params, G_VARIANT_TYPE("(t)"))) {
+      guint64 document = 0;
       g_variant_get(params, "(t)", &document);
+      core->showDocument(document);
       gathering.reset();  // a document gone part way through a message
       return TRUE;
     }
@@ -828,13 +775,9 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
   void send(const URLRequest& request) {
     HeaderFields fields = request.headersFor("");
     if (!guardPlace.empty()) {
-      HeaderFields confined;
-      for (const auto& field : request.headers)
-        if (std::ranges::find(request.confinedHeaders, field.first) != request.confinedHeaders.end())
-          confined.push_back(field);
       WebKitWebContext* context = webkit_web_view_get_context(view);
       const guint64 load = GuardRules::of(context).add(context, this, webkit_web_view_get_page_id(view), request.url,
-                                                       confined, request.trust);
+                                                       request.confinedFields(), request.trust);
       // The mark says which load the request is; the module takes it off.
       // Once the module is known to be missing, nothing would: it stays home.
       if (load != 0 && stamped) fields.emplace_back(guard::kLoadMark, guard::loadMark(load));
@@ -843,8 +786,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.c_str());
     if (SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest))
       for (const auto& [name, value] : fields) soup_message_headers_replace(headers, name.c_str(), value.c_str());
-    disarmTimeout();
-    pendingTimeout = request.timeoutInterval;
+    core->expectLoad(request.timeoutInterval);
     webkit_web_view_load_request(view, uriRequest);
     g_object_unref(uriRequest);
   }
@@ -855,7 +797,7 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     webkit_settings_set_enable_javascript(settings, javaScriptEnabled);
     // Inline playback belongs to the view's configuration, not to the
     // preferences being replaced, so it carries over.
-    webkit_settings_set_media_playback_allows_inline(settings, allowsInlineMediaPlayback);
+    webkit_settings_set_media_playback_allows_inline(settings, TRUE);
     webkit_settings_set_enable_developer_extras(settings, developerExtras);
     webkit_web_view_set_settings(view, settings);
     g_object_unref(settings);
@@ -901,7 +843,7 @@ WebKitGTKEngine::WebKitGTKEngine(const WebKitGTKConfiguration& configuration) : 
 
 WebKitGTKEngine::~WebKitGTKEngine() { state_->shutdown(); }
 
-void WebKitGTKEngine::setClient(WebEngineClient* client) { state_->client = client; }
+void WebKitGTKEngine::setClient(WebEngineClient* client) { state_->core->setClient(client); }
 
 void WebKitGTKEngine::load(const URLRequest& request) {
   State& s = *state_;
@@ -964,9 +906,8 @@ void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script
   if (!s.view) return;
   if (!s.stamped) {
     // Without the module the UI process's view of the document decides.
-    if (document != 0 && document == s.document) return evaluateJavaScript(std::move(script), std::move(completion));
-    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
-    return;
+    if (s.core->shows(document)) return evaluateJavaScript(std::move(script), std::move(completion));
+    return EngineCore::dropped(completion);
   }
   // The module runs it only if `document` is the page's top document when it
   // arrives: a navigation racing the answer cannot carry it into the next one.
@@ -1017,11 +958,10 @@ void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script
 }
 
 std::optional<std::string_view> WebKitGTKEngine::url() const {
-  if (!state_->view || !state_->committedURL || state_->committedURL->empty()) return std::nullopt;
-  return std::string_view(*state_->committedURL);
+  return state_->view ? state_->core->url() : std::nullopt;
 }
 
-DocumentID WebKitGTKEngine::document() const { return state_->view ? state_->document : 0; }
+DocumentID WebKitGTKEngine::document() const { return state_->view ? state_->core->document() : 0; }
 
 URLCanonicalizer WebKitGTKEngine::urlCanonicalizer() const { return &webKitCanonicalURL; }
 
@@ -1029,20 +969,8 @@ void WebKitGTKEngine::setPreferences(const WebPreferences& preferences) {
   if (state_->view) state_->applySettings(preferences.javaScriptEnabled);
 }
 
-void WebKitGTKEngine::setSuppressesIncrementalRendering(bool suppress) {
-  state_->suppressesIncrementalRendering = suppress;
-}
-bool WebKitGTKEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
-
-void WebKitGTKEngine::setAllowsInlineMediaPlayback(bool allow) {
-  State& s = *state_;
-  s.allowsInlineMediaPlayback = allow;
-  if (s.view) webkit_settings_set_media_playback_allows_inline(webkit_web_view_get_settings(s.view), allow);
-}
-
 bool WebKitGTKEngine::hasPinchGestureRecognizer() const { return state_->zoomGesture != nullptr; }
-void WebKitGTKEngine::setPinchGestureRecognizerEnabled(bool enabled) { state_->pinchEnabled = enabled; }
-bool WebKitGTKEngine::pinchGestureRecognizerEnabled() const { return state_->pinchEnabled; }
+bool WebKitGTKEngine::pinchGestureRecognizerEnabled() const { return state_->core->pinchEnabled(); }
 
 MainQueue& WebKitGTKEngine::mainQueue() { return state_->queue; }
 

@@ -5,23 +5,17 @@
 #include "websdk/qtwebengine/Native.hpp"
 
 #include "Channel.hpp"
+#include "Hooks.hpp"
 #include "LocalScheme.hpp"
 #include "PageScripts.hpp"
+#include "Values.hpp"
 #include "websdk/Log.hpp"
 #include "websdk/webview/EngineCore.hpp"
 #include "websdk/webview/ScriptBuffers.hpp"
 
-#include <QApplication>
 #include <QAuthenticator>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEvent>
-#include <QFile>
-#include <QHostAddress>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QLoggingCategory>
-#include <QNativeGestureEvent>
 #include <QPointer>
 #include <QThread>
 #include <QTimer>
@@ -32,356 +26,23 @@
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
-#include <QWebEngineUrlRequestInterceptor>
-#include <QWebEngineUrlScheme>
 
-#include <unistd.h>
-
-#include <array>
-#include <cctype>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <limits>
 #include <map>
-#include <mutex>
 
 namespace websdk::qtwebengine {
 
-// ---- Log and start ---------------------------------------------------------------
-
-namespace {
-// Warnings and errors show by default, as GLib shows them; info and debug
-// only when asked (QT_LOGGING_RULES="websdk.info=true").
-Q_LOGGING_CATEGORY(websdkCategory, "websdk", QtWarningMsg)
-
-void toQt(const LogRecord& record) {
-  const QString text = QString::fromStdString(logLine(record));
-  const QByteArray topic(record.topic.data(), static_cast<qsizetype>(record.topic.size()));
-  switch (record.level) {
-    case LogLevel::debug: qCDebug(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-    case LogLevel::info: qCInfo(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-    case LogLevel::warning: qCWarning(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-    case LogLevel::error: qCCritical(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-  }
-}
-
-QString qstring(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
-std::string utf8(const QString& s) { return s.toStdString(); }
-}  // namespace
-
-void logToQt() {
-  static std::once_flag once;
-  std::call_once(once, [] { websdk::detail::setPlatformLogSink(toQt); });
-}
-
-void prepare(const std::vector<std::string>& localSchemes) {
-  static std::once_flag once;
-  std::call_once(once, [&] {
-    logToQt();
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    // Chromium's sandbox cannot start as root: off for this process, and said.
-    if (geteuid() == 0) {
-      std::string flags = std::getenv("QTWEBENGINE_CHROMIUM_FLAGS") ? std::getenv("QTWEBENGINE_CHROMIUM_FLAGS") : "";
-      if (flags.find("--no-sandbox") == std::string::npos) {
-        flags += flags.empty() ? "--no-sandbox" : " --no-sandbox";
-        setenv("QTWEBENGINE_CHROMIUM_FLAGS", flags.c_str(), 1);
-        log(LogLevel::info, "engine", "running as root: Chromium's sandbox is off for this process");
-      }
-    }
-    for (const auto& name : localSchemes) {
-      QWebEngineUrlScheme scheme(QByteArray::fromStdString(name));
-      scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-      scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
-      QWebEngineUrlScheme::registerScheme(scheme);
-    }
-  });
-}
-
-bool initialize() {
-  static int argc = 1;
-  static char name[] = "websdk";
-  static char* argv[] = {name, nullptr};
-  return initialize(argc, argv);
-}
-
-bool initialize(int& argc, char** argv) {
-  if (QCoreApplication::instance() != nullptr) return qobject_cast<QApplication*>(QCoreApplication::instance());
-  prepare();
-  // Qt ends the process when its platform cannot open a display: ask first.
-  const char* platform = std::getenv("QT_QPA_PLATFORM");
-  const bool offscreen = platform != nullptr && std::string_view(platform).starts_with("offscreen");
-  if (!offscreen && std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr) return false;
-  static QApplication* application = new QApplication(argc, argv);
-  return application != nullptr;
-}
-
-bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
-  if (done()) return true;
-  // The clock decides, read at every wake-up; the timer only wakes an idle
-  // loop. It is a precise one, which never fires before its time (a coarse
-  // one may, by up to 5%), and is set again for what is left whenever the
-  // loop wakes for anything else, so no wait outlasts the deadline.
-  QDeadlineTimer deadline(std::max<std::int64_t>(0, bound.count()), Qt::PreciseTimer);
-  QTimer wake;
-  wake.setSingleShot(true);
-  wake.setTimerType(Qt::PreciseTimer);
-  bool ok = false;
-  while (!(ok = done()) && !deadline.hasExpired()) {
-    const qint64 left = deadline.remainingTime();
-    wake.start(static_cast<int>(std::clamp<qint64>(left, 1, std::numeric_limits<int>::max())));
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-  }
-  return ok;
-}
-
-// ---- Main queue ------------------------------------------------------------------
-
-// Tasks wait in the queue's own list, and one posted event at a time drains
-// it: a burst of answers costs no posted event each, and leaves no list of
-// Qt's grown to the burst's size.
-struct QtMainQueue::Context {
-  QObject object;  // lives on the UI thread: queued calls run there
-  std::mutex mutex;
-  std::deque<std::function<void()>> tasks;
-  bool scheduled = false;
-
-  void schedule() {
-    QMetaObject::invokeMethod(
-        &object, [this] { drain(); }, Qt::QueuedConnection);
-  }
-
-  // A turn runs a bounded batch, so that input and painting go on between.
-  void drain() {
-    constexpr int kTurn = 256;
-    for (int n = 0; n < kTurn; ++n) {
-      std::function<void()> task;
-      {
-        std::lock_guard lock(mutex);
-        if (tasks.empty()) {
-          scheduled = false;
-          return;
-        }
-        task = std::move(tasks.front());
-        tasks.pop_front();
-      }
-      task();
-    }
-    schedule();
-  }
-};
-
-// One list for the UI thread, outliving every engine: a task posted for a
-// view that is gone still runs, and finds it gone, as GLib's would.
-QtMainQueue::QtMainQueue() {
-  static const std::shared_ptr<Context> shared(new Context, [](Context*) {});
-  context_ = shared;
-}
-QtMainQueue::~QtMainQueue() = default;
-
-void QtMainQueue::post(std::function<void()> task) {
-  std::lock_guard lock(context_->mutex);
-  context_->tasks.push_back(std::move(task));
-  if (!std::exchange(context_->scheduled, true)) context_->schedule();
-}
-
-void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
-  // Qt's timers count in int milliseconds.
-  const auto ms = std::clamp<std::int64_t>(delay.count(), 0, std::numeric_limits<int>::max());
-  QTimer::singleShot(std::chrono::milliseconds(ms), &context_->object, std::move(task));
-}
-
-bool QtMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
-
 // ---- Engine state ----------------------------------------------------------------
-
-namespace {
-
-std::optional<JSON> toJSON(const QVariant& value) {
-  if (!value.isValid()) return std::nullopt;
-  const QJsonValue json = QJsonValue::fromVariant(value);
-  if (json.isUndefined()) return std::nullopt;
-  // Wrapped: QJsonDocument takes only arrays and objects.
-  const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
-  JSON parsed = parseJSON(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
-  if (!parsed.is_array() || parsed.as_array().empty()) return std::nullopt;
-  return std::move(parsed.as_array()[0]);
-}
-
-QString channelScriptSource() {
-  QFile file(QStringLiteral(":/qtwebchannel/qwebchannel.js"));
-  if (!file.open(QIODevice::ReadOnly)) return {};
-  return QString::fromUtf8(file.readAll());
-}
-
-std::string errorDomain(QWebEngineLoadingInfo::ErrorDomain domain) {
-  switch (domain) {
-    case QWebEngineLoadingInfo::NoErrorDomain: return "none";
-    case QWebEngineLoadingInfo::InternalErrorDomain: return "internal";
-    case QWebEngineLoadingInfo::ConnectionErrorDomain: return "connection";
-    case QWebEngineLoadingInfo::CertificateErrorDomain: return "certificate";
-    case QWebEngineLoadingInfo::HttpErrorDomain: return "http";
-    case QWebEngineLoadingInfo::FtpErrorDomain: return "ftp";
-    case QWebEngineLoadingInfo::DnsErrorDomain: return "dns";
-    case QWebEngineLoadingInfo::HttpStatusCodeDomain: return "httpStatusCode";
-    default: return "unknown";
-  }
-}
-
-constexpr int kAbortedError = -3;  // Chromium's net::ERR_ABORTED
-
-// An IPv6 address as the URL standard writes it: lowercase hex, the longest
-// run of two or more zero pieces (the first of equals) compressed.
-std::string ipv6Text(const Q_IPV6ADDR& address) {
-  std::array<unsigned, 8> pieces{};
-  for (std::size_t i = 0; i < 8; ++i) pieces[i] = (unsigned{address[2 * i]} << 8) | address[2 * i + 1];
-  std::size_t bestStart = 8, bestLength = 0;
-  for (std::size_t i = 0; i < 8;) {
-    std::size_t j = i;
-    while (j < 8 && pieces[j] == 0) ++j;
-    if (j - i > bestLength && j - i >= 2) bestStart = i, bestLength = j - i;
-    i = j == i ? i + 1 : j;
-  }
-  std::string out = "[";
-  for (std::size_t i = 0; i < 8; ++i) {
-    if (i == bestStart) {
-      out += i == 0 ? "::" : ":";
-      i += bestLength - 1;
-      continue;
-    }
-    char piece[8];
-    std::snprintf(piece, sizeof piece, "%x", pieces[i]);
-    out += piece;
-    if (i != 7) out += ':';
-  }
-  return out + "]";
-}
-
-// Chromium's reading of a URL: the WebSDK's own, with international host
-// names in their ASCII form (UTS #46, by Qt) and IPv6 hosts as Chromium
-// writes them.
-std::optional<std::string> chromiumCanonicalURL(std::string_view url) {
-  std::optional<std::string> canonical = canonicalURL(url);
-  if (!canonical && std::ranges::any_of(url, [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
-    const QUrl parsed(qstring(url), QUrl::StrictMode);
-    if (parsed.isValid() && !parsed.host().isEmpty())
-      canonical = canonicalURL(utf8(parsed.toString(QUrl::FullyEncoded)));
-  }
-  if (!canonical) return std::nullopt;
-  const std::string scheme = canonical->substr(0, canonical->find(':'));
-  const bool special =
-      scheme == "http" || scheme == "https" || scheme == "ws" || scheme == "wss" || scheme == "ftp" || scheme == "file";
-  if (!special) {
-    // Chromium 102 reads a host only in a scheme registered with one (the
-    // app's local pages), lowercased; in any other it reads none.
-    const QWebEngineUrlScheme registered = QWebEngineUrlScheme::schemeByName(QByteArray::fromStdString(scheme));
-    if (registered.name().isEmpty() || registered.syntax() == QWebEngineUrlScheme::Syntax::Path)
-      return hostOf(*canonical) ? std::nullopt : canonical;
-    if (const auto host = hostOf(*canonical)) {
-      const std::size_t at = static_cast<std::size_t>(host->data() - canonical->data()), length = host->size();
-      for (std::size_t i = at; i < at + length; ++i)
-        (*canonical)[i] = static_cast<char>(std::tolower(static_cast<unsigned char>((*canonical)[i])));
-    }
-    return canonical;
-  }
-  if (scheme == "file" && canonical->starts_with("file:///")) {
-    // Chromium keeps a file URL's "localhost", which the standard drops.
-    std::string_view raw = url;
-    while (!raw.empty() && static_cast<unsigned char>(raw.front()) <= 0x20) raw.remove_prefix(1);
-    if (raw.size() >= 16 && QByteArray(raw.data(), 16).toLower() == "file://localhost" &&
-        (raw.size() == 16 || raw[16] == '/' || raw[16] == '\\'))
-      canonical->insert(7, "localhost");
-  }
-  const auto host = hostOf(*canonical);
-  if (host && host->size() > 2 && host->front() == '[') {
-    QHostAddress address;
-    if (address.setAddress(qstring(host->substr(1, host->size() - 2))) &&
-        address.protocol() == QAbstractSocket::IPv6Protocol) {
-      const std::size_t at = static_cast<std::size_t>(host->data() - canonical->data()), length = host->size();
-      canonical->replace(at, length, ipv6Text(address.toIPv6Address()));
-    }
-  }
-  return canonical;
-}
-
-}  // namespace
 
 struct QtWebEngine::State : std::enable_shared_from_this<State> {
   using Weak = std::weak_ptr<State>;
-
-  class Page final : public QWebEnginePage {
-   public:
-    Page(QWebEngineProfile* profile, Weak state, QObject* parent)
-        : QWebEnginePage(profile, parent), state_(std::move(state)) {}
-
-   protected:
-    bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override {
-      auto s = state_.lock();
-      return s && s->acceptNavigation(url, type, isMainFrame);
-    }
-    // New windows (target=_blank, window.open) are not opened: the view shows one page.
-    QWebEnginePage* createWindow(WebWindowType) override { return nullptr; }
-    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int line,
-                                  const QString& source) override {
-      log(LogLevel::debug, "engine", utf8(source) + ":" + std::to_string(line) + ": " + utf8(message));
-    }
-
-   private:
-    Weak state_;
-  };
-
-  // Adds the app's fields to the requests of the view's own load whose host is
-  // trusted: the load's first request and each redirect of it. No other
-  // request gets them; Chromium keeps them on a redirect, so one off the
-  // trusted hosts is stopped before its request is made (acceptNavigation).
-  class Guard final : public QWebEngineUrlRequestInterceptor {
-   public:
-    explicit Guard(Weak state) : state_(std::move(state)) {}
-    void interceptRequest(QWebEngineUrlRequestInfo& info) override {
-      if (auto s = state_.lock()) s->intercept(info);
-    }
-
-   private:
-    Weak state_;
-  };
-
-  // Watches pinches ahead of the page, so that a refused one never reaches it:
-  // on the view and on the widget Chromium draws into, which the view makes
-  // as its child and which takes the device's gestures.
-  class PinchFilter final : public QObject {
-   public:
-    explicit PinchFilter(Weak state) : state_(std::move(state)) {}
-    bool eventFilter(QObject*, QEvent* event) override {
-      if (event->type() == QEvent::ChildAdded) {
-        QObject* child = static_cast<QChildEvent*>(event)->child();
-        if (child->isWidgetType()) child->installEventFilter(this);
-        return false;
-      }
-      if (event->type() != QEvent::NativeGesture) return false;
-      auto s = state_.lock();
-      if (!s) return false;
-      auto* gesture = static_cast<QNativeGestureEvent*>(event);
-      if (gesture->gestureType() == Qt::BeginNativeGesture ||
-          (gesture->gestureType() == Qt::ZoomNativeGesture && !s->pinching)) {
-        if (!s->pinching) {
-          s->pinching = true;
-          s->core->pinchBegins();
-        }
-      }
-      if (gesture->gestureType() == Qt::EndNativeGesture) s->pinching = false;
-      return !s->core->pinchEnabled();
-    }
-
-   private:
-    Weak state_;
-  };
 
   QPointer<QWebEngineView> view;
   QPointer<Page> page;
   QWebEngineProfile* profile = nullptr;  // ours when ephemeral
   bool ownsProfile = false;
-  std::unique_ptr<Guard> guard;
+  std::unique_ptr<Interceptor> guard;
   std::unique_ptr<PinchFilter> pinchFilter;
   std::unique_ptr<local::Serving> localPages;
   // The page's child, and its child: gone with the page, whoever deletes it.
@@ -415,7 +76,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::map<DocumentID, std::string> topURLs;  // of the documents in recentMarks
   bool committedSinceStart = false;
 
-  bool pinching = false;
   bool javaScriptEnabled = true;
 
   // The view's own load: its request, and whether the main-frame requests now
@@ -454,8 +114,20 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     ownsProfile = configuration.ephemeral || !configuration.localPages.empty();
     profile = ownsProfile ? new QWebEngineProfile() : QWebEngineProfile::defaultProfile();
     view = new QWebEngineView();
-    page = new Page(profile, weak, view);
-    guard = std::make_unique<Guard>(weak);
+    page = new Page(
+        profile,
+        [weak](const QUrl& url, QWebEnginePage::NavigationType type, bool isMainFrame) {
+          auto s = weak.lock();
+          return s && s->acceptNavigation(url, type, isMainFrame);
+        },
+        view);
+    // Adds the app's fields to the requests of the view's own load whose host
+    // is trusted: the load's first request and each redirect of it. No other
+    // request gets them; Chromium keeps them on a redirect, so one off the
+    // trusted hosts is stopped before its request is made (acceptNavigation).
+    guard = std::make_unique<Interceptor>([weak](QWebEngineUrlRequestInfo& info) {
+      if (auto s = weak.lock()) s->intercept(info);
+    });
     page->setUrlRequestInterceptor(guard.get());
     view->setPage(page);
     channel = new QWebChannel(page);
@@ -478,7 +150,14 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
                      [weak](const QUrl& url, QAuthenticator* authenticator) {
                        if (auto s = weak.lock(); s && s->page) s->authenticate(url, authenticator);
                      });
-    pinchFilter = std::make_unique<PinchFilter>(weak);
+    pinchFilter = std::make_unique<PinchFilter>(
+        [weak] {
+          if (auto s = weak.lock()) s->core->pinchBegins();
+        },
+        [weak] {
+          auto s = weak.lock();
+          return !s || s->core->pinchEnabled();
+        });
     view->installEventFilter(pinchFilter.get());
     for (QWidget* child : view->findChildren<QWidget*>()) child->installEventFilter(pinchFilter.get());
     const char* inspector = std::getenv("WEBSDK_INSPECTOR");

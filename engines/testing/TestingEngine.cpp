@@ -43,42 +43,34 @@ std::size_t TestingMainQueue::pending() const {
   return tasks_.size();
 }
 
-TestingEngine::TestingEngine(std::shared_ptr<TestingMainQueue> queue) : queue_(std::move(queue)) {}
+// Its loads never start: the timeout has nothing to stop.
+TestingEngine::TestingEngine(std::shared_ptr<TestingMainQueue> queue)
+    : queue_(std::move(queue)),
+      core_(std::make_shared<EngineCore>(*queue_, "testing", 0, [](const WebSDKNavigation&) { return false; })) {}
 
 void TestingEngine::setURL(std::optional<std::string> url) {
-  if (url && url != url_) ++document_;
-  url_ = std::move(url);
+  if (!url) return core_->showNothing();
+  if (url != core_->url()) core_->commitDocument(std::move(*url));
 }
 
-void TestingEngine::navigate(std::string url) {
-  ++document_;
-  url_ = std::move(url);
-}
+void TestingEngine::navigate(std::string url) { core_->commitDocument(std::move(url)); }
 
 MessageOrigin TestingEngine::topOrigin() const {
-  const std::string shown = url_.value_or("");
+  const std::string shown(core_->url().value_or(""));
   return MessageOrigin{shown, shown, true, document()};
 }
 
 bool TestingEngine::postScriptMessage(const std::string& name, JSON body, std::optional<MessageOrigin> origin) {
-  const auto it = handlers_.find(name);
-  if (it == handlers_.end()) return false;
-  const auto handler = it->second.lock();
-  if (!handler) return false;
-  handler->userContentController(ScriptMessage{name, std::move(body), origin ? std::move(*origin) : topOrigin()});
-  return true;
+  return core_->deliver(ScriptMessage{name, std::move(body), origin ? std::move(*origin) : topOrigin()});
 }
 
 // As the real engines post the bridge's messages: the "message" string only.
 bool TestingEngine::postRequest(std::string_view requestText, std::optional<MessageOrigin> origin) {
-  const auto it = handlers_.find("nativeRequest");
-  if (it == handlers_.end()) return false;
-  const auto handler = it->second.lock();
-  if (!handler) return false;
-  handler->userContentController(ScriptMessage{"nativeRequest", nullptr, origin ? std::move(*origin) : topOrigin(),
-                                               requestText, requestText.size()});
-  return true;
+  return core_->deliver(ScriptMessage{"nativeRequest", nullptr, origin ? std::move(*origin) : topOrigin(), requestText,
+                                      requestText.size()});
 }
+
+bool TestingEngine::pinch() { return *(pinchRecognizerEnabled = core_->pinchBegins()); }
 
 void TestingEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
   {
@@ -89,25 +81,22 @@ void TestingEngine::evaluateJavaScript(std::string script, ScriptCompletion comp
 }
 
 void TestingEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
-  if (document == 0 || document != this->document()) {
+  if (!core_->shows(document)) {
     {
       std::lock_guard lock(evaluationsMutex_);
       droppedScripts.push_back(std::move(script));
     }
-    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
-    return;
+    return EngineCore::dropped(completion);
   }
   evaluateJavaScript(std::move(script), std::move(completion));
 }
 
 void TestingEngine::addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
   // Like a real engine, a name already in use keeps its first handler.
-  if (!handlers_.try_emplace(std::move(name), std::move(handler)).second) ++refusedHandlerRegistrations;
+  if (!core_->addHandler(std::move(handler), std::move(name))) ++refusedHandlerRegistrations;
 }
 
-void TestingEngine::removeScriptMessageHandler(std::string_view name) {
-  if (const auto it = handlers_.find(name); it != handlers_.end()) handlers_.erase(it);
-}
+void TestingEngine::removeScriptMessageHandler(std::string_view name) { core_->removeHandler(name); }
 
 std::vector<TestingEngine::Evaluation> TestingEngine::evaluations() const {
   std::lock_guard lock(evaluationsMutex_);

@@ -10,14 +10,28 @@ bool sameFieldName(std::string_view a, std::string_view b) {
   });
 }
 
+bool URLRequest::confines(std::string_view name) const {
+  return std::ranges::any_of(confinedHeaders,
+                             [&](const std::string& confined) { return sameFieldName(confined, name); });
+}
+
 HeaderFields URLRequest::headersFor(std::string_view target) const {
   if (confinedHeaders.empty() || trust.isWhitelistedURL(target)) return headers;
   HeaderFields kept;
   for (const auto& field : headers)
-    if (std::ranges::none_of(confinedHeaders,
-                             [&](const std::string& name) { return sameFieldName(name, field.first); }))
-      kept.push_back(field);
+    if (!confines(field.first)) kept.push_back(field);
   return kept;
+}
+
+HeaderFields URLRequest::confinedFields() const {
+  HeaderFields confined;
+  for (const auto& field : headers)
+    if (confines(field.first)) confined.push_back(field);
+  return confined;
+}
+
+HeaderFields URLRequest::confinedFieldsFor(std::string_view target) const {
+  return trust.isWhitelistedURL(target) ? confinedFields() : HeaderFields{};
 }
 
 }  // namespace websdk

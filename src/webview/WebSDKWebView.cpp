@@ -169,7 +169,7 @@ WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const W
       handler_(std::make_shared<WebSDKScriptHandler>()),
       engine_(std::move(engine)),
       recorder_(recorderFor(webSDKConfig)) {
-  engine_->setAllowsInlineMediaPlayback(true);
+  // Media plays inline in every engine's view from its start: nothing to ask.
   engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
   // javaScriptEnabled and suppressesIncrementalRendering start true without
   // touching the engine: its configuration stays as the host made it.
@@ -347,13 +347,11 @@ void WebSDKWebView::setJavaScriptEnabled(bool enabled) {
 
 void WebSDKWebView::setSuppressesIncrementalRendering(bool suppress) {
   if (carriedToUIThread([suppress](WebSDKWebView& v) { v.setSuppressesIncrementalRendering(suppress); })) return;
+  // No engine has such a switch: the view keeps it.
   suppressesIncrementalRendering_ = suppress;
-  engine_->setSuppressesIncrementalRendering(suppress);
 }
 
-void WebSDKWebView::scrollViewWillBeginZooming() {
-  if (engine_->hasPinchGestureRecognizer()) engine_->setPinchGestureRecognizerEnabled(pinchGestureEnable_);
-}
+bool WebSDKWebView::scrollViewWillBeginZooming() { return pinchGestureEnable_; }
 
 // ---- Answers -----------------------------------------------------------------
 

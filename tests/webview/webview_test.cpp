@@ -94,9 +94,7 @@ TEST(HeaderScript, EachCallAddsOneDocumentStartScript) {
 TEST(Construction, RegistersTheHandlerAndLeavesTheConfigurationAsTheHostMadeIt) {
   Harness h;
   EXPECT_TRUE(h.engine->hasHandler("nativeRequest"));
-  EXPECT_EQ(h.engine->allowsInlineMediaPlayback, true);
   EXPECT_TRUE(h.engine->preferencesSet.empty());
-  EXPECT_TRUE(h.engine->incrementalRenderingSet.empty());
   EXPECT_TRUE(h.view->javaScriptEnabled());
   EXPECT_TRUE(h.view->suppressesIncrementalRendering());
   EXPECT_FALSE(h.view->pinchGestureEnable());
@@ -114,14 +112,14 @@ TEST(Settings, SettersReachTheEngineAsStated) {
   h.view->setJavaScriptEnabled(false);
   h.view->setSuppressesIncrementalRendering(false);
   EXPECT_EQ(h.engine->preferencesSet, (std::vector<WebPreferences>{{false}}));
-  EXPECT_EQ(h.engine->incrementalRenderingSet, (std::vector<bool>{false}));
+  EXPECT_FALSE(h.view->suppressesIncrementalRendering()) << "stored in the view: no engine has the switch";
 
   h.view->setPinchGestureEnable(true);
   EXPECT_FALSE(h.engine->pinchRecognizerEnabled) << "stored only; applied when a zoom begins";
-  h.engine->client()->scrollViewWillBeginZooming();
+  h.engine->pinch();
   EXPECT_EQ(h.engine->pinchRecognizerEnabled, true);
   h.view->setPinchGestureEnable(false);
-  h.engine->client()->scrollViewWillBeginZooming();
+  h.engine->pinch();
   EXPECT_EQ(h.engine->pinchRecognizerEnabled, false);
 }
 

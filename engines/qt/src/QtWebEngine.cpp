@@ -5,22 +5,17 @@
 #include "websdk/qtwebengine/Native.hpp"
 
 #include "Channel.hpp"
+#include "Hooks.hpp"
 #include "LocalScheme.hpp"
 #include "PageScripts.hpp"
+#include "Values.hpp"
 #include "websdk/Log.hpp"
+#include "websdk/webview/EngineCore.hpp"
 #include "websdk/webview/ScriptBuffers.hpp"
 
-#include <QApplication>
 #include <QAuthenticator>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEvent>
-#include <QFile>
-#include <QHostAddress>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QLoggingCategory>
-#include <QNativeGestureEvent>
 #include <QPointer>
 #include <QThread>
 #include <QTimer>
@@ -31,365 +26,40 @@
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
-#include <QWebEngineUrlRequestInterceptor>
-#include <QWebEngineUrlScheme>
 
-#include <unistd.h>
-
-#include <array>
-#include <cctype>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <limits>
 #include <map>
-#include <mutex>
 
 namespace websdk::qtwebengine {
 
-// ---- Log and start ---------------------------------------------------------------
-
-namespace {
-// Warnings and errors show by default, as GLib shows them; info and debug
-// only when asked (QT_LOGGING_RULES="websdk.info=true").
-Q_LOGGING_CATEGORY(websdkCategory, "websdk", QtWarningMsg)
-
-void toQt(const LogRecord& record) {
-  const QString text = QString::fromStdString(logLine(record));
-  const QByteArray topic(record.topic.data(), static_cast<qsizetype>(record.topic.size()));
-  switch (record.level) {
-    case LogLevel::debug: qCDebug(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-    case LogLevel::info: qCInfo(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-    case LogLevel::warning: qCWarning(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-    case LogLevel::error: qCCritical(websdkCategory, "[%s] %s", topic.constData(), qUtf8Printable(text)); break;
-  }
-}
-
-QString qstring(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
-std::string utf8(const QString& s) { return s.toStdString(); }
-}  // namespace
-
-void logToQt() {
-  static std::once_flag once;
-  std::call_once(once, [] { websdk::detail::setPlatformLogSink(toQt); });
-}
-
-void prepare(const std::vector<std::string>& localSchemes) {
-  static std::once_flag once;
-  std::call_once(once, [&] {
-    logToQt();
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    // Chromium's sandbox cannot start as root: off for this process, and said.
-    if (geteuid() == 0) {
-      std::string flags = std::getenv("QTWEBENGINE_CHROMIUM_FLAGS") ? std::getenv("QTWEBENGINE_CHROMIUM_FLAGS") : "";
-      if (flags.find("--no-sandbox") == std::string::npos) {
-        flags += flags.empty() ? "--no-sandbox" : " --no-sandbox";
-        setenv("QTWEBENGINE_CHROMIUM_FLAGS", flags.c_str(), 1);
-        log(LogLevel::info, "engine", "running as root: Chromium's sandbox is off for this process");
-      }
-    }
-    for (const auto& name : localSchemes) {
-      QWebEngineUrlScheme scheme(QByteArray::fromStdString(name));
-      scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-      scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
-      QWebEngineUrlScheme::registerScheme(scheme);
-    }
-  });
-}
-
-bool initialize() {
-  static int argc = 1;
-  static char name[] = "websdk";
-  static char* argv[] = {name, nullptr};
-  return initialize(argc, argv);
-}
-
-bool initialize(int& argc, char** argv) {
-  if (QCoreApplication::instance() != nullptr) return qobject_cast<QApplication*>(QCoreApplication::instance());
-  prepare();
-  // Qt ends the process when its platform cannot open a display: ask first.
-  const char* platform = std::getenv("QT_QPA_PLATFORM");
-  const bool offscreen = platform != nullptr && std::string_view(platform).starts_with("offscreen");
-  if (!offscreen && std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr) return false;
-  static QApplication* application = new QApplication(argc, argv);
-  return application != nullptr;
-}
-
-bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
-  if (done()) return true;
-  // The clock decides, read at every wake-up; the timer only wakes an idle
-  // loop. It is a precise one, which never fires before its time (a coarse
-  // one may, by up to 5%), and is set again for what is left whenever the
-  // loop wakes for anything else, so no wait outlasts the deadline.
-  QDeadlineTimer deadline(std::max<std::int64_t>(0, bound.count()), Qt::PreciseTimer);
-  QTimer wake;
-  wake.setSingleShot(true);
-  wake.setTimerType(Qt::PreciseTimer);
-  bool ok = false;
-  while (!(ok = done()) && !deadline.hasExpired()) {
-    const qint64 left = deadline.remainingTime();
-    wake.start(static_cast<int>(std::clamp<qint64>(left, 1, std::numeric_limits<int>::max())));
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-  }
-  return ok;
-}
-
-// ---- Main queue ------------------------------------------------------------------
-
-// Tasks wait in the queue's own list, and one posted event at a time drains
-// it: a burst of answers costs no posted event each, and leaves no list of
-// Qt's grown to the burst's size.
-struct QtMainQueue::Context {
-  QObject object;  // lives on the UI thread: queued calls run there
-  std::mutex mutex;
-  std::deque<std::function<void()>> tasks;
-  bool scheduled = false;
-
-  void schedule() {
-    QMetaObject::invokeMethod(
-        &object, [this] { drain(); }, Qt::QueuedConnection);
-  }
-
-  // A turn runs a bounded batch, so that input and painting go on between.
-  void drain() {
-    constexpr int kTurn = 256;
-    for (int n = 0; n < kTurn; ++n) {
-      std::function<void()> task;
-      {
-        std::lock_guard lock(mutex);
-        if (tasks.empty()) {
-          scheduled = false;
-          return;
-        }
-        task = std::move(tasks.front());
-        tasks.pop_front();
-      }
-      task();
-    }
-    schedule();
-  }
-};
-
-// One list for the UI thread, outliving every engine: a task posted for a
-// view that is gone still runs, and finds it gone, as GLib's would.
-QtMainQueue::QtMainQueue() {
-  static const std::shared_ptr<Context> shared(new Context, [](Context*) {});
-  context_ = shared;
-}
-QtMainQueue::~QtMainQueue() = default;
-
-void QtMainQueue::post(std::function<void()> task) {
-  std::lock_guard lock(context_->mutex);
-  context_->tasks.push_back(std::move(task));
-  if (!std::exchange(context_->scheduled, true)) context_->schedule();
-}
-
-void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
-  QTimer::singleShot(std::chrono::milliseconds(std::max<std::int64_t>(0, delay.count())), &context_->object,
-                     std::move(task));
-}
-
-bool QtMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
-
 // ---- Engine state ----------------------------------------------------------------
-
-namespace {
-
-std::optional<JSON> toJSON(const QVariant& value) {
-  if (!value.isValid()) return std::nullopt;
-  const QJsonValue json = QJsonValue::fromVariant(value);
-  if (json.isUndefined()) return std::nullopt;
-  // Wrapped: QJsonDocument takes only arrays and objects.
-  const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
-  JSON parsed = parseJSON(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
-  if (!parsed.is_array() || parsed.as_array().empty()) return std::nullopt;
-  return std::move(parsed.as_array()[0]);
-}
-
-QString channelScriptSource() {
-  QFile file(QStringLiteral(":/qtwebchannel/qwebchannel.js"));
-  if (!file.open(QIODevice::ReadOnly)) return {};
-  return QString::fromUtf8(file.readAll());
-}
-
-std::string errorDomain(QWebEngineLoadingInfo::ErrorDomain domain) {
-  switch (domain) {
-    case QWebEngineLoadingInfo::NoErrorDomain: return "none";
-    case QWebEngineLoadingInfo::InternalErrorDomain: return "internal";
-    case QWebEngineLoadingInfo::ConnectionErrorDomain: return "connection";
-    case QWebEngineLoadingInfo::CertificateErrorDomain: return "certificate";
-    case QWebEngineLoadingInfo::HttpErrorDomain: return "http";
-    case QWebEngineLoadingInfo::FtpErrorDomain: return "ftp";
-    case QWebEngineLoadingInfo::DnsErrorDomain: return "dns";
-    case QWebEngineLoadingInfo::HttpStatusCodeDomain: return "httpStatusCode";
-    default: return "unknown";
-  }
-}
-
-constexpr int kAbortedError = -3;  // Chromium's net::ERR_ABORTED
-
-// An IPv6 address as the URL standard writes it: lowercase hex, the longest
-// run of two or more zero pieces (the first of equals) compressed.
-std::string ipv6Text(const Q_IPV6ADDR& address) {
-  std::array<unsigned, 8> pieces{};
-  for (std::size_t i = 0; i < 8; ++i) pieces[i] = (unsigned{address[2 * i]} << 8) | address[2 * i + 1];
-  std::size_t bestStart = 8, bestLength = 0;
-  for (std::size_t i = 0; i < 8;) {
-    std::size_t j = i;
-    while (j < 8 && pieces[j] == 0) ++j;
-    if (j - i > bestLength && j - i >= 2) bestStart = i, bestLength = j - i;
-    i = j == i ? i + 1 : j;
-  }
-  std::string out = "[";
-  for (std::size_t i = 0; i < 8; ++i) {
-    if (i == bestStart) {
-      out += i == 0 ? "::" : ":";
-      i += bestLength - 1;
-      continue;
-    }
-    char piece[8];
-    std::snprintf(piece, sizeof piece, "%x", pieces[i]);
-    out += piece;
-    if (i != 7) out += ':';
-  }
-  return out + "]";
-}
-
-// Chromium's reading of a URL: the WebSDK's own, with international host
-// names in their ASCII form (UTS #46, by Qt) and IPv6 hosts as Chromium
-// writes them.
-std::optional<std::string> chromiumCanonicalURL(std::string_view url) {
-  std::optional<std::string> canonical = canonicalURL(url);
-  if (!canonical && std::ranges::any_of(url, [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
-    const QUrl parsed(qstring(url), QUrl::StrictMode);
-    if (parsed.isValid() && !parsed.host().isEmpty())
-      canonical = canonicalURL(utf8(parsed.toString(QUrl::FullyEncoded)));
-  }
-  if (!canonical) return std::nullopt;
-  const std::string scheme = canonical->substr(0, canonical->find(':'));
-  const bool special =
-      scheme == "http" || scheme == "https" || scheme == "ws" || scheme == "wss" || scheme == "ftp" || scheme == "file";
-  if (!special) {
-    // Chromium 102 reads a host only in a scheme registered with one (the
-    // app's local pages), lowercased; in any other it reads none.
-    const QWebEngineUrlScheme registered = QWebEngineUrlScheme::schemeByName(QByteArray::fromStdString(scheme));
-    if (registered.name().isEmpty() || registered.syntax() == QWebEngineUrlScheme::Syntax::Path)
-      return hostOf(*canonical) ? std::nullopt : canonical;
-    if (const auto host = hostOf(*canonical)) {
-      const std::size_t at = static_cast<std::size_t>(host->data() - canonical->data()), length = host->size();
-      for (std::size_t i = at; i < at + length; ++i)
-        (*canonical)[i] = static_cast<char>(std::tolower(static_cast<unsigned char>((*canonical)[i])));
-    }
-    return canonical;
-  }
-  if (scheme == "file" && canonical->starts_with("file:///")) {
-    // Chromium keeps a file URL's "localhost", which the standard drops.
-    std::string_view raw = url;
-    while (!raw.empty() && static_cast<unsigned char>(raw.front()) <= 0x20) raw.remove_prefix(1);
-    if (raw.size() >= 16 && QByteArray(raw.data(), 16).toLower() == "file://localhost" &&
-        (raw.size() == 16 || raw[16] == '/' || raw[16] == '\\'))
-      canonical->insert(7, "localhost");
-  }
-  const auto host = hostOf(*canonical);
-  if (host && host->size() > 2 && host->front() == '[') {
-    QHostAddress address;
-    if (address.setAddress(qstring(host->substr(1, host->size() - 2))) &&
-        address.protocol() == QAbstractSocket::IPv6Protocol) {
-      const std::size_t at = static_cast<std::size_t>(host->data() - canonical->data()), length = host->size();
-      canonical->replace(at, length, ipv6Text(address.toIPv6Address()));
-    }
-  }
-  return canonical;
-}
-
-}  // namespace
 
 struct QtWebEngine::State : std::enable_shared_from_this<State> {
   using Weak = std::weak_ptr<State>;
-
-  class Page final : public QWebEnginePage {
-   public:
-    Page(QWebEngineProfile* profile, Weak state, QObject* parent)
-        : QWebEnginePage(profile, parent), state_(std::move(state)) {}
-
-   protected:
-    bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override {
-      auto s = state_.lock();
-      return s && s->acceptNavigation(url, type, isMainFrame);
-    }
-    // New windows (target=_blank, window.open) are not opened: the view shows one page.
-    QWebEnginePage* createWindow(WebWindowType) override { return nullptr; }
-    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int line,
-                                  const QString& source) override {
-      log(LogLevel::debug, "engine", utf8(source) + ":" + std::to_string(line) + ": " + utf8(message));
-    }
-
-   private:
-    Weak state_;
-  };
-
-  // Adds the app's fields to the requests of the view's own load whose host is
-  // trusted: the load's first request and each redirect of it. No other
-  // request gets them; Chromium keeps them on a redirect, so one off the
-  // trusted hosts is stopped before its request is made (acceptNavigation).
-  class Guard final : public QWebEngineUrlRequestInterceptor {
-   public:
-    explicit Guard(Weak state) : state_(std::move(state)) {}
-    void interceptRequest(QWebEngineUrlRequestInfo& info) override {
-      if (auto s = state_.lock()) s->intercept(info);
-    }
-
-   private:
-    Weak state_;
-  };
-
-  // Watches pinches ahead of the page, so that a refused one never reaches it:
-  // on the view and on the widget Chromium draws into, which the view makes
-  // as its child and which takes the device's gestures.
-  class PinchFilter final : public QObject {
-   public:
-    explicit PinchFilter(Weak state) : state_(std::move(state)) {}
-    bool eventFilter(QObject*, QEvent* event) override {
-      if (event->type() == QEvent::ChildAdded) {
-        QObject* child = static_cast<QChildEvent*>(event)->child();
-        if (child->isWidgetType()) child->installEventFilter(this);
-        return false;
-      }
-      if (event->type() != QEvent::NativeGesture) return false;
-      auto s = state_.lock();
-      if (!s) return false;
-      auto* gesture = static_cast<QNativeGestureEvent*>(event);
-      if (gesture->gestureType() == Qt::BeginNativeGesture ||
-          (gesture->gestureType() == Qt::ZoomNativeGesture && !s->pinching)) {
-        if (!s->pinching) {
-          s->pinching = true;
-          if (s->client) s->client->scrollViewWillBeginZooming();
-        }
-      }
-      if (gesture->gestureType() == Qt::EndNativeGesture) s->pinching = false;
-      return !s->pinchEnabled;
-    }
-
-   private:
-    Weak state_;
-  };
 
   QPointer<QWebEngineView> view;
   QPointer<Page> page;
   QWebEngineProfile* profile = nullptr;  // ours when ephemeral
   bool ownsProfile = false;
-  std::unique_ptr<Guard> guard;
+  std::unique_ptr<Interceptor> guard;
   std::unique_ptr<PinchFilter> pinchFilter;
   std::unique_ptr<local::Serving> localPages;
   // The page's child, and its child: gone with the page, whoever deletes it.
   QPointer<QWebChannel> channel;
   QPointer<ChannelObject> channelObject;
-  WebEngineClient* client = nullptr;
   QtMainQueue queue;
+  // A timed-out load is stopped quietly: Qt's own word of the stop is not the timeout's.
+  const std::shared_ptr<EngineCore> core =
+      std::make_shared<EngineCore>(queue, "connection", -7, [this](const WebSDKNavigation& navigation) {
+        if (!page) return false;
+        abandonedURL = navigation.url;
+        navigating = false;
+        page->triggerAction(QWebEnginePage::Stop);
+        return true;
+      });
   QString channelLibrary;
 
-  std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> channels;
   std::vector<UserScript> userScripts;
   // From the last load's trust: they shape the scripts every document gets.
   std::size_t messageLimit = WebSDKConfig{}.maximumMessageBytes;
@@ -401,17 +71,11 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     std::string mark;
     DocumentID top = 0;
   };
-  DocumentID lastDocument = 0;
-  DocumentID document = 0;
   std::string documentMark;
-  std::deque<Known> recentMarks;  // the last few, newest last
-  std::optional<std::string> committedURL;
+  std::deque<Known> recentMarks;              // the last few, newest last
   std::map<DocumentID, std::string> topURLs;  // of the documents in recentMarks
   bool committedSinceStart = false;
 
-  bool pinchEnabled = true;
-  bool pinching = false;
-  bool suppressesIncrementalRendering = false;
   bool javaScriptEnabled = true;
 
   // The view's own load: its request, and whether the main-frame requests now
@@ -432,27 +96,15 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   bool reissuing = false;
   bool blockedForReissue = false;
 
-  // Navigation bookkeeping.
-  std::uint64_t lastNavigationId = 0;
-  std::optional<WebSDKNavigation> current;
   bool navigating = false;  // an allowed main-frame navigation not yet ended
   // A navigation stopped on timeout: Qt's own stop of it stays quiet, also
   // when it comes after the next navigation started.
   std::optional<std::string> abandonedURL;
-  std::optional<double> pendingTimeout;
-  QTimer timeout;
   // Navigations the client allowed later than Qt asked: each is issued again
   // and passes once, unasked.
   std::vector<QUrl> allowedAgain;
   std::uint64_t lastQuestion = 0;
   std::map<std::uint64_t, bool> deciding;  // asked now: answered in the call?
-  int emitting = 0;
-
-  struct Emitting {
-    State& s;
-    explicit Emitting(State& state) : s(state) { ++s.emitting; }
-    ~Emitting() { --s.emitting; }
-  };
 
   // ---- Making and teardown ----
   void make(const QtWebEngineConfiguration& configuration) {
@@ -462,8 +114,20 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     ownsProfile = configuration.ephemeral || !configuration.localPages.empty();
     profile = ownsProfile ? new QWebEngineProfile() : QWebEngineProfile::defaultProfile();
     view = new QWebEngineView();
-    page = new Page(profile, weak, view);
-    guard = std::make_unique<Guard>(weak);
+    page = new Page(
+        profile,
+        [weak](const QUrl& url, QWebEnginePage::NavigationType type, bool isMainFrame) {
+          auto s = weak.lock();
+          return s && s->acceptNavigation(url, type, isMainFrame);
+        },
+        view);
+    // Adds the app's fields to the requests of the view's own load whose host
+    // is trusted: the load's first request and each redirect of it. No other
+    // request gets them; Chromium keeps them on a redirect, so one off the
+    // trusted hosts is stopped before its request is made (acceptNavigation).
+    guard = std::make_unique<Interceptor>([weak](QWebEngineUrlRequestInfo& info) {
+      if (auto s = weak.lock()) s->intercept(info);
+    });
     page->setUrlRequestInterceptor(guard.get());
     view->setPage(page);
     channel = new QWebChannel(page);
@@ -486,11 +150,14 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
                      [weak](const QUrl& url, QAuthenticator* authenticator) {
                        if (auto s = weak.lock(); s && s->page) s->authenticate(url, authenticator);
                      });
-    timeout.setSingleShot(true);
-    QObject::connect(&timeout, &QTimer::timeout, [weak] {
-      if (auto s = weak.lock(); s && s->page) s->loadTimedOut();
-    });
-    pinchFilter = std::make_unique<PinchFilter>(weak);
+    pinchFilter = std::make_unique<PinchFilter>(
+        [weak] {
+          if (auto s = weak.lock()) s->core->pinchBegins();
+        },
+        [weak] {
+          auto s = weak.lock();
+          return !s || s->core->pinchEnabled();
+        });
     view->installEventFilter(pinchFilter.get());
     for (QWidget* child : view->findChildren<QWidget*>()) child->installEventFilter(pinchFilter.get());
     const char* inspector = std::getenv("WEBSDK_INSPECTOR");
@@ -500,8 +167,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   void shutdown() {
-    timeout.stop();
-    client = nullptr;
+    core->close();
     localPages.reset();
     if (channelObject) channelObject->close();
     if (page) page->setUrlRequestInterceptor(nullptr);
@@ -510,14 +176,15 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     view = nullptr;
     page = nullptr;
     if (widget != nullptr) {
-      if (emitting > 0)
+      // Torn down from inside one of its own signals, the view waits for the loop.
+      if (core->emitting())
         widget->deleteLater();
       else
         delete widget;
     }
     if (ownsProfile) {
       // After its pages, which may still be on their way out.
-      if (emitting > 0 || widget == nullptr)
+      if (core->emitting() || widget == nullptr)
         profile->deleteLater();
       else
         delete profile;
@@ -541,7 +208,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     add(QStringLiteral("websdk-channel"), channelLibrary + qstring(scripts::isolatedWorld(messageLimit)),
         QWebEngineScript::ApplicationWorld);
     JSONArray names;
-    for (const auto& [name, handler] : channels) names.emplace_back(name);
+    for (const auto& name : core->handlerNames()) names.emplace_back(name);
     add(QStringLiteral("websdk-handlers"), qstring(scripts::mainWorld(serialize(names), serviceWorkers)),
         QWebEngineScript::MainWorld);
     int n = 0;
@@ -565,20 +232,19 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   void received(const QJsonArray& call) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
     const QString kind = call.at(0).toString();
     const std::string mark = utf8(call.at(1).toString());
     if (kind == QLatin1String("hello") && call.size() == 3) {
       if (known(mark) != nullptr) return;  // one document says hello once
       const std::string url = utf8(call.at(2).toString());
-      document = ++lastDocument;
+      const DocumentID document = core->commitDocument(url);
       documentMark = mark;
-      committedURL = url;
       topURLs[document] = url;
       remember({mark, document});
       committedSinceStart = true;
-      timeout.stop();
-      if (current && navigating) current->url = url;
+      core->disarmTimeout();
+      if (auto* navigation = core->navigation(); navigation && navigating) navigation->url = url;
       return;
     }
     if (kind != QLatin1String("post") || call.size() != 7) return;
@@ -587,22 +253,18 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     const auto topURL = topURLs.find(from->top);
     const std::string url = utf8(call.at(2).toString());
     MessageOrigin origin{url, topURL != topURLs.end() ? topURL->second : std::string(), call.at(6).toBool(), from->top};
-    const std::string name = utf8(call.at(3).toString());
-    const auto it = channels.find(name);
-    if (it == channels.end()) return;
-    const auto handler = it->second.lock();
-    if (!handler) return;
+    std::string name = utf8(call.at(3).toString());
+    if (!core->hasHandler(name)) return;
     std::string text = utf8(call.at(4).toString());
     if (name == "nativeRequest") {
       // A NUL cannot travel in the bridge's text; U+0001 reads the same in JSON.
       std::replace(text.begin(), text.end(), '\0', '\x01');
       const auto units = static_cast<std::size_t>(std::max(0.0, call.at(5).toDouble()));
       const std::size_t bytes = std::max(text.size(), units);
-      handler->userContentController(
-          ScriptMessage{name, JSON(nullptr), std::move(origin), std::string_view(text), bytes});
+      core->deliver(ScriptMessage{std::move(name), JSON(nullptr), std::move(origin), std::string_view(text), bytes});
       return;
     }
-    handler->userContentController(ScriptMessage{name, parseJSON(text), std::move(origin), std::nullopt, 0});
+    core->deliver(ScriptMessage{std::move(name), parseJSON(text), std::move(origin), std::nullopt, 0});
   }
 
   // ---- The app's headers ----
@@ -639,12 +301,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
 
   /// The app's fields a request of the view's load to `target` may carry.
   HeaderFields appFieldsFor(const QUrl& target) const {
-    HeaderFields fields;
-    if (!pendingLoad) return fields;
-    for (auto& field : pendingLoad->headersFor(utf8(target.toString(QUrl::FullyEncoded))))
-      if (std::ranges::find(pendingLoad->confinedHeaders, field.first) != pendingLoad->confinedHeaders.end())
-        fields.push_back(std::move(field));
-    return fields;
+    return pendingLoad ? pendingLoad->confinedFieldsFor(utf8(target.toString(QUrl::FullyEncoded))) : HeaderFields{};
   }
 
   /// Whether a redirect to `target` would carry the app's fields off the
@@ -677,14 +334,14 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     // Fields anyone may see go on the request; the app's are added per request.
     for (const auto& [name, value] : request.headersFor(""))
       http.setHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
-    pendingTimeout = request.timeoutInterval;
-    timeout.stop();
+    core->expectLoad(request.timeoutInterval);
     page->load(http);
   }
 
   // ---- Navigation ----
   bool acceptNavigation(const QUrl& url, QWebEnginePage::NavigationType type, bool isMainFrame) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
+    WebEngineClient* client = core->client();
     if (isMainFrame && type == QWebEnginePage::NavigationTypeRedirect && redirectLeaves(url)) {
       // Stopped before the request is made, and made again without them.
       loadChain = false;
@@ -729,7 +386,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       }
       s->deciding.erase(it);
       if (!allow) {
-        if (isMainFrame && ownLoad) s->pendingTimeout.reset();
+        if (isMainFrame && ownLoad) s->core->loadRefused();
         return;
       }
       if (!isMainFrame) {
@@ -757,7 +414,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       if (isMainFrame) redirectHopNext = redirect;
       return true;
     }
-    if (answer && isMainFrame && ownLoad) pendingTimeout.reset();
+    if (answer && isMainFrame && ownLoad) core->loadRefused();
     return false;
   }
 
@@ -765,25 +422,22 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
     navigating = true;
     committedSinceStart = false;
-    current = WebSDKNavigation{++lastNavigationId, utf8(url.toString(QUrl::FullyEncoded))};
-    if (pendingTimeout) armTimeout(*std::exchange(pendingTimeout, std::nullopt));
-    if (client) client->didStartProvisionalNavigation(&*current);
+    core->startNavigation(utf8(url.toString(QUrl::FullyEncoded)));
   }
   void loadingChanged(const QWebEngineLoadingInfo& info) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
     switch (info.status()) {
       case QWebEngineLoadingInfo::LoadStartedStatus: return;
       case QWebEngineLoadingInfo::LoadSucceededStatus:
-        timeout.stop();
+        core->disarmTimeout();
         if (!committedSinceStart) {
           // No word from the document (JavaScript off): the UI process's view of it.
-          document = ++lastDocument;
+          core->commitDocument(utf8(info.url().toString(QUrl::FullyEncoded)));
           documentMark.clear();
-          committedURL = utf8(info.url().toString(QUrl::FullyEncoded));
         }
         if (!navigating) return;
         navigating = false;
-        if (client) client->didFinish(current ? &*current : nullptr);
+        core->finished();
         return;
       case QWebEngineLoadingInfo::LoadStoppedStatus:
       case QWebEngineLoadingInfo::LoadFailedStatus: {
@@ -793,44 +447,23 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
           return;
         }
         if (!navigating) return;  // refused by us, or stopped on timeout
-        timeout.stop();
+        core->disarmTimeout();
         navigating = false;
         const bool stopped = info.status() == QWebEngineLoadingInfo::LoadStoppedStatus;
-        const WebSDKError error{stopped ? "internal" : errorDomain(info.errorDomain()),
-                                stopped ? kAbortedError : info.errorCode(),
-                                stopped ? "Load stopped" : utf8(info.errorString()), false};
-        if (client) {
-          if (committedSinceStart)
-            client->didFail(current ? &*current : nullptr, error);
-          else
-            client->didFailProvisionalNavigation(current ? &*current : nullptr, error);
-        }
+        core->failed(committedSinceStart, WebSDKError{stopped ? "internal" : errorDomain(info.errorDomain()),
+                                                      stopped ? kAbortedError : info.errorCode(),
+                                                      stopped ? "Load stopped" : utf8(info.errorString()), false});
         return;
       }
     }
-  }
-
-  void armTimeout(double seconds) {
-    timeout.stop();
-    if (!(seconds > 0) || !std::isfinite(seconds)) return;
-    timeout.start(static_cast<int>(std::min(std::ceil(seconds * 1000.0), 2.0e9)));
-  }
-
-  void loadTimedOut() {
-    Emitting guardEmit(*this);
-    const WebSDKNavigation navigation = current.value_or(WebSDKNavigation{});
-    abandonedURL = navigation.url;
-    navigating = false;
-    page->triggerAction(QWebEnginePage::Stop);
-    if (client)
-      client->didFailProvisionalNavigation(&navigation, WebSDKError{"connection", -7, "The request timed out.", true});
   }
 
   // Qt asks synchronously and takes no later answer: a delegate that answers
   // within the call is heard; one that answers later finds the challenge
   // cancelled.
   void authenticate(const QUrl& url, QAuthenticator* authenticator) {
-    Emitting guardEmit(*this);
+    EngineCore::Emitting emitting(*core);
+    WebEngineClient* client = core->client();
     if (!client) {
       *authenticator = QAuthenticator();
       return;
@@ -886,7 +519,7 @@ QtWebEngine::QtWebEngine(const QtWebEngineConfiguration& configuration) : state_
 
 QtWebEngine::~QtWebEngine() { state_->shutdown(); }
 
-void QtWebEngine::setClient(WebEngineClient* client) { state_->client = client; }
+void QtWebEngine::setClient(WebEngineClient* client) { state_->core->setClient(client); }
 
 void QtWebEngine::load(const URLRequest& request) {
   if (state_->page) state_->send(request);
@@ -908,10 +541,7 @@ void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion comple
 void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
   State& s = *state_;
   if (!s.page) return;
-  if (document == 0 || document != s.document) {
-    if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
-    return;
-  }
+  if (!s.core->shows(document)) return EngineCore::dropped(completion);
   if (s.documentMark.empty()) return evaluateJavaScript(std::move(script), std::move(completion));
   // The page decides: a navigation racing the answer cannot carry it into the next document.
   const QString source = qstring(scripts::inDocument(s.documentMark, script));
@@ -937,25 +567,18 @@ void QtWebEngine::addUserScript(const UserScript& script) {
 
 void QtWebEngine::addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) {
   State& s = *state_;
-  if (!s.page || s.channels.contains(name)) return;  // the first handler of a name keeps it
-  s.channels.emplace(std::move(name), std::move(handler));
-  s.installScripts();
+  // The first handler of a name keeps it.
+  if (s.page && s.core->addHandler(std::move(handler), std::move(name))) s.installScripts();
 }
 
 void QtWebEngine::removeScriptMessageHandler(std::string_view name) {
   State& s = *state_;
-  const auto it = s.channels.find(name);
-  if (it == s.channels.end()) return;
-  s.channels.erase(it);
-  if (s.page) s.installScripts();
+  if (s.core->removeHandler(name) && s.page) s.installScripts();
 }
 
-std::optional<std::string_view> QtWebEngine::url() const {
-  if (!state_->page || !state_->committedURL || state_->committedURL->empty()) return std::nullopt;
-  return std::string_view(*state_->committedURL);
-}
+std::optional<std::string_view> QtWebEngine::url() const { return state_->page ? state_->core->url() : std::nullopt; }
 
-DocumentID QtWebEngine::document() const { return state_->page ? state_->document : 0; }
+DocumentID QtWebEngine::document() const { return state_->page ? state_->core->document() : 0; }
 
 URLCanonicalizer QtWebEngine::urlCanonicalizer() const { return &chromiumCanonicalURL; }
 
@@ -964,14 +587,8 @@ void QtWebEngine::setPreferences(const WebPreferences& preferences) {
   if (state_->page) state_->applySettings();
 }
 
-void QtWebEngine::setSuppressesIncrementalRendering(bool suppress) {
-  state_->suppressesIncrementalRendering = suppress;
-}
-bool QtWebEngine::suppressesIncrementalRendering() const { return state_->suppressesIncrementalRendering; }
-void QtWebEngine::setAllowsInlineMediaPlayback(bool) {}
 bool QtWebEngine::hasPinchGestureRecognizer() const { return state_->pinchFilter != nullptr; }
-void QtWebEngine::setPinchGestureRecognizerEnabled(bool enabled) { state_->pinchEnabled = enabled; }
-bool QtWebEngine::pinchGestureRecognizerEnabled() const { return state_->pinchEnabled; }
+bool QtWebEngine::pinchGestureRecognizerEnabled() const { return state_->core->pinchEnabled(); }
 MainQueue& QtWebEngine::mainQueue() { return state_->queue; }
 
 void* nativeHandle(WebEngine& engine) {

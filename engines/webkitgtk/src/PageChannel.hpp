@@ -6,10 +6,12 @@
 #include <glib.h>
 #include <jsc/jsc.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -94,5 +96,37 @@ inline bool readEvaluateName(std::string_view name, std::uint64_t& document, boo
 }
 /// Page -> view, the reply: (dropped, failed, result JSON text or error message).
 inline constexpr char kEvaluated[] = "websdk:evaluated";
+
+/// A large message's kPostPart parts so far, in storage sized once by the
+/// size its first part announced.
+class Gathering {
+ public:
+  /// A message announced as `length` bytes.
+  explicit Gathering(std::size_t length) : length_(length) {
+    text_.reserve(std::min<std::size_t>(length, std::size_t{1} << 31));
+  }
+  /// One more part of a message announced as `length` bytes: a part that
+  /// disagrees with the first breaks the whole message.
+  void add(std::size_t length, std::string_view part) {
+    if (length != length_ || text_.size() + part.size() > length_) {
+      broken_ = true;
+      text_ = {};
+    } else if (!broken_) {
+      text_.append(part);
+    }
+  }
+  /// The whole message, `last` being its end; nothing when it is broken or
+  /// not the size announced.
+  std::optional<std::string> finish(std::string_view last) {
+    text_.append(last);
+    if (broken_ || text_.size() != length_) return std::nullopt;
+    return std::move(text_);
+  }
+
+ private:
+  std::string text_;
+  std::size_t length_;
+  bool broken_ = false;
+};
 
 }  // namespace websdk::webkitgtk::channel

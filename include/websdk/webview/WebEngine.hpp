@@ -47,6 +47,13 @@ struct WEBSDK_EXPORT URLRequest {
 
   /// The header fields a request of this load to `target` may carry.
   HeaderFields headersFor(std::string_view target) const;
+  /// Whether `name` is one of `confinedHeaders` (by sameFieldName).
+  bool confines(std::string_view name) const;
+  /// The app's own fields among `headers`, wherever the load goes.
+  HeaderFields confinedFields() const;
+  /// The app's own fields a request of this load to `target` may carry: none
+  /// off the trusted hosts.
+  HeaderFields confinedFieldsFor(std::string_view target) const;
   /// Memberwise.
   bool operator==(const URLRequest&) const = default;
 };
@@ -207,8 +214,9 @@ class WEBSDK_EXPORT WebEngineClient {
   /// The server asks for authentication; the answer goes to `completionHandler`.
   virtual void didReceive(const WebSDKAuthenticationChallenge& challenge,
                           WebSDKAuthChallengeCompletion completionHandler) = 0;
-  /// The user started a pinch-zoom.
-  virtual void scrollViewWillBeginZooming() = 0;
+  /// The user started a pinch-zoom; the answer says whether it may go on
+  /// (false: the engine refuses it at its start).
+  virtual bool scrollViewWillBeginZooming() = 0;
 };
 
 /// The result of an evaluation: the script's value (nothing when it returned
@@ -267,15 +275,6 @@ class WEBSDK_EXPORT WebEngine {
 
   /// Replaces the engine's preferences.
   virtual void setPreferences(const WebPreferences& preferences) = 0;
-  /// Whether a page is shown only once it is fully loaded (where the engine has
-  /// such a switch).
-  virtual void setSuppressesIncrementalRendering(bool suppress) = 0;
-  /// Whether media plays inline (where the engine has such a switch).
-  virtual void setAllowsInlineMediaPlayback(bool allow) = 0;
-  /// Whether the engine has a pinch recogniser, and switching it.
-  virtual bool hasPinchGestureRecognizer() const = 0;
-  /// Lets pinch-zoom through (true) or refuses it at its start (false).
-  virtual void setPinchGestureRecognizerEnabled(bool enabled) = 0;
 
   /// The engine's UI-thread queue.
   virtual MainQueue& mainQueue() = 0;

@@ -209,7 +209,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   void setJavaScriptEnabled(bool enabled);
   /// Whether a page is shown only once fully loaded (where the engine can).
   bool suppressesIncrementalRendering() const { return suppressesIncrementalRendering_; }
-  /// Sets it, on the engine too.
+  /// Sets it (stored: no engine has such a switch).
   void setSuppressesIncrementalRendering(bool suppress);
 
   // ---- Answers (any thread) ------------------------------------------------
@@ -268,8 +268,9 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// How the answers given so far matched the page's requests. UI thread.
   WebSDKAnswerCounts answerCounts() const { return answerCounts_; }
 
-  // The engine's events (also callable by a host that drives zooming itself).
-  void scrollViewWillBeginZooming() override;
+  // The engine's events (also callable by a host that drives zooming itself):
+  // whether the pinch starting may go on.
+  bool scrollViewWillBeginZooming() override;
 
  private:
   void didStartProvisionalNavigation(const WebSDKNavigation* navigation) override;

@@ -72,7 +72,9 @@ void pinch(WebEngine& engine, double scale) {
   }
 }
 
-bool hasPinchGesture(WebEngine& engine) { return engine.hasPinchGestureRecognizer(); }
+bool hasPinchGesture(WebEngine& engine) {
+  return dynamic_cast<qtwebengine::QtWebEngine&>(engine).hasPinchGestureRecognizer();
+}
 bool pinchEnabled(WebEngine& engine) {
   return dynamic_cast<qtwebengine::QtWebEngine&>(engine).pinchGestureRecognizerEnabled();
 }

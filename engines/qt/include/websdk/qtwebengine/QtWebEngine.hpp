@@ -113,17 +113,12 @@ class WEBSDK_EXPORT QtWebEngine final : public WebEngine {
   /// URLs as Chromium reads them (international and IPv6 hosts included).
   URLCanonicalizer urlCanonicalizer() const override;
   void setPreferences(const WebPreferences& preferences) override;
-  /// Qt WebEngine has no incremental-rendering switch: the value is only kept.
-  void setSuppressesIncrementalRendering(bool suppress) override;
-  /// Desktop Chromium always plays media inline: no effect.
-  void setAllowsInlineMediaPlayback(bool allow) override;
-  bool hasPinchGestureRecognizer() const override;
-  void setPinchGestureRecognizerEnabled(bool enabled) override;
   MainQueue& mainQueue() override;
 
-  /// The incremental-rendering switch as last set.
-  bool suppressesIncrementalRendering() const;
-  /// Whether pinch-zoom is let through.
+  /// Whether the engine watches pinches (and so can refuse them).
+  bool hasPinchGestureRecognizer() const;
+  /// Whether the current or last pinch is let through (its client's answer
+  /// at its start).
   bool pinchGestureRecognizerEnabled() const;
 
   struct State;

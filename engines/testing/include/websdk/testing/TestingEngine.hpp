@@ -1,10 +1,11 @@
 #pragma once
 /// @file
 /// An in-memory engine for unit tests of the WebSDK and of host plugins: it
-/// records every load, script and setting, lets a test post script messages as
+/// records every load, script and preference, lets a test post script messages as
 /// a page would, and runs the main queue only when the test drains it.
 
 #include "websdk/Export.hpp"
+#include "websdk/webview/EngineCore.hpp"
 #include "websdk/webview/WebEngine.hpp"
 
 #include <chrono>
@@ -42,7 +43,7 @@ class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
   std::multimap<std::chrono::milliseconds, std::function<void()>> delayed_;
 };
 
-/// An engine in memory: it records every load, script, handler and setting,
+/// An engine in memory: it records every load, script, handler and preference,
 /// lets a test post messages as a page would and decide the page shown, and
 /// runs its main queue only when the test drains it.
 class WEBSDK_EXPORT TestingEngine final : public WebEngine {
@@ -74,23 +75,22 @@ class WEBSDK_EXPORT TestingEngine final : public WebEngine {
   MessageOrigin topOrigin() const;
   /// Answers evaluations that have a completion; by default an empty result.
   std::function<ScriptResult(const std::string& script)> evaluator;
-  /// Whether the engine offers a pinch recogniser (true by default).
-  bool pinchRecognizerPresent = true;
+  /// A pinch starts, as the user's would: the client says whether it may go
+  /// on, and the answer is recorded in `pinchRecognizerEnabled`. Returns it.
+  bool pinch();
 
   /// The web view the engine tells of navigation (null before setClient()).
-  WebEngineClient* client() const { return client_; }
+  WebEngineClient* client() const { return core_->client(); }
   /// The engine's main queue, for the test to drain.
   TestingMainQueue& queue() { return *queue_; }
   /// The same queue, shared.
   std::shared_ptr<TestingMainQueue> sharedQueue() const { return queue_; }
 
   // ---- What the engine recorded --------------------------------------------
-  std::vector<URLRequest> loads;                  ///< Each load, in order.
-  std::vector<UserScript> userScripts;            ///< Each user script added, in order.
-  std::vector<WebPreferences> preferencesSet;     ///< Each preferences object set, in order.
-  std::vector<bool> incrementalRenderingSet;      ///< Each incremental-rendering switch, in order.
-  std::optional<bool> allowsInlineMediaPlayback;  ///< The last inline-playback switch, if any.
-  std::optional<bool> pinchRecognizerEnabled;     ///< The last pinch-recogniser switch, if any.
+  std::vector<URLRequest> loads;               ///< Each load, in order.
+  std::vector<UserScript> userScripts;         ///< Each user script added, in order.
+  std::vector<WebPreferences> preferencesSet;  ///< Each preferences object set, in order.
+  std::optional<bool> pinchRecognizerEnabled;  ///< The answer at the last pinch's start, if any.
   /// Registrations refused because the name was already taken.
   std::size_t refusedHandlerRegistrations = 0;
 
@@ -99,33 +99,24 @@ class WEBSDK_EXPORT TestingEngine final : public WebEngine {
   /// The envelopes evaluated through "nativeResponse(...)", parsed, in order.
   std::vector<JSON> nativeResponses() const;
   /// Whether a script-message handler is registered under `name`.
-  bool hasHandler(const std::string& name) const { return handlers_.contains(name); }
+  bool hasHandler(const std::string& name) const { return core_->hasHandler(name); }
 
   // ---- WebEngine -------------------------------------------------------------
-  void setClient(WebEngineClient* client) override { client_ = client; }
+  void setClient(WebEngineClient* client) override { core_->setClient(client); }
   void load(const URLRequest& request) override { loads.push_back(request); }
   void evaluateJavaScript(std::string script, ScriptCompletion completion) override;
   void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) override;
-  DocumentID document() const override { return url_ ? document_ : 0; }
+  DocumentID document() const override { return core_->document(); }
   void addUserScript(const UserScript& script) override { userScripts.push_back(script); }
   void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;
   void removeScriptMessageHandler(std::string_view name) override;
-  std::optional<std::string_view> url() const override {
-    return url_ ? std::optional<std::string_view>(*url_) : std::nullopt;
-  }
+  std::optional<std::string_view> url() const override { return core_->url(); }
   void setPreferences(const WebPreferences& preferences) override { preferencesSet.push_back(preferences); }
-  void setSuppressesIncrementalRendering(bool suppress) override { incrementalRenderingSet.push_back(suppress); }
-  void setAllowsInlineMediaPlayback(bool allow) override { allowsInlineMediaPlayback = allow; }
-  bool hasPinchGestureRecognizer() const override { return pinchRecognizerPresent; }
-  void setPinchGestureRecognizerEnabled(bool enabled) override { pinchRecognizerEnabled = enabled; }
   MainQueue& mainQueue() override { return *queue_; }
 
  private:
   std::shared_ptr<TestingMainQueue> queue_;
-  WebEngineClient* client_ = nullptr;
-  std::optional<std::string> url_;
-  DocumentID document_ = 0;
-  std::map<std::string, std::weak_ptr<ScriptMessageHandler>, std::less<>> handlers_;
+  std::shared_ptr<EngineCore> core_;
   mutable std::mutex evaluationsMutex_;
   std::vector<Evaluation> evaluations_;
 };

@@ -151,17 +151,13 @@ class WEBSDK_EXPORT WebKitGTKEngine final : public WebEngine {
   DocumentID document() const override;
   /// WebKit's own URL parser.
   URLCanonicalizer urlCanonicalizer() const override;
+  /// Media plays inline whatever the preferences.
   void setPreferences(const WebPreferences& preferences) override;
-  /// WebKitGTK has no incremental-rendering switch: the value is only kept.
-  void setSuppressesIncrementalRendering(bool suppress) override;
-  void setAllowsInlineMediaPlayback(bool allow) override;
-  bool hasPinchGestureRecognizer() const override;
-  void setPinchGestureRecognizerEnabled(bool enabled) override;
   MainQueue& mainQueue() override;
 
-  /// The value last given to setSuppressesIncrementalRendering.
-  bool suppressesIncrementalRendering() const;
-  /// Whether pinch-zoom may proceed once it has begun.
+  /// Whether the engine watches pinches (and so can refuse them).
+  bool hasPinchGestureRecognizer() const;
+  /// Whether the last pinch was let go on (its client's answer at its start).
   bool pinchGestureRecognizerEnabled() const;
 
   struct State;

@@ -97,7 +97,8 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   h.webview = std::shared_ptr<BridgeView>(view, static_cast<BridgeView*>(view.get()));
   view->setPlugin<GenericFamily>(genericDelegate);
   view->setPlugin<PaymentsFamily>(paymentsDelegate);
-  h.listener = std::shared_ptr<const std::weak_ptr<WebSDKJSCommunicationProtocol>>(view, &view->webJSCommunicatorDelegate);
+  h.listener =
+      std::shared_ptr<const std::weak_ptr<WebSDKJSCommunicationProtocol>>(view, &view->webJSCommunicatorDelegate);
   h.trafficRecorder = view->recorder_;
   view->webSDKNavigationDelegate = webViewDelegate;
   view->setPlugin<SetRecipientInfoFamily>(setRecipientInfoDelegate);
@@ -569,17 +570,17 @@ void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
   // One task per answer: answers keep their place among everything else the
   // host posts to the main queue. The task holds the view weakly: answers
   // queued for a view that is gone by then do nothing.
-  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script), response = std::move(response),
-                             route]() mutable {
-    const auto view = weak.lock();
-    if (!view) {
-      log(LogLevel::warning, "answer",
-          "the answer to request id \"" + shownInLog(response.requestId) +
-              "\" came after its web view was torn down; dropped");
-      return;
-    }
-    view->evaluateAnswer(std::move(response), std::move(script), route);
-  });
+  engine_->mainQueue().post(
+      [weak = weak_from_this(), script = std::move(*script), response = std::move(response), route]() mutable {
+        const auto view = weak.lock();
+        if (!view) {
+          log(LogLevel::warning, "answer",
+              "the answer to request id \"" + shownInLog(response.requestId) +
+                  "\" came after its web view was torn down; dropped");
+          return;
+        }
+        view->evaluateAnswer(std::move(response), std::move(script), route);
+      });
 }
 
 void WebSDKWebView::evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route) {

@@ -336,8 +336,8 @@ std::optional<T> decodeModel(Fields payload) {
   if (!rule.within.empty() && payload.nested(rule.within).absent()) return std::nullopt;
   T out{};
   const Fields read = rule.inside ? payload.nested(rule.within) : payload;
-  const bool ok = std::apply([&](const auto&... f) { return (detail::readField(read, f, out, rule.strict) && ...); },
-                             T::fields());
+  const bool ok =
+      std::apply([&](const auto&... f) { return (detail::readField(read, f, out, rule.strict) && ...); }, T::fields());
   if (!ok) return std::nullopt;
   // A rule across fields, which no single reading can say.
   if constexpr (requires { out.isValid(); })

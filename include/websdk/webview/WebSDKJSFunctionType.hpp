@@ -14,8 +14,8 @@
 
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -164,7 +164,8 @@ struct PageCallFactory<Self, C, void, std::tuple<>> {
 #define WEBSDK_DETAIL_PF_CASE_NAME_II(C, c, ...) ::websdk::RawValue<C>{C::c, #c},
 
 // A row is (case, "function", guard) or (case, "function", guard, "separator", Record, writing...).
-#define WEBSDK_DETAIL_PF_RECORD(...) __VA_OPT__(WEBSDK_DETAIL_PF_SECOND(__VA_ARGS__, )) WEBSDK_DETAIL_PF_VOID_UNLESS(__VA_ARGS__)
+#define WEBSDK_DETAIL_PF_RECORD(...) \
+  __VA_OPT__(WEBSDK_DETAIL_PF_SECOND(__VA_ARGS__, )) WEBSDK_DETAIL_PF_VOID_UNLESS(__VA_ARGS__)
 #define WEBSDK_DETAIL_PF_SECOND(a, b, ...) b
 #define WEBSDK_DETAIL_PF_VOID_UNLESS(...) WEBSDK_DETAIL_PF_VOID_UNLESS_I(__VA_OPT__(, ) void)
 #define WEBSDK_DETAIL_PF_VOID_UNLESS_I(...) WEBSDK_DETAIL_PF_VOID_UNLESS_II(__VA_ARGS__, )
@@ -172,19 +173,21 @@ struct PageCallFactory<Self, C, void, std::tuple<>> {
 
 #define WEBSDK_DETAIL_PF_CARRIES(C, row) WEBSDK_DETAIL_PF_CARRIES_I(C, WEBSDK_PP_IDENTITY row)
 #define WEBSDK_DETAIL_PF_CARRIES_I(C, ...) WEBSDK_DETAIL_PF_CARRIES_II(C, __VA_ARGS__)
-#define WEBSDK_DETAIL_PF_CARRIES_II(C, c, name, guard, ...) , ::websdk::Carries<C::c, WEBSDK_DETAIL_PF_RECORD(__VA_ARGS__)>
+#define WEBSDK_DETAIL_PF_CARRIES_II(C, c, name, guard, ...) \
+  , ::websdk::Carries<C::c, WEBSDK_DETAIL_PF_RECORD(__VA_ARGS__)>
 
 #define WEBSDK_DETAIL_PF_ROW(_, row) WEBSDK_DETAIL_PF_ROW_I(WEBSDK_PP_IDENTITY row)
 #define WEBSDK_DETAIL_PF_ROW_I(...) WEBSDK_DETAIL_PF_ROW_II(__VA_ARGS__)
 #define WEBSDK_DETAIL_PF_ROW_II(c, name, guard, ...) \
   ::websdk::PageFunction{name, guard __VA_OPT__(, WEBSDK_DETAIL_PF_WRITTEN(__VA_ARGS__))},
-#define WEBSDK_DETAIL_PF_WRITTEN(separator, Record, ...) separator, { __VA_ARGS__ }
+#define WEBSDK_DETAIL_PF_WRITTEN(separator, Record, ...) \
+  separator, { __VA_ARGS__ }
 
 #define WEBSDK_DETAIL_PF_FACTORY(SC, row) WEBSDK_DETAIL_PF_FACTORY_I(SC, WEBSDK_PP_IDENTITY row)
 #define WEBSDK_DETAIL_PF_FACTORY_I(SC, ...) WEBSDK_DETAIL_PF_FACTORY_II(SC, __VA_ARGS__)
-#define WEBSDK_DETAIL_PF_FACTORY_II(SC, c, name, guard, ...)                                                     \
+#define WEBSDK_DETAIL_PF_FACTORY_II(SC, c, name, guard, ...)                                           \
   static constexpr ::websdk::PageCallFactory<WEBSDK_DETAIL_FIRST_OF SC, WEBSDK_DETAIL_SECOND_OF SC::c, \
-                                             WEBSDK_DETAIL_PF_RECORD(__VA_ARGS__)>                      \
+                                             WEBSDK_DETAIL_PF_RECORD(__VA_ARGS__)>                     \
       c{};
 #define WEBSDK_DETAIL_FIRST_OF(a, b) a
 #define WEBSDK_DETAIL_SECOND_OF(a, b) b
@@ -196,24 +199,24 @@ struct PageCallFactory<Self, C, void, std::tuple<>> {
 /// the case enumeration `Self##Case` and `Self##Table`: the typed payload
 /// `Payload` that `Self` derives from, `pageFunction(case)`, and one factory
 /// per case, named as the case, taking the record's members in order.
-#define WEBSDK_PAGE_FUNCTIONS(Self, ...)                                                                       \
-  enum class Self##Case { WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CASE, _, __VA_ARGS__) };                        \
-  constexpr auto rawValues(Self##Case) {                                                                       \
-    return std::to_array<::websdk::RawValue<Self##Case>>(                                                      \
-        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CASE_NAME, Self##Case, __VA_ARGS__)});                           \
-  }                                                                                                            \
-  class Self;                                                                                                  \
-  struct Self##Table {                                                                                         \
-    using Payload = ::websdk::TaggedPayload<Self, Self##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CARRIES,     \
-                                                                                 Self##Case, __VA_ARGS__)>;    \
-    static constexpr ::websdk::PageFunction pageFunction(Self##Case c) {                                       \
-      using enum ::websdk::PageArgument;                                                                       \
-      using enum ::websdk::PageCallGuard;                                                                      \
-      constexpr ::websdk::PageFunction rows[] = {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_ROW, _, __VA_ARGS__)};   \
-      const auto i = static_cast<std::size_t>(c);                                                              \
-      return i < std::size(rows) ? rows[i] : ::websdk::PageFunction{};                                         \
-    }                                                                                                          \
-    WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_FACTORY, (Self, Self##Case), __VA_ARGS__)                             \
+#define WEBSDK_PAGE_FUNCTIONS(Self, ...)                                                                               \
+  enum class Self##Case{WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CASE, _, __VA_ARGS__)};                                   \
+  constexpr auto rawValues(Self##Case) {                                                                               \
+    return std::to_array<::websdk::RawValue<Self##Case>>(                                                              \
+        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CASE_NAME, Self##Case, __VA_ARGS__)});                                   \
+  }                                                                                                                    \
+  class Self;                                                                                                          \
+  struct Self##Table {                                                                                                 \
+    using Payload = ::websdk::TaggedPayload<Self, Self##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CARRIES, Self##Case, \
+                                                                                 __VA_ARGS__)>;                        \
+    static constexpr ::websdk::PageFunction pageFunction(Self##Case c) {                                               \
+      using enum ::websdk::PageArgument;                                                                               \
+      using enum ::websdk::PageCallGuard;                                                                              \
+      constexpr ::websdk::PageFunction rows[] = {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_ROW, _, __VA_ARGS__)};           \
+      const auto i = static_cast<std::size_t>(c);                                                                      \
+      return i < std::size(rows) ? rows[i] : ::websdk::PageFunction{};                                                 \
+    }                                                                                                                  \
+    WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_FACTORY, (Self, Self##Case), __VA_ARGS__)                                     \
   };
 
 namespace websdk {
@@ -243,8 +246,7 @@ WEBSDK_PAGE_FUNCTIONS(
 /// the values its case carries. Made by the factory of its case
 /// (`WebSDKJSFunctionType::keyboardStateChanged(true, 320)`), each one a row of
 /// the table above.
-class WEBSDK_EXPORT WebSDKJSFunctionType : public WebSDKJSFunctionTypeTable::Payload,
-                                           public WebSDKJSFunctionTypeTable {
+class WEBSDK_EXPORT WebSDKJSFunctionType : public WebSDKJSFunctionTypeTable::Payload, public WebSDKJSFunctionTypeTable {
  public:
   /// The same call with each text argument written as a JSON string literal
   /// ("O'Brien" arrives as O'Brien, whatever it holds), to the same page

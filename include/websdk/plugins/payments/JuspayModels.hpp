@@ -52,10 +52,8 @@ struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
   std::string juspayClientAuthToken;
   ///@}
 
-  WEBSDK_MODEL(WebSDKJuspayNBRequestModel, inside("juspayParams"),
-               (orderId, strictString, required),
-               (returnUrl, strictString), (bankCode, strictString),
-               (juspayClientAuthToken, strictString, sensitive))
+  WEBSDK_MODEL(WebSDKJuspayNBRequestModel, inside("juspayParams"), (orderId, strictString, required),
+               (returnUrl, strictString), (bankCode, strictString), (juspayClientAuthToken, strictString, sensitive))
 };
 
 /// "PAY_USING_JUSPAY_NEW_CARD", read from "juspayParams". Fails without that
@@ -91,25 +89,15 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
   std::optional<std::int64_t> emiTenure;
   ///@}
 
-  WEBSDK_MODEL(WebSDKJuspayNewCardRequestModel, inside("juspayParams"),
-               (cardToken, strictString, sensitive),
-               (returnUrl, strictString),
-               (orderId, strictString, required),
-               (cardSecurityCode, strictString, sensitive),
-               (paymentMethodType, strictString),
-               (cardNumber, strictString, sensitive),
-               (cardExpMonth, strictString, sensitive),
-               (cardExpYear, strictString, sensitive),
-               (nameOnCard, strictString, sensitive),
-               (saveToLocker, strictBool),
-               (juspayClientAuthToken, strictString, sensitive),
-               (authTypeForCard, strictString),
-               (tokenize, lenientBool), (cardBin, strictString),
-               (paymentMethod, strictString),
-               (nickname, strictString),
-               (orderAmount, strictString), (emiBank, strictString),
-               (isEmi, strictBool),
-               (supportedGatewayIds, intList, orEmpty),
+  WEBSDK_MODEL(WebSDKJuspayNewCardRequestModel, inside("juspayParams"), (cardToken, strictString, sensitive),
+               (returnUrl, strictString), (orderId, strictString, required),
+               (cardSecurityCode, strictString, sensitive), (paymentMethodType, strictString),
+               (cardNumber, strictString, sensitive), (cardExpMonth, strictString, sensitive),
+               (cardExpYear, strictString, sensitive), (nameOnCard, strictString, sensitive),
+               (saveToLocker, strictBool), (juspayClientAuthToken, strictString, sensitive),
+               (authTypeForCard, strictString), (tokenize, lenientBool), (cardBin, strictString),
+               (paymentMethod, strictString), (nickname, strictString), (orderAmount, strictString),
+               (emiBank, strictString), (isEmi, strictBool), (supportedGatewayIds, intList, orEmpty),
                (emiType, strictString), (emiTenure, integer))
 };
 
@@ -160,23 +148,14 @@ struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
   std::optional<JuspayMetaDataModel> juspayMetaData;
   ///@}
 
-  WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, inside("juspayParams"),
-               (cardToken, strictString, sensitive),
-               (returnUrl, strictString),
-               (orderId, strictString, required),
-               (cardSecurityCode, strictString, sensitive),
-               (paymentMethodType, strictString),
-               (juspayClientAuthToken, strictString, sensitive),
-               (authTypeForCard, strictString),
-               (tokenize, lenientBool), (cardBin, strictString),
-               (paymentMethod, strictString),
-               (saveToLocker, lenientBool),
-               (orderAmount, strictString), (emiBank, strictString),
-               (isEmi, strictBool),
-               (supportedGatewayIds, intList, orEmpty),
-               (emiType, strictString), (emiTenure, integer),
-               (tokenRequester, strictString),
-               (juspayMetaData, model))
+  WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, inside("juspayParams"), (cardToken, strictString, sensitive),
+               (returnUrl, strictString), (orderId, strictString, required),
+               (cardSecurityCode, strictString, sensitive), (paymentMethodType, strictString),
+               (juspayClientAuthToken, strictString, sensitive), (authTypeForCard, strictString),
+               (tokenize, lenientBool), (cardBin, strictString), (paymentMethod, strictString),
+               (saveToLocker, lenientBool), (orderAmount, strictString), (emiBank, strictString), (isEmi, strictBool),
+               (supportedGatewayIds, intList, orEmpty), (emiType, strictString), (emiTenure, integer),
+               (tokenRequester, strictString), (juspayMetaData, model))
 };
 
 /// The CRED wallet's payment parameters; `authToken` from "clientAuthToken".

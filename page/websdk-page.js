@@ -25,7 +25,8 @@ class WebSDKRequestError extends Error {
     }
 }
 // Every page function native code calls: installed up front, so that a call
-// never meets an undefined function.
+// never meets an undefined function. The list is the native table's, written
+// by scripts/generate-actions.mjs (`npm run generate`): do not edit it.
 const PAGE_FUNCTIONS = [
     "keyboardStateChanged",
     "onScreenVisibility",
@@ -43,8 +44,6 @@ const PAGE_FUNCTIONS = [
     "UPDATE_SELECTED_ADDRESS",
     "pageResume",
 ];
-const everyPageFunction = true;
-void everyPageFunction;
 const CLIENT_KEY = Symbol.for("websdk.page.client");
 function randomTag() {
     const bytes = new Uint8Array(6);

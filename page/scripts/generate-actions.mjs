@@ -1,8 +1,10 @@
-// Writes src/actions.d.ts from the native catalogue (`websdk-inspect
-// --catalogue`), so the typings say what the native readers read.
+// Writes src/actions.d.ts and the page function list in src/index.ts from the
+// native catalogue (`websdk-inspect --catalogue`), so the typings say what the
+// native readers read and the client installs every page function native
+// code calls.
 //
 //   node scripts/generate-actions.mjs            regenerate
-//   node scripts/generate-actions.mjs --check    fail when src/actions.d.ts differs
+//   node scripts/generate-actions.mjs --check    fail when either differs
 //   --catalogue FILE                             read a saved catalogue instead
 //
 // websdk-inspect is found through $WEBSDK_INSPECT, else ../build/websdk-inspect.
@@ -14,6 +16,8 @@ import { fileURLToPath } from "node:url";
 
 const here = dirname(fileURLToPath(import.meta.url));
 const target = resolve(here, "../src/actions.d.ts");
+const client = resolve(here, "../src/index.ts");
+const pageFunctionList = /^const PAGE_FUNCTIONS = \[\n[^\]]*\] as const satisfies readonly WebSDKPageFunctionName\[\];$/m;
 
 // What JSON each reading turns into a value (anything else reads as absent or
 // a default).
@@ -129,6 +133,18 @@ export function generate(catalogue) {
   return out.join("\n");
 }
 
+// The client's list of page functions, in the native table's order.
+export function pageFunctionsDeclaration(catalogue) {
+  const names = catalogue.pageFunctions.map((fn) => `  ${quote(fn.function)},\n`).join("");
+  return `const PAGE_FUNCTIONS = [\n${names}] as const satisfies readonly WebSDKPageFunctionName[];`;
+}
+
+// `source` (src/index.ts) with its page function list replaced.
+export function withPageFunctions(source, catalogue) {
+  if (!pageFunctionList.test(source)) throw new Error("generate-actions: src/index.ts has no PAGE_FUNCTIONS list");
+  return source.replace(pageFunctionList, () => pageFunctionsDeclaration(catalogue));
+}
+
 function readCatalogue(args) {
   const i = args.indexOf("--catalogue");
   if (i >= 0) return JSON.parse(readFileSync(args[i + 1], "utf8"));
@@ -142,16 +158,24 @@ function readCatalogue(args) {
 
 if (process.argv[1] === fileURLToPath(import.meta.url)) {
   const args = process.argv.slice(2);
-  const text = generate(readCatalogue(args));
+  const catalogue = readCatalogue(args);
+  const source = readFileSync(client, "utf8");
+  const files = [
+    [target, existsSync(target) ? readFileSync(target, "utf8") : "", generate(catalogue)],
+    [client, source, withPageFunctions(source, catalogue)],
+  ];
   if (args.includes("--check")) {
-    const current = existsSync(target) ? readFileSync(target, "utf8") : "";
-    if (current !== text) {
-      console.error("generate-actions: src/actions.d.ts differs from the native catalogue; run `npm run generate`");
+    const stale = files.filter(([, current, text]) => current !== text).map(([file]) => file);
+    if (stale.length) {
+      console.error(`generate-actions: ${stale.join(", ")} differ from the native catalogue; run \`npm run generate\``);
       process.exit(1);
     }
-    console.log("generate-actions: src/actions.d.ts matches the native catalogue");
+    console.log("generate-actions: src/actions.d.ts and src/index.ts's page functions match the native catalogue");
   } else {
-    writeFileSync(target, text);
-    console.log(`generate-actions: wrote ${target}`);
+    for (const [file, current, text] of files)
+      if (current !== text) {
+        writeFileSync(file, text);
+        console.log(`generate-actions: wrote ${file}`);
+      }
   }
 }

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
-import { generate, pageFunctionSignature, typeOf } from "../scripts/generate-actions.mjs";
+import { generate, pageFunctionSignature, typeOf, withPageFunctions } from "../scripts/generate-actions.mjs";
 
 test("each reading becomes the JSON it gives a value for", () => {
   const rows = [
@@ -46,4 +46,27 @@ test("refused actions stay out of the payloads; required payloads are listed", (
   assert.match(text, /export type WebSDKActionWithRequiredPayload =\n {2}\| "A";/);
   assert.match(text, /export type WebSDKRefusedAction = "C";/);
   assert.match(text, /cart: "A" \| "B";/);
+});
+
+test("the client's page function list is rewritten from the native table, and only it", () => {
+  const source = [
+    "const before = 1;",
+    "const PAGE_FUNCTIONS = [",
+    '  "old",',
+    "] as const satisfies readonly WebSDKPageFunctionName[];",
+    "const after = [2];",
+  ].join("\n");
+  const catalogue = { pageFunctions: [{ function: "keyboardStateChanged" }, { function: "BUILD_PX_CART" }] };
+  assert.equal(
+    withPageFunctions(source, catalogue),
+    [
+      "const before = 1;",
+      "const PAGE_FUNCTIONS = [",
+      '  "keyboardStateChanged",',
+      '  "BUILD_PX_CART",',
+      "] as const satisfies readonly WebSDKPageFunctionName[];",
+      "const after = [2];",
+    ].join("\n"),
+  );
+  assert.throws(() => withPageFunctions("const other = [];", catalogue), /no PAGE_FUNCTIONS list/);
 });

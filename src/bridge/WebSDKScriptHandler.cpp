@@ -186,7 +186,8 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     bytes = text.size();
   }
 
-  if (auto listener = webJSCommunicationDelegate.lock()) listener->didReceiveRequest(text);
+  if (const auto field = listener.lock())
+    if (const auto told = field->lock()) told->didReceiveRequest(text);
 
   // With the view recording its traffic, what becomes of this message is
   // written once it is handled, whichever way it leaves.

@@ -1,5 +1,7 @@
 #include "websdk/json/JSON.hpp"
 
+#include "../Text.hpp"
+
 #include <boost/json/parse.hpp>
 
 #include <charconv>
@@ -11,12 +13,6 @@
 namespace websdk {
 
 namespace {
-
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  c = static_cast<char>(c | 0x20);
-  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
 
 // The code unit of the six-character escape starting at text[i], or -1.
 int escapedUnit(std::string_view text, std::size_t i) {

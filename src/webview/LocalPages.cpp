@@ -1,5 +1,7 @@
 #include "websdk/webview/LocalPages.hpp"
 
+#include "../Text.hpp"
+
 #include "websdk/Log.hpp"
 
 #include <algorithm>
@@ -12,12 +14,6 @@ namespace {
 constexpr std::string_view kText = "text/plain; charset=utf-8";
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
-
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  c = lower(c);
-  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
 
 // A URL's parts as far as local pages need them: scheme, authority and what
 // follows it (path, query, fragment). Nothing for a URL without an authority.
@@ -69,15 +65,7 @@ std::optional<std::string> localPath(std::string_view target) {
     const auto slash = std::min(target.find('/', start), target.size());
     const std::string_view raw = target.substr(start, slash - start);
     start = slash + 1;
-    std::string segment;
-    for (std::size_t i = 0; i < raw.size(); ++i) {
-      if (raw[i] == '%' && i + 2 < raw.size() && hexValue(raw[i + 1]) >= 0 && hexValue(raw[i + 2]) >= 0) {
-        segment += static_cast<char>(hexValue(raw[i + 1]) * 16 + hexValue(raw[i + 2]));
-        i += 2;
-      } else {
-        segment += raw[i];
-      }
-    }
+    const std::string segment = percentDecoded(raw);
     // A segment that decodes to a separator or to NUL would reach another
     // file than the one the URL names.
     if (segment == ".." || segment.find_first_of(std::string_view("/\\\0", 3)) != std::string::npos)

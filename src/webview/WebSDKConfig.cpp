@@ -1,5 +1,7 @@
 #include "websdk/webview/WebSDKConfig.hpp"
 
+#include "../Text.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -18,30 +20,10 @@ bool isSpecial(std::string_view scheme) {
          scheme == "file";
 }
 
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  c = lower(c);
-  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
-
 // Characters a host may never hold, '%' aside (an opaque host keeps its escapes).
 bool isForbiddenHostChar(unsigned char c) {
   return c <= 0x20 || c == 0x7f || c == '#' || c == '/' || c == ':' || c == '<' || c == '>' || c == '?' || c == '@' ||
          c == '[' || c == '\\' || c == ']' || c == '^' || c == '|';
-}
-
-std::string percentDecoded(std::string_view s) {
-  std::string out;
-  out.reserve(s.size());
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    if (s[i] == '%' && i + 2 < s.size() && hexValue(s[i + 1]) >= 0 && hexValue(s[i + 2]) >= 0) {
-      out += static_cast<char>(hexValue(s[i + 1]) * 16 + hexValue(s[i + 2]));
-      i += 2;
-    } else {
-      out += s[i];
-    }
-  }
-  return out;
 }
 
 // One IPv4 part: decimal, octal with a leading 0, or hex with 0x.

@@ -10,7 +10,6 @@
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
-#include <iostream>
 
 namespace websdk {
 namespace {
@@ -98,7 +97,8 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   h.webview = std::shared_ptr<BridgeView>(view, static_cast<BridgeView*>(view.get()));
   view->setPlugin<GenericFamily>(genericDelegate);
   view->setPlugin<PaymentsFamily>(paymentsDelegate);
-  h.webJSCommunicationDelegate = webJSCommunicationDelegate;
+  h.listener =
+      std::shared_ptr<const std::weak_ptr<WebSDKJSCommunicationProtocol>>(view, &view->webJSCommunicatorDelegate);
   h.trafficRecorder = view->recorder_;
   view->webSDKNavigationDelegate = webViewDelegate;
   view->setPlugin<SetRecipientInfoFamily>(setRecipientInfoDelegate);
@@ -549,7 +549,7 @@ void WebSDKWebView::refuseRepeatedAnswer(const std::string& requestId) {
 
 void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
   // Detached by the host: the bridge is done with this page.
-  if (detached_) {
+  if (detached_ && !route.readyEncoded) {
     if (!toldDetached_.exchange(true))
       say(LogLevel::warning, "answer",
           "an answer to request id \"" + shownInLog(response.requestId) +
@@ -560,6 +560,7 @@ void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
   // the page broken (or not parse there), so such an answer is not sent at all.
   auto script = nativeResponseScript(response);
   if (!script) return;
+  if (route.readyEncoded) return evaluateAnswer(std::move(response), std::move(*script), route);
   // The host sent it; an abandoned reply's failure is the view's own, told
   // once it is known to be owed.
   if (!route.abandoned)
@@ -567,33 +568,43 @@ void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
   // One task per answer: answers keep their place among everything else the
   // host posts to the main queue. The task holds the view weakly: answers
   // queued for a view that is gone by then do nothing.
-  engine_->mainQueue().post([weak = weak_from_this(), script = std::move(*script), response = std::move(response),
-                             route]() mutable {
-    const auto view = weak.lock();
-    if (!view) {
-      log(LogLevel::warning, "answer",
-          "the answer to request id \"" + shownInLog(response.requestId) +
-              "\" came after its web view was torn down; dropped");
-      return;
-    }
-    WebSDKDropReason why = WebSDKDropReason::documentGone;
-    const auto target = route.serial != 0
-                            ? view->boundTarget(response.requestId, *route.document, route.serial, route.abandoned, why)
-                        : route.document ? route.document
-                                         : view->answerTarget(response.requestId, why);
-    if (!target) {
-      if (!route.abandoned) view->tellDropped(response, why);
-      return;
-    }
-    if (route.abandoned)
-      if (auto listener = view->webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
-    if (view->recorder_) view->recorder_->answer(response, view->shownURL());
-    // Hearing back costs a trip from the page: asked for only when a
-    // listener or a recording wants to know of answers that never ran.
-    const bool hear = !view->webJSCommunicatorDelegate.expired() || view->recorder_;
-    view->engine_->evaluateInDocument(*target, std::move(script),
-                                      hear ? view->dropNotice(std::move(response)) : nullptr);
-  });
+  engine_->mainQueue().post(
+      [weak = weak_from_this(), script = std::move(*script), response = std::move(response), route]() mutable {
+        const auto view = weak.lock();
+        if (!view) {
+          log(LogLevel::warning, "answer",
+              "the answer to request id \"" + shownInLog(response.requestId) +
+                  "\" came after its web view was torn down; dropped");
+          return;
+        }
+        view->evaluateAnswer(std::move(response), std::move(script), route);
+      });
+}
+
+void WebSDKWebView::evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route) {
+  WebSDKDropReason why = WebSDKDropReason::documentGone;
+  const auto target = route.serial != 0
+                          ? boundTarget(response.requestId, *route.document, route.serial, route.abandoned, why)
+                      : route.document ? route.document
+                                       : answerTarget(response.requestId, why);
+  if (!target) {
+    if (!route.abandoned) tellDropped(response, why);
+    return;
+  }
+  if (route.abandoned)
+    if (auto listener = webJSCommunicatorDelegate.lock()) listener->didSendResponse(response);
+  if (recorder_) recorder_->answer(response, shownURL());
+  // Hearing back costs a trip from the page: asked for only when a listener
+  // or a recording wants to know of answers that never ran, or, for a
+  // ready-encoded answer, to tell of its evaluation failing.
+  ScriptCompletion completion;
+  if (!webJSCommunicatorDelegate.expired() || recorder_) completion = dropNotice(response);
+  if (route.readyEncoded)
+    completion = [name = name_, dropped = std::move(completion)](ScriptResult result) {
+      if (result.error) log(LogLevel::warning, "answer", name, "nativeResponse evaluation failed: " + *result.error);
+      if (dropped) dropped(std::move(result));
+    };
+  engine_->evaluateInDocument(*target, std::move(script), std::move(completion));
 }
 
 void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
@@ -633,22 +644,9 @@ void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::strin
                                        const std::optional<std::string>& encoder) {
   if (carriedToUIThread([=](WebSDKWebView& v) { v.sendWebSDKResponse(type, requestId, encoder); })) return;
   WebSDKResponseModel response = makeResponse(type, requestId, encoder);
-  auto script = nativeResponseScript(response);
   // A payload that is not UTF-8 is left out; a request id that is not drops the answer.
-  if (!script && response.payload) {
-    response.payload.reset();
-    script = nativeResponseScript(response);
-  }
-  if (!script) return;
-  WebSDKDropReason why = WebSDKDropReason::documentGone;
-  const auto target = answerTarget(requestId, why);
-  if (!target) return tellDropped(response, why);
-  if (recorder_) recorder_->answer(response, shownURL());
-  engine_->evaluateInDocument(
-      *target, std::move(*script), [dropped = dropNotice(std::move(response))](ScriptResult result) {
-        if (result.error) std::cout << "WebSDK: nativeResponse evaluation failed: " << *result.error << std::endl;
-        dropped(std::move(result));
-      });
+  if (response.payload && !isValidUTF8(*response.payload)) response.payload.reset();
+  send(std::move(response), AnswerRoute{std::nullopt, 0, false, true});
 }
 
 // ---- Page events ---------------------------------------------------------------

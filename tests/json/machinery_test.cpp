@@ -38,6 +38,14 @@ struct Keyed {
   WEBSDK_KEYED_RECORD(Keyed, (planId, "plan_id"), (autoRenew, "auto_renew"))
 };
 
+// The count check behind caseCount tells a named case from any other value;
+// should the compiler's spelling change, tables missing a case compile again.
+enum class Three { one, two, three };
+static_assert(detail::isNamedCase<Three::three>());
+static_assert(detail::isNamedCase<Colour::darkBlue>());
+static_assert(!detail::isNamedCase<static_cast<Three>(3)>());
+static_assert(!detail::isNamedCase<static_cast<Colour>(2)>());
+
 TEST(Enumerations, RawValuesRoundTripExactly) {
   EXPECT_EQ(rawValue(Colour::darkBlue), "dark-blue");
   EXPECT_EQ(fromRawValue<Colour>("RED"), Colour::red);

@@ -89,18 +89,9 @@ int run(const Options& options, std::istream& in, std::ostream& out, std::ostrea
   auto listener = std::make_shared<Listener>();
   auto owned = std::make_unique<testing::TestingEngine>();
   testing::TestingEngine& engine = *owned;
-  auto view = WebSDKWebView::create(std::move(owned), options.whitelist, pluginFor<GenericFamily>(options, plugins),
-                                    pluginFor<PaymentsFamily>(options, plugins), nullptr, listener,
-                                    pluginFor<SetRecipientInfoFamily>(options, plugins), options.whitelistAll);
-  view->setRestaurantEmpathyPlugin(pluginFor<RestaurantEmpathyFamily>(options, plugins));
-  view->setChatConversationPlugin(pluginFor<ChatConversationFamily>(options, plugins));
-  view->setCartPlugin(pluginFor<CartFamily>(options, plugins));
-  view->setPXCartPlugin(pluginFor<PXCartFamily>(options, plugins));
-  view->setVRCartPlugin(pluginFor<VRCartFamily>(options, plugins));
-  view->setGiftingCartPlugin(pluginFor<GiftingCartFamily>(options, plugins));
-  view->setZippaPlugin(pluginFor<ZippaFamily>(options, plugins));
-  view->setAccountsPlugin(pluginFor<AccountsFamily>(options, plugins));
-  view->setMenuListPlugin(pluginFor<MenuListFamily>(options, plugins));
+  auto view = WebSDKWebView::create(std::move(owned), options.whitelist, nullptr, nullptr, nullptr, listener, nullptr,
+                                    options.whitelistAll);
+  forEachFamily([&]<class F>(F) { view->setPlugin<F>(pluginFor<F>(options, plugins)); });
 
   int status = 0;
   std::size_t lineNumber = 0;

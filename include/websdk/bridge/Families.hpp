@@ -23,17 +23,31 @@
 
 namespace websdk {
 
-/// The families in trial order.
-using BridgeFamilies =
-    std::tuple<GenericFamily, PaymentsFamily, RestaurantEmpathyFamily, ChatConversationFamily, CartFamily, PXCartFamily,
-               VRCartFamily, GiftingCartFamily, ZippaFamily, SetRecipientInfoFamily, AccountsFamily, MenuListFamily>;
+namespace detail {
+// Where among `Families` the family of `slot` is; past the end when none is.
+template <class... Families>
+constexpr std::size_t familyOfSlot(std::size_t slot) {
+  constexpr std::size_t slots[] = {Families::slot...};
+  std::size_t i = 0;
+  while (i < sizeof...(Families) && slots[i] != slot) ++i;
+  return i;
+}
+template <class Slots, class... Families>
+struct InSlotOrder;
+// The families ordered by the slot each row declares: a slot no row has (two
+// rows on one slot leave one empty) names no family, and fails to compile.
+template <std::size_t... Slot, class... Families>
+struct InSlotOrder<std::index_sequence<Slot...>, Families...> {
+  using type = std::tuple<std::tuple_element_t<familyOfSlot<Families...>(Slot), std::tuple<Families...>>...>;
+};
+}  // namespace detail
 
-// Each row's slot is its place here, so that one family's header alone knows
-// where its plugin is held.
-static_assert(std::tuple_size_v<BridgeFamilies> == kFamilyCount);
-static_assert([]<std::size_t... I>(std::index_sequence<I...>) {
-  return ((std::tuple_element_t<I, BridgeFamilies>::slot == I) && ...);
-}(std::make_index_sequence<kFamilyCount>{}));
+/// The families in trial order: each row's slot says its place, so that one
+/// family's header alone knows where its plugin is held.
+using BridgeFamilies =
+    detail::InSlotOrder<std::make_index_sequence<kFamilyCount>, AccountsFamily, CartFamily, ChatConversationFamily,
+                        GenericFamily, GiftingCartFamily, MenuListFamily, PXCartFamily, PaymentsFamily,
+                        RestaurantEmpathyFamily, SetRecipientInfoFamily, VRCartFamily, ZippaFamily>::type;
 
 /// Calls f(Family{}) for each family, in trial order.
 template <class F>

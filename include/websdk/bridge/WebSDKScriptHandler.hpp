@@ -62,8 +62,11 @@ WEBSDK_EXPORT std::string requestIdNearTheStart(std::string_view text, std::size
 class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
  public:
   // Everything the handler points at belongs to someone else: all weak.
-  std::weak_ptr<BridgeView> webview;                                        ///< The view it answers through.
-  std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicationDelegate;  ///< Hears of its traffic.
+  std::weak_ptr<BridgeView> webview;  ///< The view it answers through.
+  /// The view's listener field (`WebSDKWebView::webJSCommunicatorDelegate`),
+  /// whose listener hears of the traffic: one field, however often the host
+  /// reassigns it. Kept when the view detaches the bridge.
+  std::weak_ptr<const std::weak_ptr<WebSDKJSCommunicationProtocol>> listener;
   /// Where requests are recorded, when the view records its traffic; shared,
   /// so that a view released during a plugin's call leaves the record whole.
   std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder;

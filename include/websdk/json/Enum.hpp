@@ -54,6 +54,17 @@ constexpr bool isValidTable(const std::array<RawValue<E>, N>& table) {
   }
   return true;
 }
+
+// Whether V is one of its enumeration's named cases. The compiler spells a
+// named case by its name in the function's signature, and any other value as
+// a cast ("(E)3"): a table that stops before the enumeration's last case
+// leaves the next value named.
+template <auto V>
+constexpr bool isNamedCase() {
+  const std::string_view signature = __PRETTY_FUNCTION__;
+  const auto at = signature.rfind("V = ");
+  return at != std::string_view::npos && signature.substr(at + 4, 1) != "(";
+}
 }  // namespace detail
 
 /// The raw value table of `E`.
@@ -65,6 +76,8 @@ template <RawEnum E>
 constexpr std::size_t caseCount() {
   static_assert(detail::isValidTable(enumTable<E>),
                 "raw value table must list every case once, in declaration order, with unique raw values");
+  static_assert(!detail::isNamedCase<static_cast<E>(enumTable<E>.size())>(),
+                "raw value table must list every case: the enumeration has a case after the table's last");
   return enumTable<E>.size();
 }
 

@@ -35,7 +35,8 @@
 /// The second argument is the model's own rule: `anyPayload` (never fails for
 /// the payload as a whole), `needsPayload` (fails without a payload object),
 /// `needsEntries` (fails without one or with an empty one), `within("tenant")`
-/// (fails unless "tenant" holds an object), `strict` (a present, non-null value
+/// (fails unless "tenant" holds an object), `inside("juspayParams")` (the same,
+/// and every field's key is read inside that object), `strict` (a present, non-null value
 /// that its reading refuses fails the model: for records hosts decode from
 /// their own stored JSON).
 
@@ -57,12 +58,15 @@ struct ModelRule {
   bool needsEntries = false;  ///< Fails without a payload object or with an empty one.
   bool strict = false;        ///< A present, non-null value its reading refuses fails the model.
   std::string_view within;    ///< A key that must hold an object.
+  bool inside = false;        ///< The fields' keys are read inside the object under `within`.
 
   /// Both rules at once.
   constexpr ModelRule operator|(ModelRule o) const {
     return {needsPayload || o.needsPayload, needsEntries || o.needsEntries, strict || o.strict,
-            within.empty() ? o.within : within};
+            within.empty() ? o.within : within, within.empty() ? o.inside : inside};
   }
+  /// The object the fields' keys are read in: "" for the payload itself.
+  constexpr std::string_view fieldsIn() const { return inside ? within : std::string_view{}; }
 };
 
 /// The rules a model declares with (WEBSDK_MODEL's second argument).
@@ -73,6 +77,8 @@ inline constexpr ModelRule needsEntries{false, true, false, {}};  ///< Fails wit
 inline constexpr ModelRule strict{false, false, true, {}};        ///< A value its reading refuses fails the model.
 /// Fails unless `key` holds an object.
 constexpr ModelRule within(std::string_view key) { return {false, false, false, key}; }
+/// Fails unless `key` holds an object, and reads every field's key inside it.
+constexpr ModelRule inside(std::string_view key) { return {false, false, false, key, true}; }
 }  // namespace rules
 
 /// A field option: the model fails when this field's reading gives nothing.
@@ -329,8 +335,9 @@ std::optional<T> decodeModel(Fields payload) {
   if (rule.needsEntries && payload.empty()) return std::nullopt;
   if (!rule.within.empty() && payload.nested(rule.within).absent()) return std::nullopt;
   T out{};
-  const bool ok = std::apply([&](const auto&... f) { return (detail::readField(payload, f, out, rule.strict) && ...); },
-                             T::fields());
+  const Fields read = rule.inside ? payload.nested(rule.within) : payload;
+  const bool ok =
+      std::apply([&](const auto&... f) { return (detail::readField(read, f, out, rule.strict) && ...); }, T::fields());
   if (!ok) return std::nullopt;
   // A rule across fields, which no single reading can say.
   if constexpr (requires { out.isValid(); })

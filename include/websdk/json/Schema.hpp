@@ -71,10 +71,11 @@ inline JSONObject& entryFor(JSONArray& fields, std::string_view key, bool requir
 
 /// Adds field `f` to `fields`, inside the entries its dotted path names.
 template <class T, class M, class R>
-void addField(JSONArray& fields, const ModelField<T, M, R>& f, bool reached, std::string_view within) {
+void addField(JSONArray& fields, const ModelField<T, M, R>& f, bool reached, const ModelRule& rule) {
   if constexpr (std::is_same_v<R, reading::WholePayloadReading> || std::is_same_v<R, reading::UnreadReading>)
     return;  // reads no key
-  JSONArray* into = &fields;
+  const std::string_view within = rule.within;
+  JSONArray* into = rule.inside ? &entryFor(fields, within, reached)["fields"].get_array() : &fields;
   std::string_view path = f.path;
   for (auto dot = path.find('.'); dot != std::string_view::npos; dot = path.find('.')) {
     const std::string_view parent = path.substr(0, dot);
@@ -108,7 +109,7 @@ JSONArray modelSchema(bool reached) {
   for (bool requiredPass : {true, false})
     std::apply(
         [&](const auto&... f) {
-          ((f.required == requiredPass ? detail::addField(fields, f, reached, rule.within) : void()), ...);
+          ((f.required == requiredPass ? detail::addField(fields, f, reached, rule) : void()), ...);
         },
         T::fields());
   // A nested object with nothing declared in it is only an object reading.

@@ -13,10 +13,15 @@
 #include "websdk/json/Payload.hpp"
 
 #include <array>
+#include <cstddef>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace websdk {
 
@@ -87,11 +92,6 @@ struct WEBSDK_EXPORT ScratchCardsData {
 };
 }  // namespace jsfunction
 
-WEBSDK_NAMED_CASES(WebSDKJSFunctionTypeCase, keyboardStateChanged, onScreenVisibility, openDeeplink, userStateChange,
-                   allowNativeBottomBarExit, searchQueryInput, menuListInteracted, handlePXSearchActions,
-                   updateScratchCardsData, globalJSBridgeHandler, getPXCartCallback, handleSwipeGesture,
-                   onHalfCardBackgroundTap, updateLocationHeader, pageResume)
-
 /// How an argument is written into the call text.
 enum class PageArgument {
   text,        // 'value'
@@ -119,83 +119,135 @@ struct PageFunction {
   std::array<PageArgument, 2> arguments{};    ///< How each argument is written.
 };
 
+namespace detail {
+template <class Fields>
+struct FieldMembers;
+template <class... T, class... M>
+struct FieldMembers<std::tuple<Field<T, M>...>> {
+  using type = std::tuple<M...>;
+};
+template <class Record>
+struct RecordMembers {
+  using type = typename FieldMembers<std::remove_cv_t<decltype(Record::fields())>>::type;
+};
+template <>
+struct RecordMembers<void> {
+  using type = std::tuple<>;
+};
+}  // namespace detail
+
+/// The factory of case C of `Self`: called with the members of the case's
+/// `Record` (nothing for void), in the record's order.
+template <class Self, auto C, class Record, class Members = typename detail::RecordMembers<Record>::type>
+struct PageCallFactory;
+/// A case that carries a record.
+template <class Self, auto C, class Record, class... M>
+struct PageCallFactory<Self, C, Record, std::tuple<M...>> {
+  /// The event of case C, carrying these values.
+  Self operator()(M... values) const { return Self::template make<C>(Record{std::move(values)...}); }
+};
+/// A case that carries nothing.
+template <class Self, auto C>
+struct PageCallFactory<Self, C, void, std::tuple<>> {
+  /// The event of case C.
+  Self operator()() const { return Self::template make<C>(); }
+};
+
+}  // namespace websdk
+
+#define WEBSDK_DETAIL_PF_CASE(_, row) WEBSDK_DETAIL_PF_CASE_I(WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_PF_CASE_I(...) WEBSDK_DETAIL_PF_CASE_II(__VA_ARGS__)
+#define WEBSDK_DETAIL_PF_CASE_II(c, ...) c,
+
+#define WEBSDK_DETAIL_PF_CASE_NAME(C, row) WEBSDK_DETAIL_PF_CASE_NAME_I(C, WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_PF_CASE_NAME_I(C, ...) WEBSDK_DETAIL_PF_CASE_NAME_II(C, __VA_ARGS__)
+#define WEBSDK_DETAIL_PF_CASE_NAME_II(C, c, ...) ::websdk::RawValue<C>{C::c, #c},
+
+// A row is (case, "function", guard) or (case, "function", guard, "separator", Record, writing...).
+#define WEBSDK_DETAIL_PF_RECORD(...) \
+  __VA_OPT__(WEBSDK_DETAIL_PF_SECOND(__VA_ARGS__, )) WEBSDK_DETAIL_PF_VOID_UNLESS(__VA_ARGS__)
+#define WEBSDK_DETAIL_PF_SECOND(a, b, ...) b
+#define WEBSDK_DETAIL_PF_VOID_UNLESS(...) WEBSDK_DETAIL_PF_VOID_UNLESS_I(__VA_OPT__(, ) void)
+#define WEBSDK_DETAIL_PF_VOID_UNLESS_I(...) WEBSDK_DETAIL_PF_VOID_UNLESS_II(__VA_ARGS__, )
+#define WEBSDK_DETAIL_PF_VOID_UNLESS_II(x, ...) x
+
+#define WEBSDK_DETAIL_PF_CARRIES(C, row) WEBSDK_DETAIL_PF_CARRIES_I(C, WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_PF_CARRIES_I(C, ...) WEBSDK_DETAIL_PF_CARRIES_II(C, __VA_ARGS__)
+#define WEBSDK_DETAIL_PF_CARRIES_II(C, c, name, guard, ...) \
+  , ::websdk::Carries<C::c, WEBSDK_DETAIL_PF_RECORD(__VA_ARGS__)>
+
+#define WEBSDK_DETAIL_PF_ROW(_, row) WEBSDK_DETAIL_PF_ROW_I(WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_PF_ROW_I(...) WEBSDK_DETAIL_PF_ROW_II(__VA_ARGS__)
+#define WEBSDK_DETAIL_PF_ROW_II(c, name, guard, ...) \
+  ::websdk::PageFunction{name, guard __VA_OPT__(, WEBSDK_DETAIL_PF_WRITTEN(__VA_ARGS__))},
+#define WEBSDK_DETAIL_PF_WRITTEN(separator, Record, ...) \
+  separator, { __VA_ARGS__ }
+
+#define WEBSDK_DETAIL_PF_FACTORY(SC, row) WEBSDK_DETAIL_PF_FACTORY_I(SC, WEBSDK_PP_IDENTITY row)
+#define WEBSDK_DETAIL_PF_FACTORY_I(SC, ...) WEBSDK_DETAIL_PF_FACTORY_II(SC, __VA_ARGS__)
+#define WEBSDK_DETAIL_PF_FACTORY_II(SC, c, name, guard, ...)                                           \
+  static constexpr ::websdk::PageCallFactory<WEBSDK_DETAIL_FIRST_OF SC, WEBSDK_DETAIL_SECOND_OF SC::c, \
+                                             WEBSDK_DETAIL_PF_RECORD(__VA_ARGS__)>                     \
+      c{};
+#define WEBSDK_DETAIL_FIRST_OF(a, b) a
+#define WEBSDK_DETAIL_SECOND_OF(a, b) b
+
+/// Declares the page functions native code calls, one row each:
+/// (case, "function", guard) for a call without arguments, or
+/// (case, "function", guard, "separator", Record, writing...) for one whose
+/// case carries `Record`, each member written as its writing says. Declares
+/// the case enumeration `Self##Case` and `Self##Table`: the typed payload
+/// `Payload` that `Self` derives from, `pageFunction(case)`, and one factory
+/// per case, named as the case, taking the record's members in order.
+#define WEBSDK_PAGE_FUNCTIONS(Self, ...)                                                                               \
+  enum class Self##Case{WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CASE, _, __VA_ARGS__)};                                   \
+  constexpr auto rawValues(Self##Case) {                                                                               \
+    return std::to_array<::websdk::RawValue<Self##Case>>(                                                              \
+        {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CASE_NAME, Self##Case, __VA_ARGS__)});                                   \
+  }                                                                                                                    \
+  class Self;                                                                                                          \
+  struct Self##Table {                                                                                                 \
+    using Payload = ::websdk::TaggedPayload<Self, Self##Case WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_CARRIES, Self##Case, \
+                                                                                 __VA_ARGS__)>;                        \
+    static constexpr ::websdk::PageFunction pageFunction(Self##Case c) {                                               \
+      using enum ::websdk::PageArgument;                                                                               \
+      using enum ::websdk::PageCallGuard;                                                                              \
+      constexpr ::websdk::PageFunction rows[] = {WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_ROW, _, __VA_ARGS__)};           \
+      const auto i = static_cast<std::size_t>(c);                                                                      \
+      return i < std::size(rows) ? rows[i] : ::websdk::PageFunction{};                                                 \
+    }                                                                                                                  \
+    WEBSDK_FOR_EACH_ARG(WEBSDK_DETAIL_PF_FACTORY, (Self, Self##Case), __VA_ARGS__)                                     \
+  };
+
+namespace websdk {
+
+// The page functions: adding one is one row. The page client's list
+// (page/src/index.ts) and its typings are generated from this table by
+// `websdk-inspect --catalogue`. searchQueryInput writes only the opening
+// "SEARCH_QUERY_INPUT(": its query carries the rest of the call, its quotes
+// and the closing parenthesis.
+WEBSDK_PAGE_FUNCTIONS(
+    WebSDKJSFunctionType,
+    (keyboardStateChanged, "keyboardStateChanged", whenInWindow, ",", jsfunction::KeyboardState, boolean, number),
+    (onScreenVisibility, "onScreenVisibility", none, ",", jsfunction::ScreenVisibility, boolean),
+    (openDeeplink, "openDeeplink", none, ",", jsfunction::Deeplink, text),
+    (userStateChange, "LOGIN_STATE_CHANGED", none, ",", jsfunction::UserState, quotedBool),
+    (allowNativeBottomBarExit, "allowNativeBottomBarExit", none, ",", jsfunction::PayloadData, text),
+    (searchQueryInput, "SEARCH_QUERY_INPUT", none, ",", jsfunction::SearchQuery, tail),
+    (menuListInteracted, "swipeBottomsheet", none, ",", jsfunction::MenuListInteraction, boolean, boolean),
+    (handlePXSearchActions, "HANDLE_PX_SEARCH_ACTIONS", none, ", ", jsfunction::PXSearchAction, text, text),
+    (updateScratchCardsData, "updateScratchCardsData", none, ",", jsfunction::ScratchCardsData, text),
+    (globalJSBridgeHandler, "globalJSBridgeHandler", none, ",", jsfunction::PayloadData, text),
+    (getPXCartCallback, "BUILD_PX_CART", none), (handleSwipeGesture, "handleHardwareBack", none),
+    (onHalfCardBackgroundTap, "onHalfCardBackgroundTap", none), (updateLocationHeader, "UPDATE_SELECTED_ADDRESS", none),
+    (pageResume, "pageResume", whenDefined))
+
 /// An event native code pushes to the page: a call of one page function, with
-/// the values its case carries. Made by the factory of its case.
-class WEBSDK_EXPORT WebSDKJSFunctionType
-    : public TaggedPayload<WebSDKJSFunctionType, WebSDKJSFunctionTypeCase,
-                           Carries<WebSDKJSFunctionTypeCase::keyboardStateChanged, jsfunction::KeyboardState>,
-                           Carries<WebSDKJSFunctionTypeCase::onScreenVisibility, jsfunction::ScreenVisibility>,
-                           Carries<WebSDKJSFunctionTypeCase::openDeeplink, jsfunction::Deeplink>,
-                           Carries<WebSDKJSFunctionTypeCase::userStateChange, jsfunction::UserState>,
-                           Carries<WebSDKJSFunctionTypeCase::allowNativeBottomBarExit, jsfunction::PayloadData>,
-                           Carries<WebSDKJSFunctionTypeCase::searchQueryInput, jsfunction::SearchQuery>,
-                           Carries<WebSDKJSFunctionTypeCase::menuListInteracted, jsfunction::MenuListInteraction>,
-                           Carries<WebSDKJSFunctionTypeCase::handlePXSearchActions, jsfunction::PXSearchAction>,
-                           Carries<WebSDKJSFunctionTypeCase::updateScratchCardsData, jsfunction::ScratchCardsData>,
-                           Carries<WebSDKJSFunctionTypeCase::globalJSBridgeHandler, jsfunction::PayloadData>> {
+/// the values its case carries. Made by the factory of its case
+/// (`WebSDKJSFunctionType::keyboardStateChanged(true, 320)`), each one a row of
+/// the table above.
+class WEBSDK_EXPORT WebSDKJSFunctionType : public WebSDKJSFunctionTypeTable::Payload, public WebSDKJSFunctionTypeTable {
  public:
-  /// The event of the case of the same name, carrying these values.
-  ///@{
-  static WebSDKJSFunctionType keyboardStateChanged(bool visible, double height) {
-    return make<Case::keyboardStateChanged>({visible, height});
-  }
-  static WebSDKJSFunctionType onScreenVisibility(bool isVisible) { return make<Case::onScreenVisibility>({isVisible}); }
-  static WebSDKJSFunctionType openDeeplink(std::string url) { return make<Case::openDeeplink>({std::move(url)}); }
-  static WebSDKJSFunctionType userStateChange(bool loggedin) { return make<Case::userStateChange>({loggedin}); }
-  static WebSDKJSFunctionType allowNativeBottomBarExit(std::string payloadData) {
-    return make<Case::allowNativeBottomBarExit>({std::move(payloadData)});
-  }
-  ///@}
-  /// Only the opening "SEARCH_QUERY_INPUT(" is written: `query` carries the
-  /// rest of the call, its quotes and the closing parenthesis.
-  static WebSDKJSFunctionType searchQueryInput(std::string query) {
-    return make<Case::searchQueryInput>({std::move(query)});
-  }
-  /// The event of the case of the same name, carrying these values (if any).
-  ///@{
-  static WebSDKJSFunctionType menuListInteracted(bool playVideo, bool menuClick) {
-    return make<Case::menuListInteracted>({playVideo, menuClick});
-  }
-  static WebSDKJSFunctionType handlePXSearchActions(std::string query, std::string type) {
-    return make<Case::handlePXSearchActions>({std::move(query), std::move(type)});
-  }
-  static WebSDKJSFunctionType updateScratchCardsData(std::string cardData) {
-    return make<Case::updateScratchCardsData>({std::move(cardData)});
-  }
-  static WebSDKJSFunctionType globalJSBridgeHandler(std::string payloadData) {
-    return make<Case::globalJSBridgeHandler>({std::move(payloadData)});
-  }
-  static WebSDKJSFunctionType getPXCartCallback() { return make<Case::getPXCartCallback>(); }
-  static WebSDKJSFunctionType handleSwipeGesture() { return make<Case::handleSwipeGesture>(); }
-  static WebSDKJSFunctionType onHalfCardBackgroundTap() { return make<Case::onHalfCardBackgroundTap>(); }
-  static WebSDKJSFunctionType updateLocationHeader() { return make<Case::updateLocationHeader>(); }
-  static WebSDKJSFunctionType pageResume() { return make<Case::pageResume>(); }
-  ///@}
-
-  /// The page function case C calls.
-  static constexpr PageFunction pageFunction(Case c) {
-    using enum PageArgument;
-    using enum PageCallGuard;
-    switch (c) {
-      case Case::keyboardStateChanged: return {"keyboardStateChanged", whenInWindow, ",", {boolean, number}};
-      case Case::onScreenVisibility: return {"onScreenVisibility", none, ",", {boolean}};
-      case Case::openDeeplink: return {"openDeeplink", none, ",", {text}};
-      case Case::userStateChange: return {"LOGIN_STATE_CHANGED", none, ",", {quotedBool}};
-      case Case::allowNativeBottomBarExit: return {"allowNativeBottomBarExit", none, ",", {text}};
-      case Case::searchQueryInput: return {"SEARCH_QUERY_INPUT", none, ",", {tail}};
-      case Case::menuListInteracted: return {"swipeBottomsheet", none, ",", {boolean, boolean}};
-      case Case::handlePXSearchActions: return {"HANDLE_PX_SEARCH_ACTIONS", none, ", ", {text, text}};
-      case Case::updateScratchCardsData: return {"updateScratchCardsData", none, ",", {text}};
-      case Case::globalJSBridgeHandler: return {"globalJSBridgeHandler", none, ",", {text}};
-      case Case::getPXCartCallback: return {"BUILD_PX_CART"};
-      case Case::handleSwipeGesture: return {"handleHardwareBack"};
-      case Case::onHalfCardBackgroundTap: return {"onHalfCardBackgroundTap"};
-      case Case::updateLocationHeader: return {"UPDATE_SELECTED_ADDRESS"};
-      case Case::pageResume: return {"pageResume", whenDefined};
-    }
-    return {};
-  }
-
   /// The same call with each text argument written as a JSON string literal
   /// ("O'Brien" arrives as O'Brien, whatever it holds), to the same page
   /// function. Use it for any text the app does not control.

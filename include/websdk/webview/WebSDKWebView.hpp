@@ -238,7 +238,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// Encodes `response`, evaluates it on the main queue in the document that
   /// asked (`document`, or the one that sent `response.requestId`), and tells
   /// the listener on the calling thread. An answer whose document is gone is
-  /// dropped. Every answer but the ready-encoded one goes this way.
+  /// dropped.
   void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt) override;
 
   // ---- State -----------------------------------------------------------------
@@ -308,9 +308,15 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
     std::optional<DocumentID> document;
     std::uint64_t serial = 0;
     bool abandoned = false;
+    // Evaluated at once (the caller is on the UI thread), its evaluation
+    // errors logged; the listener is not told, and resetWebView() holds no sway.
+    bool readyEncoded = false;
   };
-  /// The one way every answer but the ready-encoded one goes to the page.
+  /// The one way every answer goes to the page: checked, and carried to the
+  /// main queue unless ready-encoded.
   void send(WebSDKResponseModel response, AnswerRoute route);
+  /// Finds the answer's document and evaluates it there, or drops it. UI thread.
+  void evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route);
   /// The document that asked `requestId`: of several, the one shown, else the
   /// oldest (each forgotten once answered); for an id never asked, the
   /// document shown if it is whitelisted. UI thread.

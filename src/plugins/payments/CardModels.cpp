@@ -6,43 +6,60 @@ namespace websdk {
 
 using EligibilityResponse = WebSDKGetOneClickCardEligibilityResponseModel;
 
+namespace {
+using Detail = EligibilityResponse::CardEligiblityDetail;
+
+// A card as the provider answers it: its fingerprint is its "cardAlias".
+struct ProviderCard {
+  EligibilityResponse::CheckType checkType{};
+  std::string cardBin{};
+  std::string cardFingerPrint{};
+  WEBSDK_MODEL(ProviderCard, needsPayload, (checkType, model, required), (cardBin, strictString, required),
+               (cardFingerPrint, strictString, "cardAlias", required, sensitive))
+};
+
+// The provider's answer: one unreadable card does not hide the others.
+struct ProviderAnswer {
+  std::vector<ProviderCard> cards;
+  WEBSDK_MODEL(ProviderAnswer, anyPayload, (cards, modelsThatDecode, "payload.cards", required))
+};
+
+// The model's own encoding.
+struct Encoded {
+  std::vector<Detail> cardEligiblityDetails;
+  WEBSDK_MODEL(Encoded, needsPayload, (cardEligiblityDetails, modelList, required))
+};
+
+// A card as the page gets it back: the provider's vocabulary, "check_type" and "cardAlias".
+struct PageCard {
+  EligibilityResponse::CheckType checkType{};
+  std::string cardBin{};
+  std::string cardFingerPrint{};
+  WEBSDK_KEYED_RECORD(PageCard, (checkType, "check_type"), (cardBin, "cardBin"), (cardFingerPrint, "cardAlias"))
+};
+}  // namespace
+
 std::optional<EligibilityResponse> EligibilityResponse::from(const std::optional<JSONObject>& answer) {
-  const JSON* cardsValue = Fields(answer).nested("payload")["cards"];
-  const auto* cards = cardsValue ? cardsValue->if_array() : nullptr;
-  if (cards == nullptr) return std::nullopt;
+  auto read = ProviderAnswer::from(answer);
+  if (!read || read->cards.empty()) return std::nullopt;
   EligibilityResponse model;
-  for (const auto& card : *cards) {
-    const Fields c = Fields::of(&card);
-    auto cardBin = c.strictString("cardBin");
-    auto cardAlias = c.strictString("cardAlias");
-    const JSON* checkTypeValue = c["checkType"];
-    auto checkType = checkTypeValue ? CheckType::decode(*checkTypeValue) : std::nullopt;
-    if (!cardBin || !cardAlias || !checkType) continue;  // one unreadable card does not hide the others
-    model.cardEligiblityDetails.push_back({std::move(*checkType), std::move(*cardBin), std::move(*cardAlias)});
-  }
-  if (model.cardEligiblityDetails.empty()) return std::nullopt;
+  for (auto& card : read->cards)
+    model.cardEligiblityDetails.push_back(
+        {std::move(card.checkType), std::move(card.cardBin), std::move(card.cardFingerPrint)});
   return model;
 }
 
 std::optional<EligibilityResponse> EligibilityResponse::decode(const JSON& value) {
-  const auto* object = value.if_object();
-  if (object == nullptr) return std::nullopt;
-  auto details =
-      reading::modelList.read<std::vector<CardEligiblityDetail>>(object->if_contains("cardEligiblityDetails"));
-  if (!details) return std::nullopt;
-  return EligibilityResponse{std::move(*details)};
+  auto read = Encoded::decode(value);
+  if (!read) return std::nullopt;
+  return EligibilityResponse{std::move(read->cardEligiblityDetails)};
 }
 
 std::vector<JSONObject> EligibilityResponse::getCardEligiblityDetailsDict() const {
   std::vector<JSONObject> out;
   out.reserve(cardEligiblityDetails.size());
-  for (const auto& detail : cardEligiblityDetails) {
-    JSONObject d;
-    d.emplace("check_type", toJSONObject(detail.checkType, FieldNaming::names));
-    d.emplace("cardBin", detail.cardBin);
-    d.emplace("cardAlias", detail.cardFingerPrint);
-    out.push_back(std::move(d));
-  }
+  for (const auto& detail : cardEligiblityDetails)
+    out.push_back(toJSONObject(PageCard{detail.checkType, detail.cardBin, detail.cardFingerPrint}));
   return out;
 }
 

@@ -52,10 +52,8 @@ struct WEBSDK_EXPORT WebSDKJuspayNBRequestModel {
   std::string juspayClientAuthToken;
   ///@}
 
-  WEBSDK_MODEL(WebSDKJuspayNBRequestModel, within("juspayParams"),
-               (orderId, strictString, "juspayParams.orderId", required),
-               (returnUrl, strictString, "juspayParams.returnUrl"), (bankCode, strictString, "juspayParams.bankCode"),
-               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken", sensitive))
+  WEBSDK_MODEL(WebSDKJuspayNBRequestModel, inside("juspayParams"), (orderId, strictString, required),
+               (returnUrl, strictString), (bankCode, strictString), (juspayClientAuthToken, strictString, sensitive))
 };
 
 /// "PAY_USING_JUSPAY_NEW_CARD", read from "juspayParams". Fails without that
@@ -91,26 +89,16 @@ struct WEBSDK_EXPORT WebSDKJuspayNewCardRequestModel {
   std::optional<std::int64_t> emiTenure;
   ///@}
 
-  WEBSDK_MODEL(WebSDKJuspayNewCardRequestModel, within("juspayParams"),
-               (cardToken, strictString, "juspayParams.cardToken", sensitive),
-               (returnUrl, strictString, "juspayParams.returnUrl"),
-               (orderId, strictString, "juspayParams.orderId", required),
-               (cardSecurityCode, strictString, "juspayParams.cardSecurityCode", sensitive),
-               (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
-               (cardNumber, strictString, "juspayParams.cardNumber", sensitive),
-               (cardExpMonth, strictString, "juspayParams.cardExpMonth", sensitive),
-               (cardExpYear, strictString, "juspayParams.cardExpYear", sensitive),
-               (nameOnCard, strictString, "juspayParams.nameOnCard", sensitive),
-               (saveToLocker, strictBool, "juspayParams.saveToLocker"),
-               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken", sensitive),
-               (authTypeForCard, strictString, "juspayParams.authTypeForCard"),
-               (tokenize, lenientBool, "juspayParams.tokenize"), (cardBin, strictString, "juspayParams.cardBin"),
-               (paymentMethod, strictString, "juspayParams.paymentMethod"),
-               (nickname, strictString, "juspayParams.nickname"),
-               (orderAmount, strictString, "juspayParams.orderAmount"), (emiBank, strictString, "juspayParams.emiBank"),
-               (isEmi, strictBool, "juspayParams.isEmi"),
-               (supportedGatewayIds, intList, "juspayParams.supportedGatewayIds", orEmpty),
-               (emiType, strictString, "juspayParams.emiType"), (emiTenure, integer, "juspayParams.emiTenure"))
+  WEBSDK_MODEL(WebSDKJuspayNewCardRequestModel, inside("juspayParams"), (cardToken, strictString, sensitive),
+               (returnUrl, strictString), (orderId, strictString, required),
+               (cardSecurityCode, strictString, sensitive), (paymentMethodType, strictString),
+               (cardNumber, strictString, sensitive), (cardExpMonth, strictString, sensitive),
+               (cardExpYear, strictString, sensitive), (nameOnCard, strictString, sensitive),
+               (saveToLocker, strictBool), (juspayClientAuthToken, strictString, sensitive),
+               (authTypeForCard, strictString), (tokenize, lenientBool), (cardBin, strictString),
+               (paymentMethod, strictString), (nickname, strictString), (orderAmount, strictString),
+               (emiBank, strictString), (isEmi, strictBool), (supportedGatewayIds, intList, orEmpty),
+               (emiType, strictString), (emiTenure, integer))
 };
 
 /// A saved card's network-token metadata. Never fails: every field is set,
@@ -160,23 +148,14 @@ struct WEBSDK_EXPORT WebSDKJuspaySavedCardRequestModel {
   std::optional<JuspayMetaDataModel> juspayMetaData;
   ///@}
 
-  WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, within("juspayParams"),
-               (cardToken, strictString, "juspayParams.cardToken", sensitive),
-               (returnUrl, strictString, "juspayParams.returnUrl"),
-               (orderId, strictString, "juspayParams.orderId", required),
-               (cardSecurityCode, strictString, "juspayParams.cardSecurityCode", sensitive),
-               (paymentMethodType, strictString, "juspayParams.paymentMethodType"),
-               (juspayClientAuthToken, strictString, "juspayParams.juspayClientAuthToken", sensitive),
-               (authTypeForCard, strictString, "juspayParams.authTypeForCard"),
-               (tokenize, lenientBool, "juspayParams.tokenize"), (cardBin, strictString, "juspayParams.cardBin"),
-               (paymentMethod, strictString, "juspayParams.paymentMethod"),
-               (saveToLocker, lenientBool, "juspayParams.saveToLocker"),
-               (orderAmount, strictString, "juspayParams.orderAmount"), (emiBank, strictString, "juspayParams.emiBank"),
-               (isEmi, strictBool, "juspayParams.isEmi"),
-               (supportedGatewayIds, intList, "juspayParams.supportedGatewayIds", orEmpty),
-               (emiType, strictString, "juspayParams.emiType"), (emiTenure, integer, "juspayParams.emiTenure"),
-               (tokenRequester, strictString, "juspayParams.tokenRequester"),
-               (juspayMetaData, model, "juspayParams.juspayMetaData"))
+  WEBSDK_MODEL(WebSDKJuspaySavedCardRequestModel, inside("juspayParams"), (cardToken, strictString, sensitive),
+               (returnUrl, strictString), (orderId, strictString, required),
+               (cardSecurityCode, strictString, sensitive), (paymentMethodType, strictString),
+               (juspayClientAuthToken, strictString, sensitive), (authTypeForCard, strictString),
+               (tokenize, lenientBool), (cardBin, strictString), (paymentMethod, strictString),
+               (saveToLocker, lenientBool), (orderAmount, strictString), (emiBank, strictString), (isEmi, strictBool),
+               (supportedGatewayIds, intList, orEmpty), (emiType, strictString), (emiTenure, integer),
+               (tokenRequester, strictString), (juspayMetaData, model))
 };
 
 /// The CRED wallet's payment parameters; `authToken` from "clientAuthToken".

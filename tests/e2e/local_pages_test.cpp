@@ -10,7 +10,7 @@
 namespace websdk::e2e {
 namespace {
 
-class CartPlugin final : public DvCartWebViewCallBacks {
+class PagesCartPlugin final : public DvCartWebViewCallBacks {
  public:
   std::weak_ptr<WebSDKWebView> view;
   std::vector<std::string> ids;
@@ -149,7 +149,7 @@ function done(what, value) {
   }
 
   std::map<std::string, std::vector<Asked>> asked;
-  std::shared_ptr<CartPlugin> cart = std::make_shared<CartPlugin>();
+  std::shared_ptr<PagesCartPlugin> cart = std::make_shared<PagesCartPlugin>();
 };
 
 // The app's headers reach the pages' own handler only where the whitelist

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace websdk {
+namespace websdk::machinery_test {
 namespace {
 
 enum class Colour { red, darkBlue };
@@ -94,4 +94,4 @@ TEST(TypedPayloads, TheCaseTagNotTheCarriedTypeSaysWhichCase) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::machinery_test

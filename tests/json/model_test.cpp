@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace websdk {
+namespace websdk::model_test {
 namespace {
 
 enum class Size { small, large };
@@ -109,4 +109,4 @@ TEST(Model, ItsSchemaIsTheDeclarationAsData) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::model_test

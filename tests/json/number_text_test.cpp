@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-namespace websdk {
+namespace websdk::number_text_test {
 namespace {
 
 constexpr double kTwo54 = 18014398509481984.0;
@@ -146,4 +146,4 @@ TEST(Representable, FiniteValuesRenderAsThePrettyText) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::number_text_test

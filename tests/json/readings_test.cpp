@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-namespace websdk {
+namespace websdk::readings_test {
 namespace {
 
 struct Row {
@@ -166,4 +166,4 @@ TEST(Serialize, PrettyTextParsesBackToTheSameValue) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::readings_test

@@ -1,6 +1,6 @@
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::accounts_test {
 namespace {
 
 using P = WebSDKAccountsRequestPayload;
@@ -21,4 +21,4 @@ TEST(Accounts, EveryActionDecodesThroughTheBridge) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::accounts_test

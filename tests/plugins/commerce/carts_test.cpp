@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace websdk {
+namespace websdk::carts_test {
 namespace {
 
 TEST(Carts, MainCartRequestsDecodeAsStated) {
@@ -98,4 +98,4 @@ TEST(Carts, PublicReadersDecodeAPayloadTheHostHolds) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::carts_test

@@ -1,6 +1,6 @@
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::chat_conversation_test {
 namespace {
 
 using P = WebSDKChatConversationRequestPayload;
@@ -32,4 +32,4 @@ TEST(ChatConversation, TheRawPayloadReachesThePluginUntouched) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::chat_conversation_test

@@ -3,7 +3,7 @@
 
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::commerce_families_test {
 namespace {
 
 struct Unsubscribed {
@@ -31,4 +31,4 @@ TEST(CommerceFamilies, EachFamilyWithoutAPluginAnswersWithItsOwnMessage) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::commerce_families_test

@@ -1,6 +1,6 @@
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::menu_list_test {
 namespace {
 
 using P = WebSDKMenuListPayload;
@@ -25,4 +25,4 @@ TEST(MenuList, EveryActionDecodesThroughTheBridge) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::menu_list_test

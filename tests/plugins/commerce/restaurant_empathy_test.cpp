@@ -1,6 +1,6 @@
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::restaurant_empathy_test {
 namespace {
 
 using P = WebSDKRestaurantEmpathyRequestPayload;
@@ -97,4 +97,4 @@ TEST(RestaurantEmpathyData, DecodingNeedsEveryRequiredKeyWithItsType) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::restaurant_empathy_test

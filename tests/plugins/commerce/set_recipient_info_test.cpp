@@ -1,6 +1,6 @@
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::set_recipient_info_test {
 namespace {
 
 using P = WebSDKSetRecipientInfoRequestPayload;
@@ -22,4 +22,4 @@ TEST(SetRecipientInfo, DecodesThroughTheBridgeWithFlowDataAlwaysBuilt) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::set_recipient_info_test

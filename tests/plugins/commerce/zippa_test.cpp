@@ -1,6 +1,6 @@
 #include "support/Decoding.hpp"
 
-namespace websdk {
+namespace websdk::zippa_test {
 namespace {
 
 using P = WebSDKZippaRequestPayload;
@@ -31,4 +31,4 @@ TEST(Zippa, EveryActionDecodesThroughTheBridge) {
 }
 
 }  // namespace
-}  // namespace websdk
+}  // namespace websdk::zippa_test

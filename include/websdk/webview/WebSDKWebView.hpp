@@ -261,8 +261,8 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// How the answers given so far matched the page's requests. UI thread.
   WebSDKAnswerCounts answerCounts() const;
 
-  // The engine's events (also callable by a host that drives zooming itself):
-  // whether the pinch starting may go on.
+  /// The engine asks this as a pinch starts (a host that drives zooming itself
+  /// may ask too): whether the pinch may go on, which is pinchGestureEnable().
   bool scrollViewWillBeginZooming();
 
  private:

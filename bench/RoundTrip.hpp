@@ -4,6 +4,7 @@
 // bench brings its floor, its WebSDK side and the rig that shows both.
 
 #include "websdk/bridge/families/Cart.hpp"
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include <benchmark/benchmark.h>

@@ -15,6 +15,7 @@
 #include "websdk/bridge/Families.hpp"
 #include "websdk/testing/TestingEngine.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
+#include "websdk/webview/WebViewInternals.hpp"
 
 #include <benchmark/benchmark.h>
 #include <boost/json/parse.hpp>
@@ -84,7 +85,7 @@ void Intake(benchmark::State& state, const std::string& text, Recorded recorded)
   view->setCartPlugin(plugins);
   view->setMenuListPlugin(plugins);
   const ScriptMessage message{"nativeRequest", JSONObject{{"message", text}}, raw->topOrigin()};
-  for (auto _ : state) view->handler()->userContentController(message);
+  for (auto _ : state) WebViewInternals::handler(*view)->userContentController(message);
   if (raw->queue().pending() != 0) state.SkipWithError("the request was not delivered");
   state.SetLabel(std::to_string(text.size()) + " bytes");
   view.reset();
@@ -125,7 +126,7 @@ void Answer(benchmark::State& state, bool byReply) {
   view->setCartPlugin(cart);
   const ScriptMessage message{"nativeRequest", JSONObject{{"message", kCart}}, raw->topOrigin()};
   for (auto _ : state) {
-    view->handler()->userContentController(message);
+    WebViewInternals::handler(*view)->userContentController(message);
     raw->queue().drain();
   }
   if (view->answerCounts().expected != static_cast<std::uint64_t>(state.iterations()))

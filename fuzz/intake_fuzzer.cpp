@@ -10,6 +10,7 @@
 
 #include "websdk/testing/EveryFamilyHost.hpp"
 #include "websdk/testing/TestingEngine.hpp"
+#include "websdk/webview/WebViewInternals.hpp"
 
 #include <cstdint>
 #include <cstdlib>
@@ -128,7 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const JSON* message = body.is_object() ? body.get_object().if_contains("message") : nullptr;
   const bool wellFormed = !(flags & otherName) && message != nullptr && message->is_string();
 
-  view->handler()->userContentController(ScriptMessage{name, body, engine.topOrigin()});
+  WebViewInternals::handler(*view)->userContentController(ScriptMessage{name, body, engine.topOrigin()});
   engine.queue().drain();
 
   const auto evaluations = engine.evaluations();

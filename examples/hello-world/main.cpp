@@ -4,6 +4,7 @@
 #include <websdk/bridge/families/Cart.hpp>
 #include <websdk/webkitgtk/Native.hpp>
 #include <websdk/webview/LocalPages.hpp>
+#include <websdk/webview/WebSDKNavigationDelegate.hpp>
 #include <websdk/webview/WebSDKWebView.hpp>
 
 using namespace websdk;

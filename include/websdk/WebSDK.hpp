@@ -5,8 +5,12 @@
 /// websdk/webview/WebSDKWebView.hpp and those families' headers
 /// (websdk/bridge/families/) alone.
 
+#include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
+#include "websdk/bridge/WebSDKScriptHandler.hpp"
+#include "websdk/webview/WebEngine.hpp"
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKRequestHeaders.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 

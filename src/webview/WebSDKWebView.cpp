@@ -3,13 +3,21 @@
 #include "../LogText.hpp"
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
+#include "websdk/bridge/WebSDKScriptHandler.hpp"
+#include "websdk/webview/WebEngine.hpp"
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKTrafficRecorder.hpp"
+#include "websdk/webview/WebViewInternals.hpp"
 
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <deque>
+#include <unordered_map>
+#include <utility>
 
 namespace websdk {
 namespace {
@@ -38,6 +46,165 @@ std::optional<std::string> headerTextBreaks(std::string_view text) {
   const char c = text[at];
   const char* what = c == '\'' ? "a single quote" : c == '\\' ? "a backslash" : "a line break";
   return std::string(what) + " at byte " + std::to_string(at);
+}
+}  // namespace
+
+// The view's engine client and the bridge's view, with everything the view
+// keeps: the public class holds only this.
+struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
+  Impl(WebSDKWebView& view, std::unique_ptr<WebEngine> engine, std::string name);
+
+  WebSDKWebView& self;
+  // The view's public fields, read as before by the code below.
+  const WebSDKConfig& webSDKConfig;
+  std::weak_ptr<WebSDKNavigationDelegate>& webSDKNavigationDelegate;
+  std::weak_ptr<WebSDKJSCommunicationProtocol>& webJSCommunicatorDelegate;
+
+  /// The view's part, held as long as the view is: what a queued task locks.
+  std::weak_ptr<Impl> weak_from_this() const;
+
+  void loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
+                   const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval);
+  void executeJSScript(const WebSDKAppFunctions& type);
+  std::vector<WebSDKPendingRequest> pendingRequests() const;
+
+  // ---- The engine's client --------------------------------------------------
+  void didStartProvisionalNavigation(const WebSDKNavigation* navigation) override;
+  void didFinish(const WebSDKNavigation* navigation) override;
+  void didFail(const WebSDKNavigation* navigation, const WebSDKError& error) override;
+  void didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) override;
+  void decidePolicyFor(const WebSDKNavigationAction& action, WebSDKNavigationActionDecision decisionHandler) override;
+  void decidePolicyFor(const WebSDKNavigationResponse& response,
+                       WebSDKNavigationResponseDecision decisionHandler) override;
+  void didReceive(const WebSDKAuthenticationChallenge& challenge,
+                  WebSDKAuthChallengeCompletion completionHandler) override;
+  bool scrollViewWillBeginZooming() override;
+
+  // ---- The bridge's view ----------------------------------------------------
+  const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
+  void deliver(WebSDKResponseModel response, std::optional<DocumentID> document) override {
+    send(std::move(response), Impl::AnswerRoute{document});
+  }
+  std::uint64_t expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
+                             std::string_view action) override;
+  void answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial, bool abandoned) override;
+  void refuseRepeatedAnswer(const std::string& requestId) override;
+  std::string_view viewName() const override { return name_; }
+
+  void respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
+               std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage);
+  /// Where an answer goes: a document named by the bridge, the request a
+  /// reply is bound to, or (neither) whichever document asked the id.
+  struct AnswerRoute {
+    std::optional<DocumentID> document;
+    std::uint64_t serial = 0;
+    bool abandoned = false;
+    // Evaluated at once (the caller is on the UI thread), its evaluation
+    // errors logged; the listener is not told, and resetWebView() holds no sway.
+    bool readyEncoded = false;
+  };
+  /// The one way every answer goes to the page: checked, and carried to the
+  /// main queue unless ready-encoded.
+  void send(WebSDKResponseModel response, AnswerRoute route);
+  /// Finds the answer's document and evaluates it there, or drops it. UI thread.
+  void evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route);
+  /// The document that asked `requestId`: of several, the one shown, else the
+  /// oldest (each forgotten once answered); for an id never asked, the
+  /// document shown if it is whitelisted. UI thread.
+  std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
+  /// The same for the answer of a reply bound to request `serial` of
+  /// `document`: that document, once. UI thread.
+  std::optional<DocumentID> boundTarget(const std::string& requestId, DocumentID document, std::uint64_t serial,
+                                        bool abandoned, WebSDKDropReason& why);
+  /// An answer to an id nobody waits for: dropped as late when the document
+  /// that last asked it is gone, else an unasked answer. UI thread.
+  std::optional<DocumentID> unaskedTarget(const std::string& requestId, std::optional<DocumentID> bound,
+                                          WebSDKDropReason& why);
+  /// The committed document shown, if its host is whitelisted. UI thread.
+  std::optional<DocumentID> trustedDocumentShown();
+  /// Warns, once per view, of a push whose text would break out of its quotes.
+  void warnOfBreakingText(const WebSDKJSFunctionType& type);
+  bool toldBreakingPush_ = false;  // UI thread only
+  /// Evaluates a pushed call in the document shown, if it is whitelisted.
+  void push(std::string script, ScriptCompletion completion);
+  void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
+  /// A completion that tells the listener when `response` never ran.
+  ScriptCompletion dropNotice(WebSDKResponseModel response);
+
+  bool pinchGestureEnable_ = false;
+  bool javaScriptEnabled_ = true;
+  bool suppressesIncrementalRendering_ = true;
+  /// Says when a family's plugin comes too late (the page already got 1004
+  /// for want of it) or is released before the page can use it (the view
+  /// holds it weakly: a temporary dies at once).
+  void registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin);
+  /// Says, once the caller's turn is over, when what the host handed over is
+  /// gone already: nobody but the view was holding it.
+  void watchHeld(std::string what, std::weak_ptr<const void> object);
+  /// Says what in the settings the view was made with cannot work as meant.
+  void checkSettings(const WebSDKConfig& given) const;
+  /// A delegate and a listener handed to create() that nothing else held.
+  std::shared_ptr<WebSDKNavigationDelegate> keptDelegate_;
+  std::shared_ptr<WebSDKJSCommunicationProtocol> keptListener_;
+  /// Set by resetWebView(): answers after it are dropped, and said once.
+  std::atomic<bool> detached_{false}, toldDetached_{false};
+  /// Tells `message` through the log, naming this view.
+  void say(LogLevel level, std::string_view topic, std::string_view message) const;
+
+  const std::string name_;
+  const std::shared_ptr<WebSDKScriptHandler> handler_;
+  const std::unique_ptr<WebEngine> engine_;
+  // Requests handed to plugins and not yet answered, oldest first per id (a
+  // page may reuse an id). UI thread only.
+  struct Awaiting {
+    DocumentID document;
+    std::string_view family, action;
+    std::chrono::steady_clock::time_point askedAt;
+    std::uint64_t serial;  // tells a reused id's requests apart at their deadline
+  };
+  std::uint64_t lastSerial_ = 0;
+  /// Request `serial` (id `requestId`) reached its family's deadline `limit`:
+  /// reported if still unanswered, and failed when the view is set to.
+  void answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit);
+  std::unordered_map<std::string, std::deque<Awaiting>> awaiting_;
+  std::size_t awaitingCount_ = 0;
+  /// Takes the request `asked` of `requests` (of id `requestId`) off the
+  /// waiting list and remembers who asked it.
+  void settle(const std::string& requestId, std::deque<Awaiting>& requests, std::deque<Awaiting>::iterator asked);
+  // Ids answered or failed lately, with the document that asked each: a
+  // duplicate or late answer to a document gone goes nowhere, never to the
+  // next page. Bounded in count and age. UI thread only.
+  struct Settled {
+    DocumentID document;
+    std::chrono::steady_clock::time_point at;
+  };
+  std::unordered_map<std::string, Settled> settled_;
+  std::deque<std::pair<std::string, std::chrono::steady_clock::time_point>> settledOrder_;
+  WebSDKAnswerCounts answerCounts_;
+  // The last document found on a whitelisted host. UI thread only.
+  DocumentID trustedDocument_ = 0;
+  // Whether a navigation was seen waiting for want of a delegate. UI thread only.
+  bool toldNoDelegate_ = false;
+  // Set when the view records its traffic (WebSDKConfig::recording, or WEBSDK_RECORD).
+  std::shared_ptr<WebSDKTrafficRecorder> recorder_;
+  /// The URL shown, for a recording's lines. UI thread.
+  std::string shownURL() const {
+    const auto shown = engine_->url();
+    return shown ? std::string(*shown) : std::string();
+  }
+};
+
+namespace {
+/// Called off the UI thread, posts `operation` to it (in order with every
+/// other task there) and says so; on the UI thread, says no.
+template <class Operation>
+bool carriedToUIThread(WebSDKWebView& view, Operation operation) {
+  MainQueue& queue = view.engine().mainQueue();
+  if (queue.isUIThread()) return false;
+  queue.post([weak = view.weak_from_this(), operation = std::move(operation)]() mutable {
+    if (const auto v = weak.lock()) operation(*v);
+  });
+  return true;
 }
 }  // namespace
 
@@ -85,7 +252,7 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
   // thread: engines may be touched nowhere else.
   auto view =
       std::shared_ptr<WebSDKWebView>(new WebSDKWebView(Passkey{}, std::move(engine), config), [](WebSDKWebView* v) {
-        MainQueue& queue = v->engine_->mainQueue();
+        MainQueue& queue = v->engine().mainQueue();
         if (queue.isUIThread()) {
           delete v;
         } else {
@@ -93,24 +260,25 @@ std::shared_ptr<WebSDKWebView> WebSDKWebView::create(
         }
       });
   // Wiring needs the shared owner, so it happens once the view exists.
-  WebSDKScriptHandler& h = *view->handler_;
-  h.webview = std::shared_ptr<BridgeView>(view, static_cast<BridgeView*>(view.get()));
+  Impl& m = *view->impl_;
+  WebSDKScriptHandler& h = *m.handler_;
+  h.webview = std::shared_ptr<BridgeView>(view, &m);
   view->setPlugin<GenericFamily>(genericDelegate);
   view->setPlugin<PaymentsFamily>(paymentsDelegate);
   h.listener =
       std::shared_ptr<const std::weak_ptr<WebSDKJSCommunicationProtocol>>(view, &view->webJSCommunicatorDelegate);
-  h.trafficRecorder = view->recorder_;
+  h.trafficRecorder = m.recorder_;
   view->webSDKNavigationDelegate = webViewDelegate;
   view->setPlugin<SetRecipientInfoFamily>(setRecipientInfoDelegate);
   view->webJSCommunicatorDelegate = webJSCommunicationDelegate;
-  view->engine_->setClient(view.get());
+  m.engine_->setClient(&m);
   // The view holds its delegate and listener weakly. One that nothing else
   // holds (std::make_shared<...>() written into the call) would die before
   // the first navigation, and the view with it would stay blank: the view
   // keeps such a one itself.
-  if (webViewDelegate.use_count() == 1) view->keptDelegate_ = webViewDelegate;
-  if (webJSCommunicationDelegate.use_count() == 1) view->keptListener_ = webJSCommunicationDelegate;
-  view->checkSettings(config);
+  if (webViewDelegate.use_count() == 1) m.keptDelegate_ = webViewDelegate;
+  if (webJSCommunicationDelegate.use_count() == 1) m.keptListener_ = webJSCommunicationDelegate;
+  m.checkSettings(config);
   return view;
 }
 
@@ -165,7 +333,14 @@ std::string nameFor(const WebSDKConfig& config) {
 
 WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const WebSDKConfig& config)
     : webSDKConfig(forEngine(config, *engine)),
-      name_(nameFor(config)),
+      impl_(std::make_unique<Impl>(*this, std::move(engine), nameFor(config))) {}
+
+WebSDKWebView::Impl::Impl(WebSDKWebView& view, std::unique_ptr<WebEngine> engine, std::string name)
+    : self(view),
+      webSDKConfig(view.webSDKConfig),
+      webSDKNavigationDelegate(view.webSDKNavigationDelegate),
+      webJSCommunicatorDelegate(view.webJSCommunicatorDelegate),
+      name_(std::move(name)),
       handler_(std::make_shared<WebSDKScriptHandler>()),
       engine_(std::move(engine)),
       recorder_(recorderFor(webSDKConfig)) {
@@ -177,23 +352,29 @@ WebSDKWebView::WebSDKWebView(Passkey, std::unique_ptr<WebEngine> engine, const W
 
 WebSDKWebView::~WebSDKWebView() = default;
 
-void WebSDKWebView::say(LogLevel level, std::string_view topic, std::string_view message) const {
+std::weak_ptr<WebSDKWebView::Impl> WebSDKWebView::Impl::weak_from_this() const {
+  // The view owns its part: a task that holds one holds the other.
+  if (const auto view = self.weak_from_this().lock()) return std::shared_ptr<Impl>(view, view->impl_.get());
+  return {};
+}
+
+void WebSDKWebView::Impl::say(LogLevel level, std::string_view topic, std::string_view message) const {
   log(level, topic, name_, message);
 }
 
 // Everything that touches the engine runs on the UI thread: a call from
 // another thread is carried there, in order with the rest of its work.
 void WebSDKWebView::addWebSDKScriptHandler() {
-  if (carriedToUIThread([](WebSDKWebView& v) { v.addWebSDKScriptHandler(); })) return;
-  engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
+  if (carriedToUIThread(*this, [](WebSDKWebView& v) { v.addWebSDKScriptHandler(); })) return;
+  impl_->engine_->addScriptMessageHandler(impl_->handler_, std::string(kHandlerName));
 }
 void WebSDKWebView::removeWebSDKScriptHandler() {
-  if (carriedToUIThread([](WebSDKWebView& v) { v.removeWebSDKScriptHandler(); })) return;
-  engine_->removeScriptMessageHandler(kHandlerName);
+  if (carriedToUIThread(*this, [](WebSDKWebView& v) { v.removeWebSDKScriptHandler(); })) return;
+  impl_->engine_->removeScriptMessageHandler(kHandlerName);
 }
 void WebSDKWebView::resetWebView() {
-  handler_->webview.reset();
-  detached_ = true;
+  impl_->handler_->webview.reset();
+  impl_->detached_ = true;
 }
 
 namespace {
@@ -221,7 +402,7 @@ std::optional<std::string> entryNeverMatches(std::string_view entry) {
 }
 }  // namespace
 
-void WebSDKWebView::checkSettings(const WebSDKConfig& given) const {
+void WebSDKWebView::Impl::checkSettings(const WebSDKConfig& given) const {
   for (const auto& entry : given.whitelistedHosts)
     if (const auto why = entryNeverMatches(entry))
       say(LogLevel::warning, "trust", "the whitelist entry \"" + entry + "\" can never match: " + *why);
@@ -232,7 +413,7 @@ void WebSDKWebView::checkSettings(const WebSDKConfig& given) const {
               " ms; a deadline must be longer than 0 ms, so this one is not kept");
 }
 
-void WebSDKWebView::watchHeld(std::string what, std::weak_ptr<const void> object) {
+void WebSDKWebView::Impl::watchHeld(std::string what, std::weak_ptr<const void> object) {
   engine_->mainQueue().post([weak = weak_from_this(), what = std::move(what), object = std::move(object)] {
     if (const auto view = weak.lock(); view && object.expired())
       view->say(LogLevel::warning, "plugin",
@@ -242,12 +423,17 @@ void WebSDKWebView::watchHeld(std::string what, std::weak_ptr<const void> object
   });
 }
 
-void WebSDKWebView::registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin) {
+void WebSDKWebView::Impl::registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin) {
   if (const auto refused = handler_->takeUnsubscribedAsk(slot); refused && !plugin.expired())
     say(LogLevel::warning, "plugin",
         "the " + std::string(family) + " plugin was registered after the page had asked: " + *refused +
             " got 1004 (not subscribed). Register plugins before the page loads");
   if (!plugin.expired()) watchHeld(std::string(family) + " plugin", std::move(plugin));
+}
+
+void WebSDKWebView::setPlugin(std::size_t slot, std::string_view family, std::weak_ptr<void> plugin) {
+  impl_->handler_->setPlugin(slot, plugin);
+  impl_->registered(family, slot, std::move(plugin));
 }
 
 void WebSDKWebView::setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& p) {
@@ -273,8 +459,13 @@ void WebSDKWebView::setMenuListPlugin(const std::shared_ptr<DvWebViewMenuListCal
 void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
                                 const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
   if (carriedToUIThread(
-          [=](WebSDKWebView& v) { v.loadWebView(with, requestHeaders, externalHeaders, timeoutInterval); }))
+          *this, [=](WebSDKWebView& v) { v.loadWebView(with, requestHeaders, externalHeaders, timeoutInterval); }))
     return;
+  impl_->loadWebView(with, requestHeaders, externalHeaders, timeoutInterval);
+}
+
+void WebSDKWebView::Impl::loadWebView(const std::string& with, const WebSDKHeaders& requestHeaders,
+                                      const std::optional<WebSDKHeaders>& externalHeaders, double timeoutInterval) {
   // The load is judged and made in the form the engine itself would load:
   // judging the raw text could trust a host the engine then does not reach.
   const auto canonical = webSDKConfig.canonicalizer(with);
@@ -328,7 +519,11 @@ void WebSDKWebView::loadWebView(const std::string& with, const WebSDKHeaders& re
 }
 
 void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
-  if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSScript(type); })) return;
+  if (carriedToUIThread(*this, [type](WebSDKWebView& v) { v.executeJSScript(type); })) return;
+  impl_->executeJSScript(type);
+}
+
+void WebSDKWebView::Impl::executeJSScript(const WebSDKAppFunctions& type) {
   if (const auto breaking = type.escaped() ? std::nullopt : headerTextBreaks(type.headers()))
     say(LogLevel::warning, "headers",
         "executeJSScript: the header text holds " + *breaking +
@@ -340,23 +535,41 @@ void WebSDKWebView::executeJSScript(const WebSDKAppFunctions& type) {
 }
 
 void WebSDKWebView::setJavaScriptEnabled(bool enabled) {
-  if (carriedToUIThread([enabled](WebSDKWebView& v) { v.setJavaScriptEnabled(enabled); })) return;
-  javaScriptEnabled_ = enabled;
-  engine_->setPreferences(WebPreferences{enabled});
+  if (carriedToUIThread(*this, [enabled](WebSDKWebView& v) { v.setJavaScriptEnabled(enabled); })) return;
+  impl_->javaScriptEnabled_ = enabled;
+  impl_->engine_->setPreferences(WebPreferences{enabled});
 }
 
 void WebSDKWebView::setSuppressesIncrementalRendering(bool suppress) {
-  if (carriedToUIThread([suppress](WebSDKWebView& v) { v.setSuppressesIncrementalRendering(suppress); })) return;
+  if (carriedToUIThread(*this, [suppress](WebSDKWebView& v) { v.setSuppressesIncrementalRendering(suppress); })) return;
   // No engine has such a switch: the view keeps it.
-  suppressesIncrementalRendering_ = suppress;
+  impl_->suppressesIncrementalRendering_ = suppress;
 }
 
-bool WebSDKWebView::scrollViewWillBeginZooming() { return pinchGestureEnable_; }
+bool WebSDKWebView::pinchGestureEnable() const { return impl_->pinchGestureEnable_; }
+void WebSDKWebView::setPinchGestureEnable(bool enable) { impl_->pinchGestureEnable_ = enable; }
+bool WebSDKWebView::javaScriptEnabled() const { return impl_->javaScriptEnabled_; }
+bool WebSDKWebView::suppressesIncrementalRendering() const { return impl_->suppressesIncrementalRendering_; }
+bool WebSDKWebView::scrollViewWillBeginZooming() { return impl_->pinchGestureEnable_; }
+bool WebSDKWebView::Impl::scrollViewWillBeginZooming() { return self.scrollViewWillBeginZooming(); }
+
+std::optional<std::string> WebSDKWebView::url() const {
+  const auto shown = impl_->engine_->url();
+  return shown ? std::optional<std::string>(*shown) : std::nullopt;
+}
+WebEngine& WebSDKWebView::engine() { return *impl_->engine_; }
+const std::string& WebSDKWebView::name() const { return impl_->name_; }
+WebSDKAnswerCounts WebSDKWebView::answerCounts() const { return impl_->answerCounts_; }
+std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const { return impl_->pendingRequests(); }
+
+const std::shared_ptr<WebSDKScriptHandler>& WebViewInternals::handler(const WebSDKWebView& view) {
+  return view.impl_->handler_;
+}
 
 // ---- Answers -----------------------------------------------------------------
 
-std::uint64_t WebSDKWebView::expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
-                                          std::string_view action) {
+std::uint64_t WebSDKWebView::Impl::expectAnswer(const std::string& requestId, DocumentID document,
+                                                std::string_view family, std::string_view action) {
   // A page that asks and never hears back must not grow this without bound:
   // past the limit the oldest documents' requests are forgotten first.
   constexpr std::size_t kLimit = std::size_t{1} << 16;
@@ -385,7 +598,8 @@ std::uint64_t WebSDKWebView::expectAnswer(const std::string& requestId, Document
   return serial;
 }
 
-void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit) {
+void WebSDKWebView::Impl::answerOverdue(const std::string& requestId, std::uint64_t serial,
+                                        std::chrono::milliseconds limit) {
   const auto it = awaiting_.find(requestId);
   if (it == awaiting_.end()) return;
   const auto asked = std::ranges::find(it->second, serial, &Awaiting::serial);
@@ -409,7 +623,7 @@ void WebSDKWebView::answerOverdue(const std::string& requestId, std::uint64_t se
             document);
 }
 
-std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const {
+std::vector<WebSDKPendingRequest> WebSDKWebView::Impl::pendingRequests() const {
   // In the order asked: serials never tie, as two clock readings may.
   std::vector<std::pair<std::uint64_t, WebSDKPendingRequest>> asked;
   const DocumentID shown = engine_->document();
@@ -423,8 +637,8 @@ std::vector<WebSDKPendingRequest> WebSDKWebView::pendingRequests() const {
   return out;
 }
 
-void WebSDKWebView::settle(const std::string& requestId, std::deque<Awaiting>& requests,
-                           std::deque<Awaiting>::iterator asked) {
+void WebSDKWebView::Impl::settle(const std::string& requestId, std::deque<Awaiting>& requests,
+                                 std::deque<Awaiting>::iterator asked) {
   const DocumentID document = asked->document;
   requests.erase(asked);
   --awaitingCount_;
@@ -443,7 +657,7 @@ void WebSDKWebView::settle(const std::string& requestId, std::deque<Awaiting>& r
   settledOrder_.emplace_back(requestId, now);
 }
 
-std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& requestId, WebSDKDropReason& why) {
+std::optional<DocumentID> WebSDKWebView::Impl::answerTarget(const std::string& requestId, WebSDKDropReason& why) {
   if (const auto it = awaiting_.find(requestId); it != awaiting_.end()) {
     // A page that reloads and counts its ids from 1 again asks the same id
     // twice: the answer is the shown document's, if it asked.
@@ -459,8 +673,9 @@ std::optional<DocumentID> WebSDKWebView::answerTarget(const std::string& request
   return unaskedTarget(requestId, std::nullopt, why);
 }
 
-std::optional<DocumentID> WebSDKWebView::boundTarget(const std::string& requestId, DocumentID document,
-                                                     std::uint64_t serial, bool abandoned, WebSDKDropReason& why) {
+std::optional<DocumentID> WebSDKWebView::Impl::boundTarget(const std::string& requestId, DocumentID document,
+                                                           std::uint64_t serial, bool abandoned,
+                                                           WebSDKDropReason& why) {
   if (const auto it = awaiting_.find(requestId); it != awaiting_.end())
     if (const auto asked = std::ranges::find(it->second, serial, &Awaiting::serial); asked != it->second.end()) {
       if (abandoned) {
@@ -481,8 +696,8 @@ std::optional<DocumentID> WebSDKWebView::boundTarget(const std::string& requestI
   return unaskedTarget(requestId, document, why);
 }
 
-std::optional<DocumentID> WebSDKWebView::unaskedTarget(const std::string& requestId, std::optional<DocumentID> bound,
-                                                       WebSDKDropReason& why) {
+std::optional<DocumentID> WebSDKWebView::Impl::unaskedTarget(const std::string& requestId,
+                                                             std::optional<DocumentID> bound, WebSDKDropReason& why) {
   const DocumentID shown = engine_->document();
   const auto asked = settled_.find(requestId);
   const bool askerGone = bound ? *bound != shown : asked != settled_.end() && asked->second.document != shown;
@@ -510,7 +725,7 @@ std::optional<DocumentID> WebSDKWebView::unaskedTarget(const std::string& reques
   return trustedDocumentShown();
 }
 
-std::optional<DocumentID> WebSDKWebView::trustedDocumentShown() {
+std::optional<DocumentID> WebSDKWebView::Impl::trustedDocumentShown() {
   const DocumentID shown = engine_->document();
   if (shown == 0) return std::nullopt;
   // A document's URL never changes: it is judged once.
@@ -521,12 +736,12 @@ std::optional<DocumentID> WebSDKWebView::trustedDocumentShown() {
   return shown;
 }
 
-void WebSDKWebView::tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason) {
+void WebSDKWebView::Impl::tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason) {
   if (recorder_) recorder_->answer(response, shownURL(), reason);
   if (auto listener = webJSCommunicatorDelegate.lock()) listener->didDropResponse(response, reason);
 }
 
-ScriptCompletion WebSDKWebView::dropNotice(WebSDKResponseModel response) {
+ScriptCompletion WebSDKWebView::Impl::dropNotice(WebSDKResponseModel response) {
   return [weak = weak_from_this(), response = std::move(response)](ScriptResult result) {
     if (!result.dropped) return;
     if (const auto v = weak.lock()) v->tellDropped(response, WebSDKDropReason::documentGone);
@@ -534,20 +749,20 @@ ScriptCompletion WebSDKWebView::dropNotice(WebSDKResponseModel response) {
 }
 
 void WebSDKWebView::deliver(WebSDKResponseModel response, std::optional<DocumentID> document) {
-  send(std::move(response), AnswerRoute{document});
+  impl_->send(std::move(response), Impl::AnswerRoute{document});
 }
 
-void WebSDKWebView::answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial,
-                                  bool abandoned) {
+void WebSDKWebView::Impl::answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial,
+                                        bool abandoned) {
   send(std::move(response), AnswerRoute{document, serial, abandoned});
 }
 
-void WebSDKWebView::refuseRepeatedAnswer(const std::string& requestId) {
-  if (carriedToUIThread([requestId](WebSDKWebView& v) { v.refuseRepeatedAnswer(requestId); })) return;
+void WebSDKWebView::Impl::refuseRepeatedAnswer(const std::string& requestId) {
+  if (carriedToUIThread(self, [requestId](WebSDKWebView& v) { v.impl_->refuseRepeatedAnswer(requestId); })) return;
   ++answerCounts_.repeated;
 }
 
-void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
+void WebSDKWebView::Impl::send(WebSDKResponseModel response, AnswerRoute route) {
   // Detached by the host: the bridge is done with this page.
   if (detached_ && !route.readyEncoded) {
     if (!toldDetached_.exchange(true))
@@ -581,7 +796,7 @@ void WebSDKWebView::send(WebSDKResponseModel response, AnswerRoute route) {
       });
 }
 
-void WebSDKWebView::evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route) {
+void WebSDKWebView::Impl::evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route) {
   WebSDKDropReason why = WebSDKDropReason::documentGone;
   const auto target = route.serial != 0
                           ? boundTarget(response.requestId, *route.document, route.serial, route.abandoned, why)
@@ -607,51 +822,52 @@ void WebSDKWebView::evaluateAnswer(WebSDKResponseModel response, std::string scr
   engine_->evaluateInDocument(*target, std::move(script), std::move(completion));
 }
 
-void WebSDKWebView::respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
-                            std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage) {
+void WebSDKWebView::Impl::respond(std::optional<std::string> payload, WebSDKResponseType type,
+                                  const std::string& requestId, std::optional<std::int64_t> statusCode,
+                                  std::optional<std::string> statusMessage) {
   send(makeResponse(type, requestId, std::move(payload), statusCode, std::move(statusMessage)), AnswerRoute{});
 }
 
 void WebSDKWebView::sendWebSDKResponse(const JSONObject& with, WebSDKResponseType type, const std::string& requestId,
                                        std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(renderPayload(with), type, requestId, statusCode, std::move(statusMessage));
+  impl_->respond(renderPayload(with), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(const WebSDKResponseProtocol& with, WebSDKResponseType type,
                                        const std::string& requestId, std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(renderPayload(with.json()), type, requestId, statusCode, std::move(statusMessage));
+  impl_->respond(renderPayload(with.json()), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(std::string with, WebSDKResponseType type, const std::string& requestId,
                                        std::optional<std::int64_t> statusCode,
                                        std::optional<std::string> statusMessage) {
-  respond(std::move(with), type, requestId, statusCode, std::move(statusMessage));
+  impl_->respond(std::move(with), type, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendSuccess(const std::string& requestId, std::optional<std::int64_t> statusCode,
                                 std::optional<std::string> statusMessage) {
-  respond(std::nullopt, WebSDKResponseType::success, requestId, statusCode, std::move(statusMessage));
+  impl_->respond(std::nullopt, WebSDKResponseType::success, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendFailure(const std::string& requestId, std::optional<std::int64_t> statusCode,
                                 std::optional<std::string> statusMessage) {
-  respond(std::nullopt, WebSDKResponseType::failure, requestId, statusCode, std::move(statusMessage));
+  impl_->respond(std::nullopt, WebSDKResponseType::failure, requestId, statusCode, std::move(statusMessage));
 }
 
 void WebSDKWebView::sendWebSDKResponse(WebSDKResponseType type, const std::string& requestId,
                                        const std::optional<std::string>& encoder) {
-  if (carriedToUIThread([=](WebSDKWebView& v) { v.sendWebSDKResponse(type, requestId, encoder); })) return;
+  if (carriedToUIThread(*this, [=](WebSDKWebView& v) { v.sendWebSDKResponse(type, requestId, encoder); })) return;
   WebSDKResponseModel response = makeResponse(type, requestId, encoder);
   // A payload that is not UTF-8 is left out; a request id that is not drops the answer.
   if (response.payload && !isValidUTF8(*response.payload)) response.payload.reset();
-  send(std::move(response), AnswerRoute{std::nullopt, 0, false, true});
+  impl_->send(std::move(response), Impl::AnswerRoute{std::nullopt, 0, false, true});
 }
 
 // ---- Page events ---------------------------------------------------------------
 
-void WebSDKWebView::warnOfBreakingText(const WebSDKJSFunctionType& type) {
+void WebSDKWebView::Impl::warnOfBreakingText(const WebSDKJSFunctionType& type) {
   if (toldBreakingPush_) return;
   const auto breaking = type.breakingText();
   if (!breaking) return;
@@ -662,7 +878,7 @@ void WebSDKWebView::warnOfBreakingText(const WebSDKJSFunctionType& type) {
           "early and run as script. Send .escaped() pushes for text the app does not control (told once per view)");
 }
 
-void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
+void WebSDKWebView::Impl::push(std::string script, ScriptCompletion completion) {
   // Pushed events carry the app's state (login, addresses, payloads): only a
   // committed document on a whitelisted host receives them.
   const auto shown = trustedDocumentShown();
@@ -691,11 +907,12 @@ void WebSDKWebView::push(std::string script, ScriptCompletion completion) {
 
 void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
                                                     WebSDKJSCompletionHandler completionHandler) {
-  if (carriedToUIThread(
-          [type, completionHandler](WebSDKWebView& v) { v.executeJSFunctionWithCompletion(type, completionHandler); }))
+  if (carriedToUIThread(*this, [type, completionHandler](WebSDKWebView& v) {
+        v.executeJSFunctionWithCompletion(type, completionHandler);
+      }))
     return;
-  warnOfBreakingText(type);
-  push(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
+  impl_->warnOfBreakingText(type);
+  impl_->push(type.script(), [handler = std::move(completionHandler)](ScriptResult result) {
     // A script error, or a page that never ran it, is not passed on: the
     // handler then gets nothing.
     if (handler) handler(result.error || result.dropped ? std::nullopt : std::move(result.value));
@@ -703,28 +920,28 @@ void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& 
 }
 
 void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
-  if (carriedToUIThread([type](WebSDKWebView& v) { v.executeJSFunction(type); })) return;
-  warnOfBreakingText(type);
-  push(type.script(), nullptr);
+  if (carriedToUIThread(*this, [type](WebSDKWebView& v) { v.executeJSFunction(type); })) return;
+  impl_->warnOfBreakingText(type);
+  impl_->push(type.script(), nullptr);
 }
 
 // ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----
 
-void WebSDKWebView::didStartProvisionalNavigation(const WebSDKNavigation* navigation) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->didStartProvisionalNavigation(*this, navigation);
+void WebSDKWebView::Impl::didStartProvisionalNavigation(const WebSDKNavigation* navigation) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didStartProvisionalNavigation(self, navigation);
 }
-void WebSDKWebView::didFinish(const WebSDKNavigation* navigation) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->didFinish(*this, navigation);
+void WebSDKWebView::Impl::didFinish(const WebSDKNavigation* navigation) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didFinish(self, navigation);
 }
-void WebSDKWebView::didFail(const WebSDKNavigation* navigation, const WebSDKError& error) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->didFail(*this, navigation, error);
+void WebSDKWebView::Impl::didFail(const WebSDKNavigation* navigation, const WebSDKError& error) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didFail(self, navigation, error);
 }
-void WebSDKWebView::didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->didFailProvisionalNavigation(*this, navigation, error);
+void WebSDKWebView::Impl::didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->didFailProvisionalNavigation(self, navigation, error);
 }
-void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
-                                    WebSDKNavigationActionDecision decisionHandler) {
-  if (auto d = webSDKNavigationDelegate.lock()) return d->decidePolicyFor(*this, action, std::move(decisionHandler));
+void WebSDKWebView::Impl::decidePolicyFor(const WebSDKNavigationAction& action,
+                                          WebSDKNavigationActionDecision decisionHandler) {
+  if (auto d = webSDKNavigationDelegate.lock()) return d->decidePolicyFor(self, action, std::move(decisionHandler));
   // Waiting is the rule without a delegate; a blank view with no word of why is not.
   if (!std::exchange(toldNoDelegate_, true))
     say(LogLevel::warning, "navigation",
@@ -733,13 +950,13 @@ void WebSDKWebView::decidePolicyFor(const WebSDKNavigationAction& action,
             "and keep a reference to it, for the view holds it weakly (WebSDKTrustedHostsNavigationDelegate::shared() "
             "keeps the view on its trusted hosts and needs no owner)");
 }
-void WebSDKWebView::decidePolicyFor(const WebSDKNavigationResponse& response,
-                                    WebSDKNavigationResponseDecision decisionHandler) {
-  if (auto d = webSDKNavigationDelegate.lock()) d->decidePolicyFor(*this, response, std::move(decisionHandler));
+void WebSDKWebView::Impl::decidePolicyFor(const WebSDKNavigationResponse& response,
+                                          WebSDKNavigationResponseDecision decisionHandler) {
+  if (auto d = webSDKNavigationDelegate.lock()) d->decidePolicyFor(self, response, std::move(decisionHandler));
 }
-void WebSDKWebView::didReceive(const WebSDKAuthenticationChallenge& challenge,
-                               WebSDKAuthChallengeCompletion completionHandler) {
-  if (auto d = webSDKNavigationDelegate.lock()) return d->didReceive(*this, challenge, std::move(completionHandler));
+void WebSDKWebView::Impl::didReceive(const WebSDKAuthenticationChallenge& challenge,
+                                     WebSDKAuthChallengeCompletion completionHandler) {
+  if (auto d = webSDKNavigationDelegate.lock()) return d->didReceive(self, challenge, std::move(completionHandler));
   say(LogLevel::warning, "navigation",
       "an authentication challenge from " + challenge.host + " is never answered: no navigation delegate is attached");
 }

@@ -1,5 +1,6 @@
 #include "FamilyRequests.hpp"
 #include "support/Harness.hpp"
+#include "websdk/webview/WebViewInternals.hpp"
 
 #include <gtest/gtest.h>
 
@@ -241,7 +242,8 @@ TEST(Intake, MalformedMessagesAreDroppedSilently) {
   h.view->setCartPlugin(cart);
   const std::string valid = R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})";
   // A message to another name never reaches the handler's logic.
-  h.view->handler()->userContentController(ScriptMessage{"otherHandler", JSONObject{{"message", valid}}, {}});
+  WebViewInternals::handler(*h.view)->userContentController(
+      ScriptMessage{"otherHandler", JSONObject{{"message", valid}}, {}});
   h.engine->postScriptMessage("nativeRequest", JSON(valid));                                // body not a dictionary
   h.engine->postScriptMessage("nativeRequest", JSONObject{{"msg", valid}});                 // no "message"
   h.engine->postScriptMessage("nativeRequest", JSONObject{{"message", parseJSON(valid)}});  // not a string
@@ -315,7 +317,7 @@ TEST(Lifetimes, ResetReleasedViewsAndPluginsAnswerNothingAndNeverCrash) {
     auto cart = std::make_shared<SelfReleasing>();
     cart->view = &h.view;
     h.view->setCartPlugin(cart);
-    auto engine = h.view->handler();  // keep the handler alive past its view, as a late message would
+    auto engine = WebViewInternals::handler(*h.view);  // keep the handler alive past its view, as a late message would
     h.engine->postRequest(R"({"type":"CLEAR_LOCAL_CART","requestId":"1"})");
     EXPECT_EQ(cart->calls, 1);
     EXPECT_EQ(h.view, nullptr);

@@ -7,6 +7,7 @@
 #include "Engine.hpp"
 #include "tools/common/LoopbackServer.hpp"
 #include "websdk/bridge/families/Cart.hpp"
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include <gtest/gtest.h>

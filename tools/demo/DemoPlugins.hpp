@@ -6,6 +6,7 @@
 #include "websdk/bridge/families/Cart.hpp"
 #include "websdk/bridge/families/Generic.hpp"
 #include "websdk/bridge/families/Payments.hpp"
+#include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"
 
 #include <map>

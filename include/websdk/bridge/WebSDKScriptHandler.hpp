@@ -12,11 +12,13 @@
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace websdk {
 
@@ -74,7 +76,12 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   /// Registers `plugin` for family F (weakly), replacing the one before.
   template <class F>
   void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
-    plugins_[F::slot] = plugin;
+    setPlugin(F::slot, plugin);
+  }
+  /// The same for the family in `slot`, whose F::Plugin `plugin` is (the
+  /// plugin() of that family casts it back); a slot past the last does nothing.
+  void setPlugin(std::size_t slot, std::weak_ptr<void> plugin) {
+    if (slot < plugins_.size()) plugins_[slot] = std::move(plugin);
   }
   /// Family F's plugin, or nothing when it was never set or has been released.
   template <class F>

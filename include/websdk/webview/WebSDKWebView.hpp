@@ -5,29 +5,30 @@
 /// sends answers and events to the page.
 
 #include "websdk/Export.hpp"
-#include "websdk/Log.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
-#include "websdk/bridge/WebSDKScriptHandler.hpp"
-#include "websdk/json/Record.hpp"
-#include "websdk/webview/WebEngine.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
 #include "websdk/webview/WebSDKJSFunctionType.hpp"
-#include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 #include "websdk/webview/WebSDKResponseProtocol.hpp"
 
-#include <atomic>
-#include <chrono>
+#include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 namespace websdk {
+
+// The engine the view runs on (websdk/webview/WebEngine.hpp) and the delegate
+// that hears of its navigation (websdk/webview/WebSDKNavigationDelegate.hpp):
+// a host that makes or implements either includes its header.
+class WebEngine;
+class WebSDKNavigationDelegate;
+/// Identifies one top-level document (websdk/webview/WebEngine.hpp).
+using DocumentID = std::uint64_t;
 
 // The plugin protocols that the named setters and create() take. Each is
 // declared by its family's header (websdk/bridge/families/), which a host
@@ -123,8 +124,6 @@ class WEBSDK_EXPORT WebSDKJSInteractionProtocol {
 /// and sends answers and events back. Made by create(); the send operations
 /// may be called from any thread, everything else on the UI thread.
 class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
-                                          private WebEngineClient,
-                                          private BridgeView,
                                           public std::enable_shared_from_this<WebSDKWebView> {
   // Only create() can make one: a view that is not wired (no bridge
   // back-reference, no engine client) must not exist.
@@ -173,8 +172,7 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// held weakly, replacing the one before; the next message uses it.
   template <class F>
   void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
-    handler_->setPlugin<F>(plugin);
-    registered(F::name, F::slot, plugin);
+    setPlugin(F::slot, F::name, plugin);
   }
   /// The same, by the names hosts know.
   ///@{
@@ -200,15 +198,15 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
 
   // ---- Settings ------------------------------------------------------------
   /// Whether pinch-zoom is let through (checked as each pinch starts).
-  bool pinchGestureEnable() const { return pinchGestureEnable_; }
+  bool pinchGestureEnable() const;
   /// Lets pinch-zoom through, or refuses it from the next pinch on.
-  void setPinchGestureEnable(bool enable) { pinchGestureEnable_ = enable; }
+  void setPinchGestureEnable(bool enable);
   /// Whether pages run JavaScript.
-  bool javaScriptEnabled() const { return javaScriptEnabled_; }
+  bool javaScriptEnabled() const;
   /// Replaces the engine's preferences with a fresh object holding only this switch.
   void setJavaScriptEnabled(bool enabled);
   /// Whether a page is shown only once fully loaded (where the engine can).
-  bool suppressesIncrementalRendering() const { return suppressesIncrementalRendering_; }
+  bool suppressesIncrementalRendering() const;
   /// Sets it (stored: no engine has such a switch).
   void setSuppressesIncrementalRendering(bool suppress);
 
@@ -239,11 +237,9 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// asked (`document`, or the one that sent `response.requestId`), and tells
   /// the listener on the calling thread. An answer whose document is gone is
   /// dropped.
-  void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt) override;
+  void deliver(WebSDKResponseModel response, std::optional<DocumentID> document = std::nullopt);
 
   // ---- State -----------------------------------------------------------------
-  /// The bridge: it judges and routes the page's messages.
-  const std::shared_ptr<WebSDKScriptHandler>& handler() const { return handler_; }
   /// Fixed when the view is made; its entries are in canonical host form.
   const WebSDKConfig webSDKConfig;
   /// Hears of navigation and answers its questions; held weakly.
@@ -252,156 +248,32 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   std::weak_ptr<WebSDKJSCommunicationProtocol> webJSCommunicatorDelegate;
 
   /// The URL of the committed page, if any (never a load still pending).
-  std::optional<std::string> url() const {
-    const auto shown = engine_->url();
-    return shown ? std::optional<std::string>(*shown) : std::nullopt;
-  }
+  std::optional<std::string> url() const;
   /// The engine behind the view (for the engine's own accessors, such as the
   /// native widget).
-  WebEngine& engine() { return *engine_; }
+  WebEngine& engine();
   /// How the view's log lines name it: `WebSDKConfig::name`, or "view N".
-  const std::string& name() const { return name_; }
+  const std::string& name() const;
 
   /// The requests of the document shown that plugins have not answered yet,
   /// oldest first: what a page is still waiting for. UI thread.
   std::vector<WebSDKPendingRequest> pendingRequests() const;
   /// How the answers given so far matched the page's requests. UI thread.
-  WebSDKAnswerCounts answerCounts() const { return answerCounts_; }
+  WebSDKAnswerCounts answerCounts() const;
 
-  // The engine's events (also callable by a host that drives zooming itself):
-  // whether the pinch starting may go on.
-  bool scrollViewWillBeginZooming() override;
+  /// The engine asks this as a pinch starts (a host that drives zooming itself
+  /// may ask too): whether the pinch may go on, which is pinchGestureEnable().
+  bool scrollViewWillBeginZooming();
 
  private:
-  void didStartProvisionalNavigation(const WebSDKNavigation* navigation) override;
-  void didFinish(const WebSDKNavigation* navigation) override;
-  void didFail(const WebSDKNavigation* navigation, const WebSDKError& error) override;
-  void didFailProvisionalNavigation(const WebSDKNavigation* navigation, const WebSDKError& error) override;
-  void decidePolicyFor(const WebSDKNavigationAction& action, WebSDKNavigationActionDecision decisionHandler) override;
-  void decidePolicyFor(const WebSDKNavigationResponse& response,
-                       WebSDKNavigationResponseDecision decisionHandler) override;
-  void didReceive(const WebSDKAuthenticationChallenge& challenge,
-                  WebSDKAuthChallengeCompletion completionHandler) override;
-
-  void respond(std::optional<std::string> payload, WebSDKResponseType type, const std::string& requestId,
-               std::optional<std::int64_t> statusCode, std::optional<std::string> statusMessage);
-
-  /// Called off the UI thread, posts `operation` to it (in order with every
-  /// other task there) and says so; on the UI thread, says no.
-  template <class Operation>
-  bool carriedToUIThread(Operation operation) {
-    if (engine_->mainQueue().isUIThread()) return false;
-    engine_->mainQueue().post([weak = weak_from_this(), operation = std::move(operation)]() mutable {
-      if (const auto view = weak.lock()) operation(*view);
-    });
-    return true;
-  }
-
-  const WebSDKConfig& bridgeConfig() const override { return webSDKConfig; }
-  std::uint64_t expectAnswer(const std::string& requestId, DocumentID document, std::string_view family,
-                             std::string_view action) override;
-  void answerRequest(WebSDKResponseModel response, DocumentID document, std::uint64_t serial, bool abandoned) override;
-  void refuseRepeatedAnswer(const std::string& requestId) override;
-  /// Where an answer goes: a document named by the bridge, the request a
-  /// reply is bound to, or (neither) whichever document asked the id.
-  struct AnswerRoute {
-    std::optional<DocumentID> document;
-    std::uint64_t serial = 0;
-    bool abandoned = false;
-    // Evaluated at once (the caller is on the UI thread), its evaluation
-    // errors logged; the listener is not told, and resetWebView() holds no sway.
-    bool readyEncoded = false;
-  };
-  /// The one way every answer goes to the page: checked, and carried to the
-  /// main queue unless ready-encoded.
-  void send(WebSDKResponseModel response, AnswerRoute route);
-  /// Finds the answer's document and evaluates it there, or drops it. UI thread.
-  void evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route);
-  /// The document that asked `requestId`: of several, the one shown, else the
-  /// oldest (each forgotten once answered); for an id never asked, the
-  /// document shown if it is whitelisted. UI thread.
-  std::optional<DocumentID> answerTarget(const std::string& requestId, WebSDKDropReason& why);
-  /// The same for the answer of a reply bound to request `serial` of
-  /// `document`: that document, once. UI thread.
-  std::optional<DocumentID> boundTarget(const std::string& requestId, DocumentID document, std::uint64_t serial,
-                                        bool abandoned, WebSDKDropReason& why);
-  /// An answer to an id nobody waits for: dropped as late when the document
-  /// that last asked it is gone, else an unasked answer. UI thread.
-  std::optional<DocumentID> unaskedTarget(const std::string& requestId, std::optional<DocumentID> bound,
-                                          WebSDKDropReason& why);
-  /// The committed document shown, if its host is whitelisted. UI thread.
-  std::optional<DocumentID> trustedDocumentShown();
-  /// Warns, once per view, of a push whose text would break out of its quotes.
-  void warnOfBreakingText(const WebSDKJSFunctionType& type);
-  bool toldBreakingPush_ = false;  // UI thread only
-  /// Evaluates a pushed call in the document shown, if it is whitelisted.
-  void push(std::string script, ScriptCompletion completion);
-  void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
-  /// A completion that tells the listener when `response` never ran.
-  ScriptCompletion dropNotice(WebSDKResponseModel response);
-
-  bool pinchGestureEnable_ = false;
-  bool javaScriptEnabled_ = true;
-  bool suppressesIncrementalRendering_ = true;
-  /// Says when a family's plugin comes too late (the page already got 1004
-  /// for want of it) or is released before the page can use it (the view
-  /// holds it weakly: a temporary dies at once).
-  void registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin);
-  /// Says, once the caller's turn is over, when what the host handed over is
-  /// gone already: nobody but the view was holding it.
-  void watchHeld(std::string what, std::weak_ptr<const void> object);
-  /// Says what in the settings the view was made with cannot work as meant.
-  void checkSettings(const WebSDKConfig& given) const;
-  /// A delegate and a listener handed to create() that nothing else held.
-  std::shared_ptr<WebSDKNavigationDelegate> keptDelegate_;
-  std::shared_ptr<WebSDKJSCommunicationProtocol> keptListener_;
-  /// Set by resetWebView(): answers after it are dropped, and said once.
-  std::atomic<bool> detached_{false}, toldDetached_{false};
-  /// Tells `message` through the log, naming this view.
-  void say(LogLevel level, std::string_view topic, std::string_view message) const;
-  std::string_view viewName() const override { return name_; }
-
-  const std::string name_;
-  const std::shared_ptr<WebSDKScriptHandler> handler_;
-  const std::unique_ptr<WebEngine> engine_;
-  // Requests handed to plugins and not yet answered, oldest first per id (a
-  // page may reuse an id). UI thread only.
-  struct Awaiting {
-    DocumentID document;
-    std::string_view family, action;
-    std::chrono::steady_clock::time_point askedAt;
-    std::uint64_t serial;  // tells a reused id's requests apart at their deadline
-  };
-  std::uint64_t lastSerial_ = 0;
-  /// Request `serial` (id `requestId`) reached its family's deadline `limit`:
-  /// reported if still unanswered, and failed when the view is set to.
-  void answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit);
-  std::unordered_map<std::string, std::deque<Awaiting>> awaiting_;
-  std::size_t awaitingCount_ = 0;
-  /// Takes the request `asked` of `requests` (of id `requestId`) off the
-  /// waiting list and remembers who asked it.
-  void settle(const std::string& requestId, std::deque<Awaiting>& requests, std::deque<Awaiting>::iterator asked);
-  // Ids answered or failed lately, with the document that asked each: a
-  // duplicate or late answer to a document gone goes nowhere, never to the
-  // next page. Bounded in count and age. UI thread only.
-  struct Settled {
-    DocumentID document;
-    std::chrono::steady_clock::time_point at;
-  };
-  std::unordered_map<std::string, Settled> settled_;
-  std::deque<std::pair<std::string, std::chrono::steady_clock::time_point>> settledOrder_;
-  WebSDKAnswerCounts answerCounts_;
-  // The last document found on a whitelisted host. UI thread only.
-  DocumentID trustedDocument_ = 0;
-  // Whether a navigation was seen waiting for want of a delegate. UI thread only.
-  bool toldNoDelegate_ = false;
-  // Set when the view records its traffic (WebSDKConfig::recording, or WEBSDK_RECORD).
-  std::shared_ptr<WebSDKTrafficRecorder> recorder_;
-  /// The URL shown, for a recording's lines. UI thread.
-  std::string shownURL() const {
-    const auto shown = engine_->url();
-    return shown ? std::string(*shown) : std::string();
-  }
+  // The engine's client, the bridge's view and everything the view keeps
+  // (src/webview/WebSDKWebView.cpp): none of it is the host's business.
+  struct Impl;
+  /// Reaches the bridge for the library's own tests and tools (websdk/webview/WebViewInternals.hpp, never installed).
+  friend struct WebViewInternals;
+  /// What setPlugin<F> does, for any family: `plugin` is F::Plugin's.
+  void setPlugin(std::size_t slot, std::string_view family, std::weak_ptr<void> plugin);
+  const std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace websdk

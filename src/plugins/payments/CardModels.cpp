@@ -6,7 +6,9 @@ namespace websdk {
 
 using EligibilityResponse = WebSDKGetOneClickCardEligibilityResponseModel;
 
-namespace {
+// Named, not anonymous: every declaration brings an equality, which clang
+// would report as unused in an anonymous namespace.
+namespace cardmodels {
 using Detail = EligibilityResponse::CardEligiblityDetail;
 
 // A card as the provider answers it: its fingerprint is its "cardAlias".
@@ -37,7 +39,8 @@ struct PageCard {
   std::string cardFingerPrint{};
   WEBSDK_KEYED_RECORD(PageCard, (checkType, "check_type"), (cardBin, "cardBin"), (cardFingerPrint, "cardAlias"))
 };
-}  // namespace
+}  // namespace cardmodels
+using namespace cardmodels;
 
 std::optional<EligibilityResponse> EligibilityResponse::from(const std::optional<JSONObject>& answer) {
   auto read = ProviderAnswer::from(answer);

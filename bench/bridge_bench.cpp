@@ -7,6 +7,9 @@
 //   to a file in the temporary directory): what recording costs a request;
 //   Intake/cart_recorded_headers: the same after a load with the app's
 //   headers, whose values the recorder then looks for in every text it writes.
+//   Intake/host_family: the cart request's payload sent as a host's own action
+//   (a family declared and registered by the host, reading the same model):
+//   what routing past the library's families costs, against Intake/cart.
 //   Envelope/1MB: the envelope of a 1 MB payload, in bytes per second.
 //   Answer/<way>: a cart request taken in and answered with a small payload,
 //   by id or through the request's reply, until the page has it: what a
@@ -39,6 +42,17 @@ struct NullPlugins final : DvWebViewGenericCallsBacks, DvCartWebViewCallBacks, D
   }
 };
 
+// A host's own family, whose one action reads what the cart's GET_LOCAL_CART reads.
+WEBSDK_ACTIONS(HostCartAction, HostCartPayload, (getCart, "HOST_GET_CART", getCart, WebSDKGetCartRequestModel))
+WEBSDK_ACTIONS_COMPILED(HostCartPayload)
+WEBSDK_HOST_FAMILY(HostCartFamily, "hostCart", "Host cart plugin not subscribed", HostCartPlugin, handleHostCart,
+                   HostCartAction, HostCartPayload)
+struct NullHostCart final : HostCartPlugin {
+  void handleHostCart(const WebSDKBridgeRequest<HostCartAction>&, const HostCartPayload& p) override {
+    benchmark::DoNotOptimize(&p);
+  }
+};
+
 // A request of `type` padded to exactly 232 bytes with an ignored key.
 std::string request232(std::string_view type, std::string_view payload) {
   std::string text = std::string(R"({"type":")") + std::string(type) + R"(","requestId":"req-000017","payload":)" +
@@ -50,6 +64,8 @@ std::string request232(std::string_view type, std::string_view payload) {
 const std::string kFirst = request232("GET_LOCATION", R"({"accuracyLevel":2,"purpose":"delivery"})");
 const std::string kCart =
     request232("GET_LOCAL_CART", R"({"tenant":{"marketplaceId":"12","marketplaceCategory":"food"}})");
+const std::string kHost =
+    request232("HOST_GET_CART", R"({"tenant":{"marketplaceId":"12","marketplaceCategory":"food"}})");
 const std::string kLast = request232("UPDATE_MENU_ITEM_LIST", R"({"id":"12","items":[]})");
 
 void BoostParse(benchmark::State& state) {
@@ -84,6 +100,8 @@ void Intake(benchmark::State& state, const std::string& text, Recorded recorded)
   view->setPlugin<GenericFamily>(plugins);
   view->setCartPlugin(plugins);
   view->setMenuListPlugin(plugins);
+  const auto hostCart = std::make_shared<NullHostCart>();
+  if (!view->setPlugin<HostCartFamily>(hostCart)) state.SkipWithError("the host's family was refused");
   const ScriptMessage message{"nativeRequest", JSONObject{{"message", text}}, raw->topOrigin()};
   for (auto _ : state) WebViewInternals::handler(*view)->userContentController(message);
   if (raw->queue().pending() != 0) state.SkipWithError("the request was not delivered");
@@ -97,6 +115,7 @@ void Intake(benchmark::State& state, const std::string& text, Recorded recorded)
 BENCHMARK_CAPTURE(Intake, first_family_generic, kFirst, Recorded::no);
 BENCHMARK_CAPTURE(Intake, cart, kCart, Recorded::no);
 BENCHMARK_CAPTURE(Intake, last_family_menuList, kLast, Recorded::no);
+BENCHMARK_CAPTURE(Intake, host_family, kHost, Recorded::no);
 BENCHMARK_CAPTURE(Intake, cart_recorded, kCart, Recorded::yes);
 BENCHMARK_CAPTURE(Intake, cart_recorded_headers, kCart, Recorded::withHeaders);
 

@@ -97,66 +97,22 @@ std::string shown(const std::optional<std::string>& text) { return shownInLog(te
 constexpr std::string_view kHandlerName = "nativeRequest";
 constexpr std::string_view kNotAValidRequest = "not a valid request";
 
-enum class Trial { declined, delivered, dropped, notSubscribed };
-
-using TrialFn = Trial (*)(WebSDKScriptHandler&, DocumentID document, std::size_t action, std::string_view requestId,
-                          JSON* payload, std::string_view& failureMessage);
-
-// One family's steps once its action is known: build its request model (the
-// payload is moved out of the parsed request, which is used only for its id
-// afterwards), decode the typed payload, and call the host object.
-template <class F>
-Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t action, std::string_view requestId,
-                JSON* payload, std::string_view& failureMessage) {
-  typename F::Request request{static_cast<typename F::Action>(action), std::string(requestId), std::nullopt};
-  if (payload != nullptr)
-    if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
-  WebSDKRecordedRequest* recording = handler.recording();
-  if (recording) recording->family = F::name;
-  const auto typed = F::Payload::validateRequest(request);
-  if (!typed) return Trial::declined;
-  if (!handler.subscribed<F>()) {
-    failureMessage = F::failureMessage;
-    handler.noteUnsubscribed(F::slot, requestId, rawValue(request.type));
-    return Trial::notSubscribed;
-  }
-  // Taken afresh: a host object released by now is not called.
-  const auto plugin = handler.plugin<F>();
-  if (!plugin) return Trial::dropped;
-  // Noted before the call: a plugin may answer from inside it.
-  const std::uint64_t serial = handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
-  if (recording) {
-    // Described from the payload as it is recorded, masked: a replay of the
-    // recording must find the same, and no masked value may reach the file
-    // through the description.
-    recording->outcome = "delivered";
-    typename F::Request recorded = request;
-    if (recorded.payload) recorded.payload = handler.recorder()->masked(JSON(*recorded.payload)).as_object();
-    const auto described = F::Payload::validateRequest(recorded);
-    recording->received = (described ? *described : *typed).describe();
-  }
-  // The request's reply is on offer to the plugin for the length of its call.
-  const detail::ReplyOffer offer(handler.webview, requestId, document, serial);
-  F::call(*plugin, request, *typed);
-  return Trial::delivered;
-}
-
 struct Route {
   std::uint16_t family;
   std::uint16_t action;
 };
 
-// Every family's action strings in one table. The families' strings are
-// disjoint (checked here once), so the family that knows an action is the
-// only one that can accept it, and a request of the last family costs what
-// one of the first does.
+// Every action string of the library's families in one table, made once for
+// every view. The families' strings are disjoint (checked here once), so the
+// family that knows an action is the only one that can accept it, and a
+// request of the last family costs what one of the first does.
 struct Routes {
   std::unordered_map<std::string_view, Route> byAction;
-  std::array<TrialFn, kFamilyCount> trials{};
+  std::array<const FamilyType*, kFamilyCount> families{};
 
   Routes() {
     forEachFamily([&]<class F>(F) {
-      trials[F::slot] = &tryFamily<F>;
+      families[F::slot] = &familyType<F>();
       for (const auto& entry : enumTable<typename F::Action>)
         byAction.emplace(entry.raw, Route{F::slot, static_cast<std::uint16_t>(entry.value)});
     });
@@ -169,6 +125,125 @@ const Routes& routes() {
 }
 
 }  // namespace
+
+// The bridge's side of one request of a known family, for the family's step.
+class WebSDKScriptHandler::Intake final : public FamilyIntake {
+ public:
+  Intake(WebSDKScriptHandler& handler, std::size_t subscription, std::string_view requestId, DocumentID document)
+      : handler_(handler), subscription_(subscription), requestId_(requestId), document_(document) {}
+  std::string_view requestId() const override { return requestId_; }
+
+  FamilyTrial hand(std::string_view action, detail::FunctionRef<JSON(const WebSDKTrafficRecorder&)> describe,
+                   detail::FunctionRef<void(void*)> call) override {
+    Subscription& held = handler_.subscriptions_[subscription_];
+    if (held.plugin.expired()) {
+      if (!held.unsubscribedAsk)
+        held.unsubscribedAsk = "request id \"" + shownInLog(requestId_) + "\" (" + std::string(action) + ")";
+      return FamilyTrial::notSubscribed;
+    }
+    // Taken afresh: a host object released by now is not called.
+    const std::shared_ptr<void> plugin = held.plugin.lock();
+    if (!plugin) return FamilyTrial::dropped;
+    const std::string_view family = held.family->name;
+    // Noted before the call: a plugin may answer from inside it.
+    const std::uint64_t serial = handler_.expectAnswer(requestId_, document_, family, action);
+    if (WebSDKRecordedRequest* recording = handler_.recording()) {
+      recording->outcome = "delivered";
+      recording->received = describe(*handler_.recorder());
+    }
+    // The request's reply is on offer to the plugin for the length of its call.
+    const detail::ReplyOffer offer(handler_.webview, requestId_, document_, serial);
+    call(plugin.get());
+    return FamilyTrial::delivered;
+  }
+
+ private:
+  WebSDKScriptHandler& handler_;
+  std::size_t subscription_;
+  std::string_view requestId_;
+  DocumentID document_;
+};
+
+namespace detail {
+std::optional<JSONObject> maskedPayload(const WebSDKTrafficRecorder& recorder, const std::optional<JSONObject>& payload) {
+  if (!payload) return std::nullopt;
+  JSON masked = recorder.masked(JSON(*payload));
+  if (auto* object = masked.if_object()) return std::move(*object);
+  return std::nullopt;
+}
+}  // namespace detail
+
+std::optional<std::string> invalidName(std::string_view name) {
+  constexpr std::size_t kLongest = 128;
+  if (name.empty()) return std::string("it is empty");
+  if (name.size() > kLongest)
+    return "it is " + std::to_string(name.size()) + " bytes long, over " + std::to_string(kLongest);
+  const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  if (!letter(name.front())) return std::string("it does not begin with a letter");
+  for (const char c : name)
+    if (!letter(c) && !(c >= '0' && c <= '9') && c != '_' && c != '.' && c != ':' && c != '-')
+      return "it holds '" + shownInLog(std::string_view(&c, 1)) + "': only letters, digits and _ . : - are allowed";
+  return std::nullopt;
+}
+
+WebSDKScriptHandler::WebSDKScriptHandler() {
+  const auto& table = routes();
+  subscriptions_.reserve(kFamilyCount);
+  for (const FamilyType* family : table.families) subscriptions_.push_back({family, {}, std::nullopt});
+}
+
+const WebSDKScriptHandler::Subscription* WebSDKScriptHandler::subscription(const FamilyType& family) const {
+  if (family.slot < kFamilyCount) return &subscriptions_[family.slot];
+  for (std::size_t i = kFamilyCount; i < subscriptions_.size(); ++i)
+    if (subscriptions_[i].family == &family) return &subscriptions_[i];
+  return nullptr;
+}
+
+WebSDKScriptHandler::Subscription* WebSDKScriptHandler::subscription(const FamilyType& family) {
+  return const_cast<Subscription*>(std::as_const(*this).subscription(family));
+}
+
+std::vector<const FamilyType*> WebSDKScriptHandler::families() const {
+  std::vector<const FamilyType*> out;
+  out.reserve(subscriptions_.size());
+  for (const auto& s : subscriptions_) out.push_back(s.family);
+  return out;
+}
+
+std::optional<std::string> WebSDKScriptHandler::setPlugin(const FamilyType& family, std::weak_ptr<void> plugin) {
+  if (Subscription* held = subscription(family)) {
+    held->plugin = std::move(plugin);
+    return std::nullopt;
+  }
+  // A host's family, registered for the first time: every name it brings is
+  // checked before any is taken, so a refusal leaves the bridge as it was.
+  const std::string named = "the family \"" + shownInLog(family.name) + "\"";
+  if (auto why = invalidName(family.name)) return named + " cannot be registered: its name is not valid (" + *why + ")";
+  for (const auto& s : subscriptions_)
+    if (s.family->name == family.name)
+      return named + " cannot be registered: " +
+             (s.family->slot < kFamilyCount ? "the library's own family has that name"
+                                            : "another family of the host's has that name");
+  if (family.actions.empty()) return named + " cannot be registered: it has no actions";
+  const auto& builtIn = routes().byAction;
+  for (std::size_t i = 0; i < family.actions.size(); ++i) {
+    const std::string_view action = family.actions[i];
+    const std::string which = named + " cannot be registered: its action \"" + shownInLog(action) + "\" ";
+    if (auto why = invalidName(action)) return which + "is not a valid action string (" + *why + ")";
+    if (const auto at = builtIn.find(action); at != builtIn.end())
+      return which + "is the library's " + std::string(routes().families[at->second.family]->name) +
+             " family's: pages already send it";
+    if (const auto at = hostRoutes_.find(action); at != hostRoutes_.end())
+      return which + "is already the " + std::string(subscriptions_[at->second.subscription].family->name) +
+             " family's";
+    for (std::size_t j = 0; j < i; ++j)
+      if (family.actions[j] == action) return which + "is listed twice";
+  }
+  const std::size_t index = subscriptions_.size();
+  subscriptions_.push_back({&family, std::move(plugin), std::nullopt});
+  for (std::size_t i = 0; i < family.actions.size(); ++i) hostRoutes_.emplace(family.actions[i], HostRoute{index, i});
+  return std::nullopt;
+}
 
 void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   if (message.name != kHandlerName) return;
@@ -266,26 +341,30 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
       if (const JSON* payload = fields->if_contains("payload")) recording_->payload = *payload;
     }
     if (type != nullptr && requestId != nullptr && requestId->is_string()) {
-      const auto& table = routes();
-      auto route = table.byAction.end();
-      if (const auto* s = type->if_string()) {
-        route = table.byAction.find(std::string_view(*s));
-      } else {
-        route = table.byAction.find(lenientString(type));
-      }
-      if (route != table.byAction.end()) {
-        std::string_view failureMessage;
-        switch (table.trials[route->second.family](*this, origin.topDocument, route->second.action,
-                                                   requestId->get_string(), fields->if_contains("payload"),
-                                                   failureMessage)) {
-          case Trial::delivered: return;
-          case Trial::dropped:
+      std::string lenient;
+      const std::string_view action = type->is_string() ? std::string_view(type->get_string())
+                                                        : std::string_view(lenient = lenientString(type));
+      std::optional<HostRoute> route;
+      const auto& builtIn = routes().byAction;
+      if (const auto at = builtIn.find(action); at != builtIn.end())
+        route = HostRoute{at->second.family, at->second.action};
+      else if (!hostRoutes_.empty())
+        if (const auto at = hostRoutes_.find(action); at != hostRoutes_.end()) route = at->second;
+      if (route) {
+        // Held by pointer: a plugin may register another family during its call.
+        const FamilyType* family = subscriptions_[route->subscription].family;
+        if (recording_) recording_->family = family->name;
+        Intake intake(*this, route->subscription, requestId->get_string(), origin.topDocument);
+        switch (family->trial(intake, route->action, fields->if_contains("payload"))) {
+          case FamilyTrial::delivered: return;
+          case FamilyTrial::dropped:
             if (recording_) recording_->outcome = "dropped";
             return;
-          case Trial::notSubscribed:
-            answerFailure(request, WebSDKStatusCode::notFound, std::string(failureMessage), origin.topDocument);
+          case FamilyTrial::notSubscribed:
+            answerFailure(request, WebSDKStatusCode::notFound, std::string(family->failureMessage),
+                          origin.topDocument);
             return;
-          case Trial::declined: break;
+          case FamilyTrial::declined: break;
         }
       }
     }
@@ -293,13 +372,9 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
   answerFailure(request, WebSDKStatusCode::notFound, std::string(kNotAValidRequest), origin.topDocument);
 }
 
-void WebSDKScriptHandler::noteUnsubscribed(std::size_t slot, std::string_view requestId, std::string_view action) {
-  if (!unsubscribedAsks_[slot])
-    unsubscribedAsks_[slot] = "request id \"" + shownInLog(requestId) + "\" (" + std::string(action) + ")";
-}
-
-std::optional<std::string> WebSDKScriptHandler::takeUnsubscribedAsk(std::size_t slot) {
-  return std::exchange(unsubscribedAsks_[slot], std::nullopt);
+std::optional<std::string> WebSDKScriptHandler::takeUnsubscribedAsk(const FamilyType& family) {
+  Subscription* held = subscription(family);
+  return held ? std::exchange(held->unsubscribedAsk, std::nullopt) : std::nullopt;
 }
 
 bool WebSDKScriptHandler::isTrusted(const WebSDKConfig& config, std::string_view url) {

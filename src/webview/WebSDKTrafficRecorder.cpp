@@ -20,39 +20,6 @@ namespace {
 
 using Keys = std::set<std::string, std::less<>>;
 
-template <Declared T>
-void collectModel(Keys& keys);
-
-// A field marked sensitive is masked under its JSON key (what pages send) and
-// its member's name (what descriptions of typed payloads use); models nested
-// in it, or listed in it, are searched too.
-template <class T, class M, class R>
-void collectField(const ModelField<T, M, R>& f, Keys& keys) {
-  if (f.sensitive) {
-    keys.emplace(f.name);
-    const auto dot = f.path.rfind('.');
-    keys.emplace(dot == std::string_view::npos ? f.path : f.path.substr(dot + 1));
-  }
-  using V = detail::UnwrappedT<M>;
-  if constexpr (std::is_same_v<R, reading::ModelReading>) {
-    collectModel<V>(keys);
-  } else if constexpr (requires { typename R::ElementReading; }) {
-    using Element = detail::UnwrappedT<typename V::value_type>;
-    if constexpr (Declared<Element>) collectModel<Element>(keys);
-  }
-}
-
-template <Declared T>
-void collectModel(Keys& keys) {
-  std::apply([&](const auto&... f) { (collectField(f, keys), ...); }, T::fields());
-}
-
-template <class Row>
-void collectRow(Keys& keys) {
-  using Model = typename Row::Type;
-  if constexpr (!Row::refused && !std::is_void_v<Model>) collectModel<detail::UnwrappedT<Model>>(keys);
-}
-
 std::int64_t nowMilliseconds() {
   using namespace std::chrono;
   return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
@@ -195,7 +162,8 @@ const std::set<std::string, std::less<>>& WebSDKTrafficRecorder::sensitiveKeys()
   static const auto keys = [] {
     Keys declared;
     forEachFamily([&]<class F>(F) {
-      std::apply([&](auto... row) { (collectRow<decltype(row)>(declared), ...); }, typename F::Payload::Table{});
+      const auto& keys = familyType<F>().sensitiveKeys;
+      declared.insert(keys.begin(), keys.end());
     });
     for (std::size_t at = 0; at < kCommonSensitiveNames.size();) {
       const std::size_t end = std::min(kCommonSensitiveNames.find(' ', at), kCommonSensitiveNames.size());
@@ -213,6 +181,11 @@ bool WebSDKTrafficRecorder::isSensitiveKey(std::string_view key) { return contai
 
 WebSDKTrafficRecorder::WebSDKTrafficRecorder(const WebSDKTrafficRecording& recording) : recording_(recording) {
   for (const auto& key : recording.sensitiveKeys) appKeys_.insert(folded(key));
+}
+
+void WebSDKTrafficRecorder::addSensitiveKeys(const std::set<std::string, std::less<>>& keys) {
+  const std::lock_guard lock(mutex_);
+  for (const auto& key : keys) appKeys_.insert(folded(key));
 }
 
 WebSDKTrafficRecorder::~WebSDKTrafficRecorder() {

@@ -4,6 +4,7 @@
 #include "websdk/Log.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
+#include "websdk/json/Quoted.hpp"
 #include "websdk/webview/WebEngine.hpp"
 #include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKTrafficRecorder.hpp"
@@ -137,7 +138,10 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   /// Says when a family's plugin comes too late (the page already got 1004
   /// for want of it) or is released before the page can use it (the view
   /// holds it weakly: a temporary dies at once).
-  void registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin);
+  void registered(const FamilyType& family, std::weak_ptr<const void> plugin);
+  /// Tells the page's `nativeEvent` of the host's event; UI thread.
+  void emit(std::string name, std::string script);
+  bool toldNoEventReceiver_ = false;  // UI thread only
   /// Says, once the caller's turn is over, when what the host handed over is
   /// gone already: nobody but the view was holding it.
   void watchHeld(std::string what, std::weak_ptr<const void> object);
@@ -423,18 +427,26 @@ void WebSDKWebView::Impl::watchHeld(std::string what, std::weak_ptr<const void> 
   });
 }
 
-void WebSDKWebView::Impl::registered(std::string_view family, std::size_t slot, std::weak_ptr<const void> plugin) {
-  if (const auto refused = handler_->takeUnsubscribedAsk(slot); refused && !plugin.expired())
+void WebSDKWebView::Impl::registered(const FamilyType& family, std::weak_ptr<const void> plugin) {
+  if (const auto refused = handler_->takeUnsubscribedAsk(family); refused && !plugin.expired())
     say(LogLevel::warning, "plugin",
-        "the " + std::string(family) + " plugin was registered after the page had asked: " + *refused +
+        "the " + std::string(family.name) + " plugin was registered after the page had asked: " + *refused +
             " got 1004 (not subscribed). Register plugins before the page loads");
-  if (!plugin.expired()) watchHeld(std::string(family) + " plugin", std::move(plugin));
+  if (!plugin.expired()) watchHeld(std::string(family.name) + " plugin", std::move(plugin));
 }
 
-void WebSDKWebView::setPlugin(std::size_t slot, std::string_view family, std::weak_ptr<void> plugin) {
-  impl_->handler_->setPlugin(slot, plugin);
-  impl_->registered(family, slot, std::move(plugin));
+WebSDKRegistration WebSDKWebView::setPlugin(const FamilyType& family, std::weak_ptr<void> plugin) {
+  if (auto refused = impl_->handler_->setPlugin(family, plugin)) {
+    impl_->say(LogLevel::error, "plugin", *refused);
+    return WebSDKRegistration{std::move(*refused)};
+  }
+  // A host's family's sensitive fields are masked like the library's.
+  if (impl_->recorder_ && family.slot >= kFamilyCount) impl_->recorder_->addSensitiveKeys(family.sensitiveKeys);
+  impl_->registered(family, std::move(plugin));
+  return {};
 }
+
+std::vector<const FamilyType*> WebSDKWebView::families() const { return impl_->handler_->families(); }
 
 void WebSDKWebView::setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& p) {
   setPlugin<RestaurantEmpathyFamily>(p);
@@ -923,6 +935,38 @@ void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
   if (carriedToUIThread(*this, [type](WebSDKWebView& v) { v.executeJSFunction(type); })) return;
   impl_->warnOfBreakingText(type);
   impl_->push(type.script(), nullptr);
+}
+
+bool WebSDKWebView::emit(std::string_view name, const JSON& data) {
+  const auto refuse = [&](const std::string& why) {
+    impl_->say(LogLevel::error, "push", "the event \"" + shownInLog(name) + "\" is not sent: " + why);
+    return false;
+  };
+  if (auto why = invalidName(name)) return refuse("its name is not valid (" + *why + ")");
+  for (std::size_t i = 0; i < caseCount<WebSDKJSFunctionTypeCase>(); ++i)
+    if (WebSDKJSFunctionType::pageFunction(static_cast<WebSDKJSFunctionTypeCase>(i)).name == name)
+      return refuse("it is the name of a page function, which the page would take the event for");
+  // Both written as JSON: nothing of the data can end its argument early.
+  std::string script = "window.nativeEvent(" + serialize(JSON(name)) + ", " + serialize(data) + ")";
+  if (!isValidUTF8(script)) return refuse("its data holds text that is not UTF-8, which no page can read");
+  if (carriedToUIThread(*this, [name = std::string(name), script](WebSDKWebView& v) mutable {
+        v.impl_->emit(std::move(name), std::move(script));
+      }))
+    return true;
+  impl_->emit(std::string(name), std::move(script));
+  return true;
+}
+
+void WebSDKWebView::Impl::emit(std::string name, std::string script) {
+  push(std::move(script), [weak = weak_from_this(), name = std::move(name)](ScriptResult result) {
+    // A page that has no receiver for events would lose them without a word.
+    if (!result.error) return;
+    const auto v = weak.lock();
+    if (!v || std::exchange(v->toldNoEventReceiver_, true)) return;
+    v->say(LogLevel::warning, "push",
+           "the event \"" + shownInLog(name) + "\" failed in the page (" + *result.error +
+               "): does the page install @websdk/page's client, or define window.nativeEvent? (told once per view)");
+  });
 }
 
 // ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----

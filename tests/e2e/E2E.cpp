@@ -30,6 +30,7 @@ window.handleHardwareBack = recorder('handleHardwareBack');
 window.onHalfCardBackgroundTap = recorder('onHalfCardBackgroundTap');
 window.UPDATE_SELECTED_ADDRESS = recorder('UPDATE_SELECTED_ADDRESS');
 window.pageResume = recorder('pageResume');
+window.nativeEvent = recorder('nativeEvent');
 report('ready', {headersAtStart: headersAtStart});
 </script></head><body>)" +
          std::string(body) + "</body></html>";

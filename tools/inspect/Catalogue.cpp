@@ -1,6 +1,6 @@
 #include "Catalogue.hpp"
 
-#include "websdk/bridge/Families.hpp"
+#include "websdk/testing/Catalogue.hpp"
 #include "websdk/json/Schema.hpp"
 #include "websdk/webview/WebSDKJSFunctionType.hpp"
 
@@ -10,44 +10,6 @@
 
 namespace websdk::inspect {
 namespace {
-
-// One row of a family's action table: its case and what its model's
-// declaration reads.
-template <class Row>
-JSONObject declaredAction() {
-  using Model = typename Row::Type;
-  JSONObject out;
-  out.emplace("action", rawValue(Row::action));
-  if constexpr (Row::refused) {
-    out.emplace("case", nullptr);  // no payload ever reaches it
-    out.emplace("payload", "never");
-    out.emplace("fields", JSONArray{});
-    return out;
-  }
-  out.emplace("case", rawValue(Row::tag));
-  if constexpr (std::is_void_v<Model>) {
-    out.emplace("payload", "optional");
-    out.emplace("fields", JSONArray{});
-  } else {
-    using M = detail::UnwrappedT<Model>;
-    // A carried optional model: the case decodes with or without it.
-    constexpr bool alwaysDecodes = detail::IsOptional<Model>::value;
-    out.emplace("payload", alwaysDecodes || acceptsNoPayload<M>() ? "optional" : "required");
-    out.emplace("fields", modelSchema<M>(!alwaysDecodes));
-  }
-  return out;
-}
-
-template <class F>
-JSON family() {
-  JSONArray actions;
-  std::apply([&](auto... row) { (actions.push_back(declaredAction<decltype(row)>()), ...); },
-             typename F::Payload::Table{});
-  JSONObject out;
-  out.emplace("name", F::name);
-  out.emplace("actions", std::move(actions));
-  return out;
-}
 
 // ---- Page functions ------------------------------------------------------------
 
@@ -110,10 +72,8 @@ JSONArray pageFunctions(std::index_sequence<I...>) {
 }  // namespace
 
 JSON catalogue() {
-  JSONArray families;
-  forEachFamily([&]<class F>(F) { families.push_back(family<F>()); });
   JSONObject out;
-  out.emplace("families", std::move(families));
+  out.emplace("families", testing::catalogue(testing::libraryFamilies()).at("families"));
   out.emplace("pageFunctions", pageFunctions(std::make_index_sequence<caseCount<WebSDKJSFunctionTypeCase>()>{}));
   return out;
 }

@@ -11,14 +11,15 @@
 #include "websdk/webview/WebSDKConfig.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace websdk {
 
@@ -73,27 +74,38 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   /// so that a view released during a plugin's call leaves the record whole.
   std::shared_ptr<WebSDKTrafficRecorder> trafficRecorder;
 
-  /// Registers `plugin` for family F (weakly), replacing the one before.
+  WebSDKScriptHandler();
+
+  /// Registers `plugin` for family F (weakly), replacing the one before; see
+  /// the non-template form.
   template <class F>
-  void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
-    setPlugin(F::slot, plugin);
+  std::optional<std::string> setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
+    return setPlugin(familyType<F>(), plugin);
   }
-  /// The same for the family in `slot`, whose F::Plugin `plugin` is (the
-  /// plugin() of that family casts it back); a slot past the last does nothing.
-  void setPlugin(std::size_t slot, std::weak_ptr<void> plugin) {
-    if (slot < plugins_.size()) plugins_[slot] = std::move(plugin);
-  }
+  /// Registers `plugin` (weakly; a `family.name`'s protocol object, or
+  /// nothing) for `family`, replacing the one before. One of the library's
+  /// families is always there; a host's family is added by its first
+  /// registration, after every family before it. Refused, with the reason
+  /// (the registration then changes nothing), when the host's family has a
+  /// name or an action string that is not valid, or that a family already
+  /// there has: no message is ever routed to two families.
+  std::optional<std::string> setPlugin(const FamilyType& family, std::weak_ptr<void> plugin);
   /// Family F's plugin, or nothing when it was never set or has been released.
   template <class F>
   std::shared_ptr<typename F::Plugin> plugin() const {
-    // Held as void, but only ever set from F::Plugin in F's own slot.
-    return std::static_pointer_cast<typename F::Plugin>(plugins_[F::slot].lock());
+    // Held as void, but only ever set from F::Plugin for F's own type.
+    const auto* held = subscription(familyType<F>());
+    return held ? std::static_pointer_cast<typename F::Plugin>(held->plugin.lock()) : nullptr;
   }
   /// Whether family F has a plugin now.
   template <class F>
   bool subscribed() const {
-    return !plugins_[F::slot].expired();
+    const auto* held = subscription(familyType<F>());
+    return held && !held->plugin.expired();
   }
+  /// The families the bridge routes to, in trial order: the library's twelve,
+  /// then the host's in the order they were registered.
+  std::vector<const FamilyType*> families() const;
 
   /// The one entry point: a script message from the page. Runs on the UI
   /// thread; never throws, whatever the page posted.
@@ -105,12 +117,9 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   std::uint64_t expectAnswer(std::string_view requestId, DocumentID document, std::string_view family,
                              std::string_view action);
 
-  /// Notes that a request of the family in `slot` got 1004 for want of a
-  /// plugin (the first such request is kept until taken).
-  void noteUnsubscribed(std::size_t slot, std::string_view requestId, std::string_view action);
-  /// The first request the family in `slot` refused for want of a plugin
-  /// since last asked, as words for a log line; nothing when none was.
-  std::optional<std::string> takeUnsubscribedAsk(std::size_t slot);
+  /// The first request `family` refused for want of a plugin since last
+  /// asked, as words for a log line; nothing when none was.
+  std::optional<std::string> takeUnsubscribedAsk(const FamilyType& family);
 
   /// The record of the message being handled, while the view records its
   /// traffic; nothing otherwise. UI thread, during userContentController.
@@ -125,9 +134,24 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   void answerFailure(std::string requestId, WebSDKStatusCode code, std::optional<std::string> message,
                      DocumentID document);
 
-  // One plugin per family, at the family's slot.
-  std::array<std::weak_ptr<void>, kFamilyCount> plugins_;
-  std::array<std::optional<std::string>, kFamilyCount> unsubscribedAsks_;
+  struct Subscription {
+    const FamilyType* family;
+    std::weak_ptr<void> plugin;
+    std::optional<std::string> unsubscribedAsk;  // the first request refused for want of it, until taken
+  };
+  const Subscription* subscription(const FamilyType& family) const;
+  Subscription* subscription(const FamilyType& family);
+  class Intake;
+  friend class Intake;
+  // The library's families at their slots, then the host's.
+  std::vector<Subscription> subscriptions_;
+  // The host's families' action strings (the library's are in one table for
+  // every view): each names its family's subscription and its action.
+  struct HostRoute {
+    std::size_t subscription;
+    std::size_t action;
+  };
+  std::unordered_map<std::string_view, HostRoute> hostRoutes_;
   // The last page URL found trusted and the whitelist it was checked against:
   // a page posts many messages from one URL, so each URL is checked once.
   std::string trustedURL_;

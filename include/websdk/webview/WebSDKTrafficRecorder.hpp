@@ -59,6 +59,11 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   /// masked on its own as well.
   void addSecrets(const std::map<std::string, std::string>& fields);
 
+  /// Keys (JSON keys or member names) whose values are masked from now on,
+  /// in every object, ignoring case and `_`/`-`: a host's family's
+  /// sensitive fields, registered after the recording opened.
+  void addSensitiveKeys(const std::set<std::string, std::less<>>& keys);
+
   /// A request the page posted, and what became of it.
   void request(const WebSDKRecordedRequest& request);
   /// An answer evaluated in `page` (outcome "sent"), or one that was not

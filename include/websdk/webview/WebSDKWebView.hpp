@@ -46,6 +46,20 @@ class DvWebViewSetRecipientInfoCallsBacks;
 class DvAccountsWebViewCallBacks;
 class DvWebViewMenuListCallbacks;
 
+// A family as the bridge holds it, and family F's (websdk/bridge/Family.hpp,
+// which every family's header includes).
+struct FamilyType;
+template <class F>
+const FamilyType& familyType();
+
+/// What registering a plugin came to: refused (`error` says why, and the
+/// same is logged) or done.
+struct WEBSDK_EXPORT WebSDKRegistration {
+  std::string error;  ///< Why the registration was refused; empty when it was done.
+  /// Whether it was done.
+  explicit operator bool() const { return error.empty(); }
+};
+
 /// The answers a view was given, by whether a page was waiting for them.
 struct WEBSDK_EXPORT WebSDKAnswerCounts {
   std::uint64_t expected = 0;   ///< To a request handed to a plugin and not answered before.
@@ -168,12 +182,22 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// answer through. Plugins stay registered.
   void resetWebView();
 
-  /// Registers `plugin` for family F (a row of websdk/bridge/families/),
-  /// held weakly, replacing the one before; the next message uses it.
+  /// Registers `plugin` for family F, held weakly, replacing the one before;
+  /// the next message uses it. F is one of the library's families (a row of
+  /// websdk/bridge/families/) or the host's own (WEBSDK_HOST_FAMILY): the
+  /// first registration of a host's family adds its actions to the bridge,
+  /// after the library's. Refused, and logged as an error, when the host's
+  /// family's name or one of its action strings is not valid, or is one a
+  /// family already there has; the bridge is then as it was.
   template <class F>
-  void setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
-    setPlugin(F::slot, F::name, plugin);
+  WebSDKRegistration setPlugin(const std::shared_ptr<typename F::Plugin>& plugin) {
+    return setPlugin(familyType<F>(), plugin);
   }
+  /// The same for a family known only at run time.
+  WebSDKRegistration setPlugin(const FamilyType& family, std::weak_ptr<void> plugin);
+  /// The families the page's requests are routed to, in trial order: the
+  /// library's, then the host's in the order they were first registered.
+  std::vector<const FamilyType*> families() const;
   /// The same, by the names hosts know.
   ///@{
   void setRestaurantEmpathyPlugin(const std::shared_ptr<DvWebViewRestaurantEmpathyCallsBacks>& plugin);
@@ -233,6 +257,17 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
                                        WebSDKJSCompletionHandler completionHandler) override;
   void executeJSFunction(const WebSDKJSFunctionType& type) override;
 
+  /// Pushes the host's event `name`, with `data`, to the page: it calls
+  /// `window.nativeEvent(name, data)` there, both written as JSON (never
+  /// spliced text), which the page client hands to its `on(name, ...)`
+  /// handlers. Like every push, it reaches only a committed document on a
+  /// whitelisted host; otherwise it is dropped (the listener and the
+  /// recording hear of it). Any thread. Refused, and logged as an error, when
+  /// `name` is not a valid event name (as invalidName() says) or is a page
+  /// function's, whose calls the page tells apart from events by name.
+  /// Returns whether it was sent on its way.
+  bool emit(std::string_view name, const JSON& data = nullptr);
+
   /// Encodes `response`, evaluates it on the main queue in the document that
   /// asked (`document`, or the one that sent `response.requestId`), and tells
   /// the listener on the calling thread. An answer whose document is gone is
@@ -271,8 +306,6 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   struct Impl;
   /// Reaches the bridge for the library's own tests and tools (websdk/webview/WebViewInternals.hpp, never installed).
   friend struct WebViewInternals;
-  /// What setPlugin<F> does, for any family: `plugin` is F::Plugin's.
-  void setPlugin(std::size_t slot, std::string_view family, std::weak_ptr<void> plugin);
   const std::unique_ptr<Impl> impl_;
 };
 

@@ -5,8 +5,9 @@
 // websdk-typings bin, type-checks test/types.check.ts, test/host.check.ts,
 // test/consumer/*.ts and the TypeScript snippets of README.md and
 // docs/page-guide.md under "bundler" and "nodenext" resolution (all with the
-// host's typings: they must not loosen the built-in ones), then loads the
-// module and the classic script through the exports map.
+// host's typings: they must not loosen the built-in ones, and the docs'
+// snippets use its actions and events), then loads the module and the
+// classic script through the exports map.
 //
 //   node scripts/check-package.mjs          (npm run check-package)
 //   KEEP_CONSUMER=1 ...                     keep the temporary directory

@@ -29,7 +29,7 @@ inline constexpr std::int64_t kStartingPoints = 120;
 // each with the figures the plugin should have sent (a coffee costs 50).
 inline constexpr const char* kDoneTitle = "done: balance 120, redeemed coffee, 70 left, event 70 (-50)";
 
-inline constexpr const char* kPage = R"(<!doctype html>
+inline constexpr const char* kPage = R"page(<!doctype html>
 <html><head><meta charset="utf-8"><title>waiting</title></head>
 <body><h1>Loyalty</h1><ol id="log"></ol>
 <script>
@@ -71,7 +71,7 @@ window.nativeEvent = function (name, data) {
   settle();
 };
 ask("LOYALTY_BALANCE", "balance");
-</script></body></html>)";
+</script></body></html>)page";
 
 // The page with the member's pin in it, as the page would have it from the
 // member's typing.

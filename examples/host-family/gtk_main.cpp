@@ -21,26 +21,32 @@
 
 using namespace websdk;
 
+#ifdef WEBSDK_WEBKITGTK6
+constexpr const char* kProgram = "host-family-gtk4";
+#else
+constexpr const char* kProgram = "host-family-gtk";
+#endif
+
 int main(int argc, char** argv) {
-  const auto options = example::parse("host-family-gtk", argc, argv);
+  const auto options = example::parse(kProgram, argc, argv);
   if (!options) return 2;
   if (!webkitgtk::initialize(&argc, &argv)) {
-    std::cerr << "host-family-gtk: no display" << std::endl;
+    std::cerr << kProgram << ": no display" << std::endl;
     return 1;
   }
 
   webkitgtk::WebKitGTKConfiguration engine;
   engine.localPages = {example::loyaltyPages()};
-  auto view = WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(engine),
-                                    example::configuration(*options), nullptr, nullptr,
-                                    WebSDKTrustedHostsNavigationDelegate::shared());
+  auto view =
+      WebSDKWebView::create(std::make_unique<webkitgtk::WebKitGTKEngine>(engine), example::configuration(*options),
+                            nullptr, nullptr, WebSDKTrustedHostsNavigationDelegate::shared());
 
   // The app's own family: refused (and logged) if it collided with an action
   // or family the view already routes.
   auto plugin = std::make_shared<loyalty::LoyaltyPlugin>(example::kPin, example::kStartingPoints);
   plugin->pushTo(view);
   if (const WebSDKRegistration registered = view->setPlugin<loyalty::LoyaltyFamily>(plugin); !registered) {
-    std::cerr << "host-family-gtk: " << registered.error << std::endl;
+    std::cerr << kProgram << ": " << registered.error << std::endl;
     return 1;
   }
 
@@ -65,9 +71,9 @@ int main(int argc, char** argv) {
       const char* t = webkit_web_view_get_title(webView);
       return std::string(t ? t : "");
     };
-    const bool done = webkitgtk::runUntil(
-        [&] { return title().starts_with("done") || title().starts_with("failed"); }, std::chrono::seconds(30));
-    std::cout << "host-family-gtk: page title \"" << title() << "\"" << std::endl;
+    const bool done = webkitgtk::runUntil([&] { return title().starts_with("done") || title().starts_with("failed"); },
+                                          std::chrono::seconds(30));
+    std::cout << kProgram << ": page title \"" << title() << "\"" << std::endl;
     status = done && title() == example::kDoneTitle ? 0 : 1;
   } else {
 #ifdef WEBSDK_WEBKITGTK6

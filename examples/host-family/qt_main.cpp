@@ -34,9 +34,9 @@ int main(int argc, char** argv) {
 
   qtwebengine::QtWebEngineConfiguration engine;
   engine.localPages = {example::loyaltyPages()};
-  auto view = WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(engine),
-                                    example::configuration(*options), nullptr, nullptr,
-                                    WebSDKTrustedHostsNavigationDelegate::shared());
+  auto view =
+      WebSDKWebView::create(std::make_unique<qtwebengine::QtWebEngine>(engine), example::configuration(*options),
+                            nullptr, nullptr, WebSDKTrustedHostsNavigationDelegate::shared());
 
   // The app's own family: refused (and logged) if it collided with an action
   // or family the view already routes.
@@ -57,9 +57,9 @@ int main(int argc, char** argv) {
 
   int status = 0;
   if (options->exitWhenDone) {
-    const bool done = qtwebengine::runUntil(
-        [&] { return page->title().startsWith("done") || page->title().startsWith("failed"); },
-        std::chrono::seconds(30));
+    const bool done =
+        qtwebengine::runUntil([&] { return page->title().startsWith("done") || page->title().startsWith("failed"); },
+                              std::chrono::seconds(30));
     std::cout << "host-family-qt: page title \"" << page->title().toStdString() << "\"" << std::endl;
     status = done && page->title().toStdString() == example::kDoneTitle ? 0 : 1;
   } else {

@@ -25,9 +25,9 @@ using namespace websdk;
 namespace {
 
 int printCatalogue() {
-  std::cout << serializePretty(testing::catalogue(
-                   {&familyType<loyalty::LoyaltyFamily>()},
-                   {testing::declareEvent<loyalty::PointsChanged>(loyalty::kPointsChanged)}))
+  std::cout << serializePretty(
+                   testing::catalogue({&familyType<loyalty::LoyaltyFamily>()},
+                                      {testing::declareEvent<loyalty::PointsChanged>(loyalty::kPointsChanged)}))
             << std::endl;
   return 0;
 }
@@ -47,8 +47,9 @@ int replay(const char* path) {
     if (const WebSDKRegistration registered = view.setPlugin<loyalty::LoyaltyFamily>(silent); !registered)
       std::cerr << "host-family-tool: " << registered.error << std::endl;
   });
-  std::cout << result.requests << " requests, " << result.requests - result.differ << " the same, "
-            << result.differ << " different, " << result.unreadable << " lines unreadable" << std::endl;
+  if (result.unreadable > 0)
+    std::cerr << "host-family-tool: " << result.unreadable << " lines are no recording's" << std::endl;
+  if (result.requests == 0) std::cerr << "host-family-tool: " << path << " records no request" << std::endl;
   return result.requests > 0 && result.differ == 0 && result.unreadable == 0 ? 0 : 1;
 }
 

@@ -11,7 +11,8 @@
 // message handler; native code answers later through the page's global
 // `nativeResponse`, which this client installs and dispatches by request id.
 // Native code also calls fixed page functions on its own (keyboard, login,
-// back button...); `on` subscribes to them.
+// back button...) and pushes the host app's own events through the global
+// `nativeEvent(name, data)`; `on` subscribes to both.
 /** The status code of failures the client itself reports: timeouts, no bridge, a disposed client. */
 const CLIENT_STATUS_CODE = -1;
 /** Why a request failed: the "FAILED" envelope's fields, or the client's own (CLIENT_STATUS_CODE). */
@@ -44,6 +45,8 @@ const PAGE_FUNCTIONS = [
     "UPDATE_SELECTED_ADDRESS",
     "pageResume",
 ];
+/** What an event name looks like: native code refuses to push any other. */
+const EVENT_NAME = /^[A-Za-z][A-Za-z0-9_.:-]{0,127}$/;
 const CLIENT_KEY = Symbol.for("websdk.page.client");
 function randomTag() {
     const bytes = new Uint8Array(6);
@@ -124,6 +127,8 @@ class Client {
         this.pending = new Map();
         this.expired = new Set();
         this.handlers = new Map();
+        // Apart from the page functions': an event is never called as a page function.
+        this.eventHandlers = new Map();
         this.slots = [];
         this.prefix = `wsdk-${randomTag()}-`;
         this.counter = 0;
@@ -131,7 +136,8 @@ class Client {
         this.late = 0;
         this.unasked = 0;
         this.responseSlot = new Slot(target, "nativeResponse", (envelope) => this.answer(envelope));
-        this.slots.push(this.responseSlot);
+        this.eventSlot = new Slot(target, "nativeEvent", (name, data) => this.event(name, data));
+        this.slots.push(this.responseSlot, this.eventSlot);
         for (const name of PAGE_FUNCTIONS) {
             const slot = new Slot(target, name, (...args) => this.call(slot, name, args));
             this.slots.push(slot);
@@ -173,11 +179,16 @@ class Client {
         return { pending: this.pending.size, answered: this.answered, late: this.late, unasked: this.unasked };
     }
     on(name, handler) {
-        if (!PAGE_FUNCTIONS.includes(name))
-            throw new TypeError(`not a page function: ${name}`);
-        const list = this.handlers.get(name) ?? [];
+        let handlers = this.handlers;
+        if (!PAGE_FUNCTIONS.includes(name)) {
+            if (typeof name !== "string" || !EVENT_NAME.test(name))
+                throw new TypeError(`not a page function, and not a valid event name (${EVENT_NAME}): ${typeof name === "string" ? JSON.stringify(name) : String(name)}`);
+            handlers = this.eventHandlers;
+            this.eventSlot.heal();
+        }
+        const list = handlers.get(name) ?? [];
         list.push(handler);
-        this.handlers.set(name, list);
+        handlers.set(name, list);
         return () => {
             const at = list.indexOf(handler);
             if (at >= 0)
@@ -230,23 +241,34 @@ class Client {
         return this.responseSlot.own?.(received);
     }
     call(slot, name, args) {
-        let result = undefined;
-        const take = (f) => {
-            try {
-                const r = f(...args);
-                if (result === undefined)
-                    result = r;
-            }
-            catch (error) {
-                reportLater(error); // one failing handler does not silence the others
-            }
-        };
-        if (slot.own)
-            take(slot.own);
-        for (const handler of [...(this.handlers.get(name) ?? [])])
-            take(handler);
-        return result;
+        return callEach(slot.own, args, this.handlers.get(name), args);
     }
+    // The page's own nativeEvent hears every event, as (name, data); handlers
+    // hear their event's data.
+    event(name, data) {
+        const handlers = typeof name === "string" ? this.eventHandlers.get(name) : undefined;
+        return callEach(this.eventSlot.own, [name, data], handlers, [data]);
+    }
+}
+// Calls the page's own function, then each handler (a copy of the list: a
+// handler may unsubscribe), and returns the first result that is not undefined.
+function callEach(own, ownArgs, handlers, args) {
+    let result = undefined;
+    const take = (f, a) => {
+        try {
+            const r = f(...a);
+            if (result === undefined)
+                result = r;
+        }
+        catch (error) {
+            reportLater(error); // one failing handler does not silence the others
+        }
+    };
+    if (own)
+        take(own, ownArgs);
+    for (const handler of [...(handlers ?? [])])
+        take(handler, args);
+    return result;
 }
 /**
  * The client of `target` (the page's window by default), made and installed
@@ -263,10 +285,9 @@ function createClient(target = globalThis, options = {}) {
 }
 /** request() of the page's own client. */
 const request = ((...args) => createClient().request(...args));
-/** on() of the page's own client. */
 function on(name, handler) {
     return createClient().on(name, handler);
 }
 
-globalThis.WebSDKPage = { CLIENT_STATUS_CODE, WebSDKRequestError, createClient, request, on };
+globalThis.WebSDKPage = { CLIENT_STATUS_CODE, WebSDKRequestError, EVENT_NAME, createClient, request, on };
 })();

@@ -1,10 +1,13 @@
 // Checks the package as it is published and installed, not as src/ compiles:
 // packs it (dist/ must be built), runs publint and @arethetypeswrong/cli on the
 // tarball, installs the tarball into a copy of test/consumer, and there
-// type-checks test/types.check.ts, test/consumer/*.ts and the TypeScript
-// snippets of README.md and docs/page-guide.md under "bundler" and "nodenext"
-// resolution, then loads the module and the classic script through the
-// exports map.
+// writes a host's typings from test/host-catalogue.json with the installed
+// websdk-typings bin, type-checks test/types.check.ts, test/host.check.ts,
+// test/consumer/*.ts and the TypeScript snippets of README.md and
+// docs/page-guide.md under "bundler" and "nodenext" resolution (all with the
+// host's typings: they must not loosen the built-in ones, and the docs'
+// snippets use its actions and events), then loads the module and the
+// classic script through the exports map.
 //
 //   node scripts/check-package.mjs          (npm run check-package)
 //   KEEP_CONSUMER=1 ...                     keep the temporary directory
@@ -63,7 +66,8 @@ try {
 
   const consumer = join(temp, "consumer");
   cpSync(resolve(root, "test/consumer"), consumer, { recursive: true });
-  cpSync(resolve(root, "test/types.check.ts"), join(consumer, "types.check.ts"));
+  for (const file of ["types.check.ts", "host.check.ts", "host-catalogue.json"])
+    cpSync(resolve(root, "test", file), join(consumer, file));
   // The docs' TypeScript snippets, each a module of its own. The guide lives
   // outside the package and may be absent from a copy of page/ alone.
   for (const [name, file, required] of [
@@ -82,6 +86,13 @@ try {
     cwd: consumer,
     stdio: ["ignore", "ignore", "inherit"],
   });
+
+  // The bin as a host's build runs it: linked by npm, from the installed package.
+  execFileSync(join(consumer, "node_modules/.bin/websdk-typings"), ["--catalogue", "host-catalogue.json", "--out", "host-actions.d.ts"], {
+    cwd: consumer,
+    stdio: ["ignore", "ignore", "inherit"],
+  });
+  console.log("check-package: websdk-typings (installed): ok");
 
   const { publint } = await import("publint");
   const { formatMessage } = await import("publint/utils");

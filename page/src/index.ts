@@ -8,7 +8,8 @@
 // message handler; native code answers later through the page's global
 // `nativeResponse`, which this client installs and dispatches by request id.
 // Native code also calls fixed page functions on its own (keyboard, login,
-// back button...); `on` subscribes to them.
+// back button...) and pushes the host app's own events through the global
+// `nativeEvent(name, data)`; `on` subscribes to both.
 
 import type {
   WebSDKAction,
@@ -52,7 +53,34 @@ export interface WebSDKResponseEnvelope {
   payload?: string;
 }
 
-type OptionalPayloadAction = Exclude<WebSDKAction, WebSDKActionWithRequiredPayload>;
+/**
+ * The payloads of the host app's own actions, by action string: empty here,
+ * filled in by the typings `websdk-typings` generates from the host's
+ * catalogue (an augmentation of this module).
+ */
+export interface WebSDKHostActionPayloads {}
+
+/** The host's actions that are refused without a payload object, each as `true`; augmented like WebSDKHostActionPayloads. */
+export interface WebSDKHostRequiredPayloads {}
+
+/** The data of each event the host app pushes, by event name; augmented like WebSDKHostActionPayloads. */
+export interface WebSDKHostEvents {}
+
+/** An action string of the host app's own. */
+export type WebSDKHostAction = keyof WebSDKHostActionPayloads & string;
+/** An event the host app pushes. */
+export type WebSDKHostEventName = keyof WebSDKHostEvents & string;
+/** What `on` calls for host event `N`. */
+export type WebSDKHostEventHandler<N extends WebSDKHostEventName> = (data: WebSDKHostEvents[N]) => unknown;
+
+/** Every action `request` takes, the built-in ones and the host's, with their payloads. */
+export type WebSDKRequestPayloads = WebSDKActionPayloads & WebSDKHostActionPayloads;
+/** Every action `request` refuses to send without a payload. */
+export type WebSDKRequestWithRequiredPayload =
+  | WebSDKActionWithRequiredPayload
+  | (keyof WebSDKHostRequiredPayloads & WebSDKHostAction);
+
+type OptionalPayloadAction = Exclude<WebSDKAction | WebSDKHostAction, WebSDKRequestWithRequiredPayload>;
 type Handler = (...args: unknown[]) => unknown;
 
 export interface WebSDKClient {
@@ -61,14 +89,14 @@ export interface WebSDKClient {
    * when it is not JSON, undefined when there is none); rejects with a
    * WebSDKRequestError on a "FAILED" answer or a timeout.
    */
-  request<A extends WebSDKActionWithRequiredPayload>(
+  request<A extends WebSDKRequestWithRequiredPayload>(
     type: A,
-    payload: WebSDKActionPayloads[A],
+    payload: WebSDKRequestPayloads[A],
     options?: RequestOptions,
   ): Promise<unknown>;
   request<A extends OptionalPayloadAction>(
     type: A,
-    payload?: WebSDKActionPayloads[A],
+    payload?: WebSDKRequestPayloads[A],
     options?: RequestOptions,
   ): Promise<unknown>;
   /**
@@ -77,6 +105,12 @@ export interface WebSDKClient {
    * undefined (the page's own earlier function first, then handlers in order).
    */
   on<N extends WebSDKPageFunctionName>(name: N, handler: WebSDKPageFunctions[N]): () => void;
+  /**
+   * Calls `handler` with the event's data whenever the host app pushes event
+   * `name`; returns the unsubscribe. Any name that is not a page function and
+   * matches EVENT_NAME is an event.
+   */
+  on<N extends WebSDKHostEventName>(name: N, handler: WebSDKHostEventHandler<N>): () => void;
   /** Gives the page its own functions back and rejects what is still waiting. */
   dispose(): void;
   /** What this client has asked and heard back so far: for a page's diagnostics and tests. */
@@ -120,6 +154,9 @@ const PAGE_FUNCTIONS = [
   "UPDATE_SELECTED_ADDRESS",
   "pageResume",
 ] as const satisfies readonly WebSDKPageFunctionName[];
+
+/** What an event name looks like: native code refuses to push any other. */
+export const EVENT_NAME = /^[A-Za-z][A-Za-z0-9_.:-]{0,127}$/;
 
 const CLIENT_KEY = Symbol.for("websdk.page.client");
 
@@ -210,8 +247,11 @@ class Client implements WebSDKClient {
   private readonly pending = new Map<string, Pending>();
   private readonly expired = new Set<string>();
   private readonly handlers = new Map<string, Handler[]>();
+  // Apart from the page functions': an event is never called as a page function.
+  private readonly eventHandlers = new Map<string, Handler[]>();
   private readonly slots: Slot[] = [];
   private readonly responseSlot: Slot;
+  private readonly eventSlot: Slot;
   private readonly prefix = `wsdk-${randomTag()}-`;
   private counter = 0;
   private answered = 0;
@@ -223,7 +263,8 @@ class Client implements WebSDKClient {
     private readonly options: ClientOptions,
   ) {
     this.responseSlot = new Slot(target, "nativeResponse", (envelope) => this.answer(envelope));
-    this.slots.push(this.responseSlot);
+    this.eventSlot = new Slot(target, "nativeEvent", (name, data) => this.event(name, data));
+    this.slots.push(this.responseSlot, this.eventSlot);
     for (const name of PAGE_FUNCTIONS) {
       const slot: Slot = new Slot(target, name, (...args) => this.call(slot, name, args));
       this.slots.push(slot);
@@ -267,10 +308,16 @@ class Client implements WebSDKClient {
   }
 
   on(name: string, handler: Handler): () => void {
-    if (!(PAGE_FUNCTIONS as readonly string[]).includes(name)) throw new TypeError(`not a page function: ${name}`);
-    const list = this.handlers.get(name) ?? [];
+    let handlers = this.handlers;
+    if (!(PAGE_FUNCTIONS as readonly string[]).includes(name)) {
+      if (typeof name !== "string" || !EVENT_NAME.test(name))
+        throw new TypeError(`not a page function, and not a valid event name (${EVENT_NAME}): ${typeof name === "string" ? JSON.stringify(name) : String(name)}`);
+      handlers = this.eventHandlers;
+      this.eventSlot.heal();
+    }
+    const list = handlers.get(name) ?? [];
     list.push(handler);
-    this.handlers.set(name, list);
+    handlers.set(name, list);
     return () => {
       const at = list.indexOf(handler);
       if (at >= 0) list.splice(at, 1);
@@ -319,19 +366,32 @@ class Client implements WebSDKClient {
   }
 
   private call(slot: Slot, name: string, args: unknown[]): unknown {
-    let result: unknown = undefined;
-    const take = (f: Handler) => {
-      try {
-        const r = f(...args);
-        if (result === undefined) result = r;
-      } catch (error) {
-        reportLater(error);  // one failing handler does not silence the others
-      }
-    };
-    if (slot.own) take(slot.own);
-    for (const handler of [...(this.handlers.get(name) ?? [])]) take(handler);
-    return result;
+    return callEach(slot.own, args, this.handlers.get(name), args);
   }
+
+  // The page's own nativeEvent hears every event, as (name, data); handlers
+  // hear their event's data.
+  private event(name: unknown, data: unknown): unknown {
+    const handlers = typeof name === "string" ? this.eventHandlers.get(name) : undefined;
+    return callEach(this.eventSlot.own, [name, data], handlers, [data]);
+  }
+}
+
+// Calls the page's own function, then each handler (a copy of the list: a
+// handler may unsubscribe), and returns the first result that is not undefined.
+function callEach(own: Handler | undefined, ownArgs: unknown[], handlers: Handler[] | undefined, args: unknown[]): unknown {
+  let result: unknown = undefined;
+  const take = (f: Handler, a: unknown[]) => {
+    try {
+      const r = f(...a);
+      if (result === undefined) result = r;
+    } catch (error) {
+      reportLater(error);  // one failing handler does not silence the others
+    }
+  };
+  if (own) take(own, ownArgs);
+  for (const handler of [...(handlers ?? [])]) take(handler, args);
+  return result;
 }
 
 /**
@@ -352,6 +412,8 @@ export const request = ((...args: Parameters<Client["request"]>) =>
   (createClient() as Client).request(...args)) as WebSDKClient["request"];
 
 /** on() of the page's own client. */
-export function on<N extends WebSDKPageFunctionName>(name: N, handler: WebSDKPageFunctions[N]): () => void {
-  return createClient().on(name, handler);
+export function on<N extends WebSDKPageFunctionName>(name: N, handler: WebSDKPageFunctions[N]): () => void;
+export function on<N extends WebSDKHostEventName>(name: N, handler: WebSDKHostEventHandler<N>): () => void;
+export function on(name: string, handler: Handler): () => void {
+  return (createClient() as Client).on(name, handler);
 }

@@ -148,7 +148,6 @@ test("every page function native code calls is installed and reaches its handler
   win.LOGIN_STATE_CHANGED("false");
   win.handleHardwareBack();
   assert.deepEqual(calls, [["keyboardStateChanged", true, 300], ["LOGIN_STATE_CHANGED", "false"], "page's own", ["handleHardwareBack"]]);
-  assert.throws(() => client.on("notAPageFunction", () => {}), TypeError);
 });
 
 test("a page function returns the first answer, survives a failing handler, and unsubscribes", async (t) => {
@@ -175,4 +174,98 @@ test("one client per window; dispose gives the page its functions back and rejec
   assert.equal((await rejection(asked)).statusCode, CLIENT_STATUS_CODE);
   assert.equal(win.pageResume, own);
   assert.notEqual(createClient(win), client);
+});
+
+test("on() takes page function names and event names, and refuses anything else", () => {
+  const rows = [
+    ["handleHardwareBack", "page function"],
+    ["LOGIN_STATE_CHANGED", "page function"],
+    ["loyaltyPointsChanged", "event"],
+    ["a", "event"],
+    ["order.status:changed-2_x", "event"],
+    ["x".repeat(128), "event"],
+    ["x".repeat(129), "refused"],
+    ["", "refused"],
+    ["2fa", "refused"],
+    ["_private", "refused"],
+    ["has space", "refused"],
+    ["a/b", "refused"],
+    ["caf\u00e9", "refused"],
+    [42, "refused"],
+  ];
+  for (const [name, kind] of rows) {
+    const { win, client } = page();
+    const heard = [];
+    if (kind === "refused") {
+      assert.throws(() => client.on(name, () => {}), { name: "TypeError", message: /not a page function, and not a valid event name/ }, String(name));
+      continue;
+    }
+    client.on(name, (...args) => void heard.push(args));
+    win.nativeEvent(name, { n: 1 });
+    if (kind === "page function") win[name]("x");
+    assert.deepEqual(heard, kind === "event" ? [[{ n: 1 }]] : [["x"]], `${name}: ${kind}`);
+  }
+});
+
+test("nativeEvent reaches the handlers of the event's name and the page's own nativeEvent", () => {
+  const own = [];
+  const { win, client } = page({ nativeEvent: (name, data) => void own.push([name, data]) });
+  const heard = [];
+  client.on("pointsChanged", (data) => void heard.push(["first", data]));
+  const stop = client.on("pointsChanged", (data) => void heard.push(["second", data]));
+  client.on("reset", (data) => void heard.push(["reset", data]));
+  client.on("handleHardwareBack", () => void heard.push("page function"));
+  win.nativeEvent("pointsChanged", { points: 5 });
+  win.nativeEvent("unheard", null);
+  win.nativeEvent("handleHardwareBack", null);  // an event by that name is not the page function
+  stop();
+  win.nativeEvent("pointsChanged", { points: 6 });
+  assert.deepEqual(heard, [["first", { points: 5 }], ["second", { points: 5 }], ["first", { points: 6 }]]);
+  assert.deepEqual(own.map(([name]) => name), ["pointsChanged", "unheard", "handleHardwareBack", "pointsChanged"]);
+  assert.deepEqual(own[0][1], { points: 5 });
+
+  // Assigned later, the page's own replaces the earlier one; declared by a later
+  // script, it is taken back at the next on() of an event.
+  const later = [];
+  win.nativeEvent = (name) => void later.push(name);
+  win.nativeEvent("reset", null);
+  const declared = [];
+  Object.defineProperty(win, "nativeEvent", { configurable: true, writable: true, value: (name) => void declared.push(name) });
+  client.on("other", () => {});
+  win.nativeEvent("reset", 7);
+  assert.deepEqual([later, declared], [["reset"], ["reset"]]);
+  assert.deepEqual(heard.slice(3), [["reset", null], ["reset", 7]]);
+});
+
+test("an event handler that throws is reported without silencing the others", (t) => {
+  t.mock.timers.enable({ apis: ["setTimeout"] });
+  const heard = [];
+  const { win, client } = page({
+    nativeEvent: () => {
+      throw new Error("own");
+    },
+  });
+  client.on("pointsChanged", () => {
+    throw new Error("boom");
+  });
+  client.on("pointsChanged", (data) => void heard.push(data));
+  win.nativeEvent("pointsChanged", { points: 1 });
+  assert.deepEqual(heard, [{ points: 1 }]);
+  assert.throws(() => t.mock.timers.tick(0), /own/);  // reported later, the first first
+});
+
+test("dispose gives the page its own nativeEvent back, or none", () => {
+  const own = () => "own";
+  const rows = [
+    [{ nativeEvent: own }, undefined, own],
+    [{}, undefined, undefined],
+    [{}, own, own],  // assigned while the client was installed
+  ];
+  for (const [extra, assigned, expected] of rows) {
+    const { win, client } = page(extra);
+    client.on("pointsChanged", () => {});
+    if (assigned) win.nativeEvent = assigned;
+    client.dispose();
+    assert.equal(win.nativeEvent, expected);
+  }
 });

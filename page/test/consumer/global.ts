@@ -18,3 +18,9 @@ WebSDKPage.request("GET_USER_INFO").catch((e: unknown) => {
 void WebSDKPage.request("APPLY_COUPON", { restaurantId: 12 });
 // @ts-expect-error not an action
 void WebSDKPage.request("APPLY_COUPONS", {});
+
+// The host's typings (written by check-package from test/host-catalogue.json) type the global too.
+void WebSDKPage.request("REDEEM_POINTS", { points: 120 });
+WebSDKPage.on("loyaltyPointsChanged", (data) => data.points > 0);
+// @ts-expect-error "points" is required
+void WebSDKPage.request("REDEEM_POINTS", {});

@@ -130,4 +130,18 @@ ReplayResult replayRecording(std::istream& recording, std::ostream& report, cons
   return result;
 }
 
+ReplayResult replayRecording(std::istream& recording, std::ostream& report,
+                             const std::vector<const FamilyType*>& hostFamilies) {
+  std::vector<std::shared_ptr<void>> held;
+  const auto host = std::make_shared<EveryFamilyHost>(nullptr);
+  return replayRecording(recording, report, [&](WebSDKWebView& view) {
+    registerForEveryFamily(view, host);
+    for (const FamilyType* family : hostFamilies) {
+      held.push_back(family->silentPlugin());
+      if (auto refused = view.setPlugin(*family, held.back()); !refused)
+        report << "the family " << family->name << " was refused: " << refused.error << "\n";
+    }
+  });
+}
+
 }  // namespace websdk::testing

@@ -1,6 +1,6 @@
 #include "Loyalty.hpp"
 
-#include <websdk/json/Record.hpp>
+#include <websdk/webview/WebSDKEvents.hpp>
 
 #include <iostream>
 
@@ -47,9 +47,10 @@ void LoyaltyPlugin::handleLoyaltyRequest(const websdk::WebSDKBridgeRequest<Loyal
                            WebSDKResponseType::success);
 
   // The page also hears of it as an event, the push a change made elsewhere
-  // (a purchase at the till) would be; its data is written from its model.
+  // (a purchase at the till) would be; its data is written from its model,
+  // the same declaration the app's catalogue gives the page's typings.
   const PointsChanged changed{points_, -*cost, "redeem:" + redeem->rewardId};
-  if (const auto view = view_.lock(); view && !view->emit(kPointsChanged, websdk::toJSON(changed)))
+  if (const auto view = view_.lock(); view && !websdk::emit(*view, kPointsChanged, changed))
     std::cerr << "loyalty: the view refused the event " << kPointsChanged << std::endl;
 }
 

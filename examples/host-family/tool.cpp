@@ -12,13 +12,11 @@
 #include "Loyalty.hpp"
 
 #include <websdk/testing/Catalogue.hpp>
-#include <websdk/testing/EveryFamilyHost.hpp>
 #include <websdk/testing/Replay.hpp>
 
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <memory>
 
 using namespace websdk;
 
@@ -38,15 +36,11 @@ int replay(const char* path) {
     std::cerr << "host-family-tool: cannot read " << path << std::endl;
     return 1;
   }
-  // The replay's view routes the library's families by itself; the app's own
-  // must be registered for its requests to be routed as they were. A plugin
-  // that answers nothing is enough: what is held against the recording is
-  // what reached the plugin, decoded by the family. The view holds it weakly.
-  const auto silent = std::make_shared<testing::SilentPlugin<loyalty::LoyaltyFamily>>();
-  const testing::ReplayResult result = testing::replayRecording(in, std::cout, [&](WebSDKWebView& view) {
-    if (const WebSDKRegistration registered = view.setPlugin<loyalty::LoyaltyFamily>(silent); !registered)
-      std::cerr << "host-family-tool: " << registered.error << std::endl;
-  });
+  // The replay's view knows the library's families; the app's own is named,
+  // so that its requests are routed as they were. What is held against the
+  // recording is what reached the plugin, decoded by the family: the replay's
+  // plugins answer nothing.
+  const testing::ReplayResult result = testing::replayRecording(in, std::cout, {&familyType<loyalty::LoyaltyFamily>()});
   if (result.unreadable > 0)
     std::cerr << "host-family-tool: " << result.unreadable << " lines are no recording's" << std::endl;
   if (result.requests == 0) std::cerr << "host-family-tool: " << path << " records no request" << std::endl;

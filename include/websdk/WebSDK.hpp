@@ -10,6 +10,7 @@
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
 #include "websdk/bridge/WebSDKScriptHandler.hpp"
 #include "websdk/webview/WebEngine.hpp"
+#include "websdk/webview/WebSDKEvents.hpp"
 #include "websdk/webview/WebSDKNavigationDelegate.hpp"
 #include "websdk/webview/WebSDKRequestHeaders.hpp"
 #include "websdk/webview/WebSDKWebView.hpp"

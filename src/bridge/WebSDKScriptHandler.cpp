@@ -165,7 +165,8 @@ class WebSDKScriptHandler::Intake final : public FamilyIntake {
 };
 
 namespace detail {
-std::optional<JSONObject> maskedPayload(const WebSDKTrafficRecorder& recorder, const std::optional<JSONObject>& payload) {
+std::optional<JSONObject> maskedPayload(const WebSDKTrafficRecorder& recorder,
+                                        const std::optional<JSONObject>& payload) {
   if (!payload) return std::nullopt;
   JSON masked = recorder.masked(JSON(*payload));
   if (auto* object = masked.if_object()) return std::move(*object);
@@ -342,8 +343,8 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
     if (type != nullptr && requestId != nullptr && requestId->is_string()) {
       std::string lenient;
-      const std::string_view action = type->is_string() ? std::string_view(type->get_string())
-                                                        : std::string_view(lenient = lenientString(type));
+      const std::string_view action =
+          type->is_string() ? std::string_view(type->get_string()) : std::string_view(lenient = lenientString(type));
       std::optional<HostRoute> route;
       const auto& builtIn = routes().byAction;
       if (const auto at = builtIn.find(action); at != builtIn.end())
@@ -361,8 +362,7 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
             if (recording_) recording_->outcome = "dropped";
             return;
           case FamilyTrial::notSubscribed:
-            answerFailure(request, WebSDKStatusCode::notFound, std::string(family->failureMessage),
-                          origin.topDocument);
+            answerFailure(request, WebSDKStatusCode::notFound, std::string(family->failureMessage), origin.topDocument);
             return;
           case FamilyTrial::declined: break;
         }

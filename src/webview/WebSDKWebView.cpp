@@ -127,7 +127,8 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   void warnOfBreakingText(const WebSDKJSFunctionType& type);
   bool toldBreakingPush_ = false;  // UI thread only
   /// Evaluates a pushed call in the document shown, if it is whitelisted.
-  void push(std::string script, ScriptCompletion completion);
+  /// `recorded`: what the recording writes of it, when not the script itself.
+  void push(std::string script, ScriptCompletion completion, std::optional<std::string> recorded = std::nullopt);
   void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
   /// A completion that tells the listener when `response` never ran.
   ScriptCompletion dropNotice(WebSDKResponseModel response);
@@ -140,7 +141,7 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   /// holds it weakly: a temporary dies at once).
   void registered(const FamilyType& family, std::weak_ptr<const void> plugin);
   /// Tells the page's `nativeEvent` of the host's event; UI thread.
-  void emit(std::string name, std::string script);
+  void emit(std::string name, std::string script, std::optional<std::string> recorded);
   bool toldNoEventReceiver_ = false;  // UI thread only
   /// Says, once the caller's turn is over, when what the host handed over is
   /// gone already: nobody but the view was holding it.
@@ -890,26 +891,28 @@ void WebSDKWebView::Impl::warnOfBreakingText(const WebSDKJSFunctionType& type) {
           "early and run as script. Send .escaped() pushes for text the app does not control (told once per view)");
 }
 
-void WebSDKWebView::Impl::push(std::string script, ScriptCompletion completion) {
+void WebSDKWebView::Impl::push(std::string script, ScriptCompletion completion, std::optional<std::string> recorded) {
   // Pushed events carry the app's state (login, addresses, payloads): only a
   // committed document on a whitelisted host receives them.
   const auto shown = trustedDocumentShown();
+  if (!recorded) recorded = script;
   if (!shown) {
-    if (recorder_) recorder_->push(script, shownURL(), WebSDKDropReason::pageNotWhitelisted);
+    if (recorder_) recorder_->push(*recorded, shownURL(), WebSDKDropReason::pageNotWhitelisted);
     if (auto listener = webJSCommunicatorDelegate.lock())
       listener->didDropPush(script, WebSDKDropReason::pageNotWhitelisted);
     if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
     return;
   }
-  if (recorder_) recorder_->push(script, shownURL());
+  if (recorder_) recorder_->push(*recorded, shownURL());
   if (!completion && webJSCommunicatorDelegate.expired() && !recorder_)
     return engine_->evaluateInDocument(*shown, script, nullptr);
   engine_->evaluateInDocument(*shown, script,
-                              [weak = weak_from_this(), script, completion = std::move(completion)](ScriptResult r) {
+                              [weak = weak_from_this(), script, recorded = std::move(*recorded),
+                               completion = std::move(completion)](ScriptResult r) {
                                 if (r.dropped)
                                   if (const auto v = weak.lock()) {
                                     if (v->recorder_)
-                                      v->recorder_->push(script, v->shownURL(), WebSDKDropReason::documentGone);
+                                      v->recorder_->push(recorded, v->shownURL(), WebSDKDropReason::documentGone);
                                     if (auto l = v->webJSCommunicatorDelegate.lock())
                                       l->didDropPush(script, WebSDKDropReason::documentGone);
                                   }
@@ -937,7 +940,10 @@ void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
   impl_->push(type.script(), nullptr);
 }
 
-bool WebSDKWebView::emit(std::string_view name, const JSON& data) {
+bool WebSDKWebView::emit(std::string_view name, const JSON& data) { return emit(name, data, {}); }
+
+bool WebSDKWebView::emit(std::string_view name, const JSON& data,
+                         const std::set<std::string, std::less<>>& sensitiveKeys) {
   const auto refuse = [&](const std::string& why) {
     impl_->say(LogLevel::error, "push", "the event \"" + shownInLog(name) + "\" is not sent: " + why);
     return false;
@@ -947,26 +953,38 @@ bool WebSDKWebView::emit(std::string_view name, const JSON& data) {
     if (WebSDKJSFunctionType::pageFunction(static_cast<WebSDKJSFunctionTypeCase>(i)).name == name)
       return refuse("it is the name of a page function, which the page would take the event for");
   // Both written as JSON: nothing of the data can end its argument early.
-  std::string script = "window.nativeEvent(" + serialize(JSON(name)) + ", " + serialize(data) + ")";
+  const std::string call = "window.nativeEvent(" + serialize(JSON(name)) + ", ";
+  std::string script = call + serialize(data) + ")";
   if (!isValidUTF8(script)) return refuse("its data holds text that is not UTF-8, which no page can read");
-  if (carriedToUIThread(*this, [name = std::string(name), script](WebSDKWebView& v) mutable {
-        v.impl_->emit(std::move(name), std::move(script));
+  // The recording writes the data as it writes a request's payload: its
+  // sensitive keys' values masked.
+  std::optional<std::string> recorded;
+  if (const auto& recorder = impl_->recorder_) {
+    if (!sensitiveKeys.empty()) recorder->addSensitiveKeys(sensitiveKeys);
+    recorded = call + serialize(recorder->masked(data)) + ")";
+  }
+  if (carriedToUIThread(*this, [name = std::string(name), script, recorded](WebSDKWebView& v) mutable {
+        v.impl_->emit(std::move(name), std::move(script), std::move(recorded));
       }))
     return true;
-  impl_->emit(std::string(name), std::move(script));
+  impl_->emit(std::string(name), std::move(script), std::move(recorded));
   return true;
 }
 
-void WebSDKWebView::Impl::emit(std::string name, std::string script) {
-  push(std::move(script), [weak = weak_from_this(), name = std::move(name)](ScriptResult result) {
-    // A page that has no receiver for events would lose them without a word.
-    if (!result.error) return;
-    const auto v = weak.lock();
-    if (!v || std::exchange(v->toldNoEventReceiver_, true)) return;
-    v->say(LogLevel::warning, "push",
-           "the event \"" + shownInLog(name) + "\" failed in the page (" + *result.error +
-               "): does the page install @websdk/page's client, or define window.nativeEvent? (told once per view)");
-  });
+void WebSDKWebView::Impl::emit(std::string name, std::string script, std::optional<std::string> recorded) {
+  push(
+      std::move(script),
+      [weak = weak_from_this(), name = std::move(name)](ScriptResult result) {
+        // A page that has no receiver for events would lose them without a word.
+        if (!result.error) return;
+        const auto v = weak.lock();
+        if (!v || std::exchange(v->toldNoEventReceiver_, true)) return;
+        v->say(
+            LogLevel::warning, "push",
+            "the event \"" + shownInLog(name) + "\" failed in the page (" + *result.error +
+                "): does the page install @websdk/page's client, or define window.nativeEvent? (told once per view)");
+      },
+      std::move(recorded));
 }
 
 // ---- Navigation: forwarded unchanged; with no delegate nothing is answered. ----

@@ -81,7 +81,8 @@ TEST_F(HostFamiliesTest, AnEventReachesATrustedPageAsJSONAndNeverAnUntrustedOne)
   const auto calls = page->of("call");
   ASSERT_EQ(calls.size(), 1u);
   EXPECT_EQ(calls[0].at("name"), "nativeEvent");
-  EXPECT_EQ(calls[0].at("args"), (JSONArray{JSON("loyaltyPointsChanged"), JSONObject{{"points", 120}, {"note", note}}}));
+  EXPECT_EQ(calls[0].at("args"),
+            (JSONArray{JSON("loyaltyPointsChanged"), JSONObject{{"points", 120}, {"note", note}}}));
   EXPECT_EQ(evaluate("window.hacked === undefined"), JSON(true));
 }
 

@@ -1,7 +1,7 @@
 #include "Catalogue.hpp"
 
-#include "websdk/testing/Catalogue.hpp"
 #include "websdk/json/Schema.hpp"
+#include "websdk/testing/Catalogue.hpp"
 #include "websdk/webview/WebSDKJSFunctionType.hpp"
 
 #include <string>

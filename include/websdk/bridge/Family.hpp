@@ -70,7 +70,8 @@ template <class R, class... Args>
 class FunctionRef<R(Args...)> {
  public:
   template <class F>
-  requires(!std::is_same_v<std::remove_cvref_t<F>, FunctionRef>) FunctionRef(F&& f) noexcept  // NOLINT: implicit
+  requires(!std::is_same_v<std::remove_cvref_t<F>, FunctionRef>) FunctionRef(F&& f)
+  noexcept  // NOLINT: implicit
       : object_(const_cast<void*>(static_cast<const void*>(&f))), call_([](void* o, Args... args) -> R {
           return (*static_cast<std::remove_reference_t<F>*>(o))(std::forward<Args>(args)...);
         }) {}
@@ -103,9 +104,9 @@ class WEBSDK_EXPORT FamilyIntake {
 
 /// A family as the bridge holds it at run time: the library's and a host's alike.
 struct WEBSDK_EXPORT FamilyType {
-  std::string_view name;            ///< The name tools and logs use ("cart").
-  std::string_view failureMessage;  ///< What the page is told when no plugin is set.
-  std::size_t slot;                 ///< Its place among the library's families; kFamilyCount for a host's.
+  std::string_view name;                  ///< The name tools and logs use ("cart").
+  std::string_view failureMessage;        ///< What the page is told when no plugin is set.
+  std::size_t slot;                       ///< Its place among the library's families; kFamilyCount for a host's.
   std::vector<std::string_view> actions;  ///< Its action strings, by action.
   std::set<std::string, std::less<>> sensitiveKeys;  ///< Keys and member names its models mark sensitive.
   /// Decodes the request of `action` (its payload, which it may move from)
@@ -114,6 +115,9 @@ struct WEBSDK_EXPORT FamilyType {
   /// {"name", "actions": [{"action", "case", "payload", "fields"}]}: what
   /// each action's model reads, as the catalogue prints it.
   JSON (*describe)();
+  /// A plugin of the family that takes every request and answers none (as
+  /// a replay's are), held as the bridge holds plugins.
+  std::shared_ptr<void> (*silentPlugin)();
 };
 
 namespace detail {
@@ -192,6 +196,22 @@ JSON describeMasked(const WebSDKTrafficRecorder& recorder, const typename F::Req
   return (described ? *described : typed).describe();
 }
 
+/// A plugin of family F that takes every request and answers none.
+template <class F>
+class SilentPlugin final : public F::template Serving<SilentPlugin<F>> {
+ public:
+  /// Takes the request, and leaves it unanswered.
+  template <class G>
+  void serve(const typename G::Request&, const typename G::Payload&) {}
+};
+
+template <class F>
+std::shared_ptr<void> makeSilentPlugin() {
+  // Held as the protocol: the bridge casts back to it.
+  std::shared_ptr<typename F::Plugin> plugin = std::make_shared<SilentPlugin<F>>();
+  return plugin;
+}
+
 // Family F's step: its request model (the payload moved out of the parsed
 // message, which is used only for its id afterwards), its typed payload, and
 // the call of its protocol.
@@ -219,7 +239,14 @@ FamilyTrial tryFamily(FamilyIntake& intake, std::size_t action, JSON* payload) {
 template <class F>
 const FamilyType& familyType() {
   static const FamilyType type = [] {
-    FamilyType t{F::name, F::failureMessage, F::slot, {}, {}, &detail::tryFamily<F>, &detail::describeFamily<F>};
+    FamilyType t{F::name,
+                 F::failureMessage,
+                 F::slot,
+                 {},
+                 {},
+                 &detail::tryFamily<F>,
+                 &detail::describeFamily<F>,
+                 &detail::makeSilentPlugin<F>};
     for (const auto& entry : enumTable<typename F::Action>) t.actions.push_back(entry.raw);
     std::apply(
         [&](auto... row) {
@@ -238,31 +265,32 @@ const FamilyType& familyType() {
 }
 
 /// Whether `name` can name a host's family, action or event: 1 to 128 bytes,
-/// a letter first, then letters, digits and `_ . : -`. Nothing when it can,
+/// a letter first, then letters, digits, underscores, dots, colons and
+/// hyphens. Nothing when it can,
 /// else why not, in words for the host's log.
 WEBSDK_EXPORT std::optional<std::string> invalidName(std::string_view name);
 
 }  // namespace websdk
 
-#define WEBSDK_DETAIL_FAMILY(Family, Row, familyName, message, Protocol, operation, ActionT, PayloadT)    \
-  class WEBSDK_EXPORT Protocol {                                                                      \
-   public:                                                                                            \
-    virtual ~Protocol() = default;                                                                    \
+#define WEBSDK_DETAIL_FAMILY(Family, Row, familyName, message, Protocol, operation, ActionT, PayloadT)          \
+  class WEBSDK_EXPORT Protocol {                                                                                \
+   public:                                                                                                      \
+    virtual ~Protocol() = default;                                                                              \
     virtual void operation(const ::websdk::WebSDKBridgeRequest<ActionT>& request, const PayloadT& payload) = 0; \
-  };                                                                                                  \
-  struct Family : Row<ActionT, PayloadT, Protocol> {                                                  \
-    static constexpr std::string_view name = familyName;                                              \
-    static constexpr std::string_view failureMessage = message;                                       \
-    static void call(Protocol& plugin, const Request& request, const Payload& payload) {              \
-      plugin.operation(request, payload);                                                             \
-    }                                                                                                 \
-    template <class Host>                                                                             \
-    class Serving : public Protocol {                                                                 \
-     public:                                                                                          \
-      void operation(const Request& request, const Payload& payload) override {                       \
-        static_cast<Host&>(*this).template serve<Family>(request, payload);                           \
-      }                                                                                               \
-    };                                                                                                \
+  };                                                                                                            \
+  struct Family : Row<ActionT, PayloadT, Protocol> {                                                            \
+    static constexpr std::string_view name = familyName;                                                        \
+    static constexpr std::string_view failureMessage = message;                                                 \
+    static void call(Protocol& plugin, const Request& request, const Payload& payload) {                        \
+      plugin.operation(request, payload);                                                                       \
+    }                                                                                                           \
+    template <class Host>                                                                                       \
+    class Serving : public Protocol {                                                                           \
+     public:                                                                                                    \
+      void operation(const Request& request, const Payload& payload) override {                                 \
+        static_cast<Host&>(*this).template serve<Family>(request, payload);                                     \
+      }                                                                                                         \
+    };                                                                                                          \
   };
 
 namespace websdk::detail {
@@ -280,7 +308,7 @@ struct InSlot {
 /// and `Family::Serving<Host>`, a protocol implementation that hands each
 /// request to `host.template serve<Family>(request, payload)`, for objects
 /// that serve families generically.
-#define WEBSDK_FAMILY(Family, slotN, familyName, message, Protocol, operation, ActionT, PayloadT)        \
+#define WEBSDK_FAMILY(Family, slotN, familyName, message, Protocol, operation, ActionT, PayloadT)            \
   WEBSDK_DETAIL_FAMILY(Family, ::websdk::detail::InSlot<slotN>::template Row, familyName, message, Protocol, \
                        operation, ActionT, PayloadT)
 

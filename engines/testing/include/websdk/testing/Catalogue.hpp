@@ -24,14 +24,15 @@ namespace websdk::testing {
 /// An event the host pushes (WebSDKWebView::emit) and the keys its data
 /// holds; no fields: any JSON.
 struct WEBSDK_EXPORT EventDeclaration {
-  std::string name;   ///< The event's name.
-  JSONArray fields;   ///< What its data holds, as a model's keys are listed.
+  std::string name;  ///< The event's name.
+  JSONArray fields;  ///< What its data holds, as a model's keys are listed.
 };
 
-/// Event `name`, whose data is written from model `Model`.
+/// Event `name`, whose data is written from model `Model` (websdk::emit):
+/// its required fields are always there.
 template <Declared Model>
 EventDeclaration declareEvent(std::string name) {
-  return EventDeclaration{std::move(name), modelSchema<Model>(false)};
+  return EventDeclaration{std::move(name), modelSchema<Model>(true)};
 }
 
 /// {"families": [{"name", "actions": [{"action", "case", "payload", "fields"}]}],

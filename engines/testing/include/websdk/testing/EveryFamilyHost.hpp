@@ -51,15 +51,9 @@ class WEBSDK_EXPORT EveryFamilyHost final : public detail::ServingAll<EveryFamil
 };
 
 /// A plugin of family F (the library's or a host's) that takes every request
-/// and answers none, as EveryFamilyHost does: for a replay of a host's
-/// recording, whose own plugins would answer.
+/// and answers none, as EveryFamilyHost does.
 template <class F>
-class SilentPlugin final : public F::template Serving<SilentPlugin<F>> {
- public:
-  /// Takes the request, and leaves it unanswered.
-  template <class G>
-  void serve(const typename G::Request&, const typename G::Payload&) {}
-};
+using SilentPlugin = websdk::detail::SilentPlugin<F>;
 
 /// Registers `host` on `view` for every family.
 inline void registerForEveryFamily(WebSDKWebView& view, const std::shared_ptr<EveryFamilyHost>& host) {

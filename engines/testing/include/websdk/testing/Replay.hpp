@@ -12,6 +12,7 @@
 #include <functional>
 #include <istream>
 #include <ostream>
+#include <vector>
 
 namespace websdk::testing {
 
@@ -31,5 +32,11 @@ using ReplayPlugins = std::function<void(WebSDKWebView& view)>;
 /// `report`: "same" or "differs", with the recorded and the present fate.
 WEBSDK_EXPORT ReplayResult replayRecording(std::istream& recording, std::ostream& report,
                                            const ReplayPlugins& plugins = nullptr);
+
+/// The same for a host's recording: every family of the library's and each
+/// of `hostFamilies` (familyType<F>() of the host's own) gets a plugin that
+/// answers nothing, held for the length of the replay.
+WEBSDK_EXPORT ReplayResult replayRecording(std::istream& recording, std::ostream& report,
+                                           const std::vector<const FamilyType*>& hostFamilies);
 
 }  // namespace websdk::testing

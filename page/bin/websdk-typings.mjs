@@ -10,8 +10,8 @@
 // Without --out the typings go to standard output. --check writes nothing and
 // fails (exit 1) while --out's file differs, for a host's CI.
 
-import { existsSync, readFileSync, writeFileSync } from "node:fs";
-import { basename } from "node:path";
+import { existsSync, mkdirSync, readFileSync, writeFileSync } from "node:fs";
+import { basename, dirname } from "node:path";
 import { parseArgs } from "node:util";
 
 import { generateHost } from "../scripts/generate-actions.mjs";
@@ -56,6 +56,7 @@ else if (values.check) {
   if (!existsSync(values.out) || readFileSync(values.out, "utf8") !== text)
     fail(`${values.out} differs from ${values.catalogue}; run websdk-typings without --check`, 1);
 } else if (!existsSync(values.out) || readFileSync(values.out, "utf8") !== text) {
+  mkdirSync(dirname(values.out), { recursive: true });  // a build's output folder may not be there yet
   writeFileSync(values.out, text);
   console.log(`websdk-typings: wrote ${values.out}`);
 }

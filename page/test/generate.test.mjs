@@ -110,7 +110,7 @@ test("a host's typings augment @websdk/page with its actions and events", () => 
   assert.doesNotMatch(text, /"TRANSFER_POINTS":/, "never accepted, so never a request");
   assert.equal(body("WebSDKHostRequiredPayloads").trim(), '"REDEEM_POINTS": true;');
   assert.match(body("WebSDKHostEvents"), /"loyaltyPointsChanged": \{\n {6}\/\*\* integer; always present \*\/\n {6}points: number;/);
-  assert.match(body("WebSDKHostEvents"), /expiring\?: Array<\{\n {8}\/\*\* lenientInt; always present \*\/\n {8}points: number;/);
+  assert.match(body("WebSDKHostEvents"), /expiring\?: Array<\{\n {8}\/\*\* lenientInt \*\/\n {8}points\?: number;/);
   assert.match(body("WebSDKHostEvents"), /"loyalty\.reset": unknown;/);
 });
 

@@ -102,9 +102,28 @@ enum class Trial { declined, delivered, dropped, notSubscribed };
 using TrialFn = Trial (*)(WebSDKScriptHandler&, DocumentID document, std::size_t action, std::string_view requestId,
                           JSON* payload, std::string_view& failureMessage);
 
+// What a family's plugin received, kept whole to be described when the
+// recording's line is written, off the UI thread.
+template <class F>
+class ReceivedBy final : public WebSDKReceivedPayload {
+ public:
+  ReceivedBy(typename F::Action action, typename F::Payload payload) : action_(action), payload_(std::move(payload)) {}
+  JSON describe() const override { return payload_.describe(); }
+  std::optional<JSON> describeDecoded(const std::optional<JSONObject>& payload) const override {
+    const auto decoded = F::Payload::decodeAction(action_, payload);
+    if (!decoded) return std::nullopt;
+    return decoded->describe();
+  }
+
+ private:
+  typename F::Action action_;
+  typename F::Payload payload_;
+};
+
 // One family's steps once its action is known: build its request model (the
 // payload is moved out of the parsed request, which is used only for its id
-// afterwards), decode the typed payload, and call the host object.
+// afterwards, and moved back for a recording), decode the typed payload, and
+// call the host object.
 template <class F>
 Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t action, std::string_view requestId,
                 JSON* payload, std::string_view& failureMessage) {
@@ -112,8 +131,17 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   if (payload != nullptr)
     if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
   WebSDKRecordedRequest* recording = handler.recording();
+  // A recording writes the payload as the page sent it: it gets it back
+  // whichever way the trial ends, without a copy.
+  struct GiveBack {
+    JSON* to;
+    std::optional<JSONObject>& from;
+    ~GiveBack() {
+      if (to != nullptr && from) *to = std::move(*from);
+    }
+  } giveBack{recording ? payload : nullptr, request.payload};
   if (recording) recording->family = F::name;
-  const auto typed = F::Payload::validateRequest(request);
+  auto typed = F::Payload::validateRequest(request);
   if (!typed) return Trial::declined;
   if (!handler.subscribed<F>()) {
     failureMessage = F::failureMessage;
@@ -125,19 +153,15 @@ Trial tryFamily(WebSDKScriptHandler& handler, DocumentID document, std::size_t a
   if (!plugin) return Trial::dropped;
   // Noted before the call: a plugin may answer from inside it.
   const std::uint64_t serial = handler.expectAnswer(requestId, document, F::name, rawValue(request.type));
-  if (recording) {
-    // Described from the payload as it is recorded, masked: a replay of the
-    // recording must find the same, and no masked value may reach the file
-    // through the description.
-    recording->outcome = "delivered";
-    typename F::Request recorded = request;
-    if (recorded.payload) recorded.payload = handler.recorder()->masked(JSON(*recorded.payload)).as_object();
-    const auto described = F::Payload::validateRequest(recorded);
-    recording->received = (described ? *described : *typed).describe();
+  if (recording) recording->outcome = "delivered";
+  {
+    // The request's reply is on offer to the plugin for the length of its call.
+    const detail::ReplyOffer offer(handler.webview, requestId, document, serial);
+    F::call(*plugin, request, *typed);
   }
-  // The request's reply is on offer to the plugin for the length of its call.
-  const detail::ReplyOffer offer(handler.webview, requestId, document, serial);
-  F::call(*plugin, request, *typed);
+  // Described by the recorder's writer, from the payload as recorded
+  // (masked), which is what a replay gets too.
+  if (recording) recording->receivedPayload = std::make_shared<const ReceivedBy<F>>(request.type, std::move(*typed));
   return Trial::delivered;
 }
 
@@ -195,13 +219,11 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     std::shared_ptr<WebSDKTrafficRecorder> recorder;
     std::optional<WebSDKRecordedRequest> request;  // made only when recording: intake pays nothing otherwise
     WebSDKRecordedRequest*& current;
-    const WebSDKTrafficRecorder*& currentRecorder;
     ~Recording() {
       current = nullptr;
-      currentRecorder = nullptr;
-      if (recorder) recorder->request(*request);
+      if (recorder) recorder->request(std::move(*request));
     }
-  } recorded{nullptr, std::nullopt, recording_, recorder_};
+  } recorded{nullptr, std::nullopt, recording_};
 
   // Judged by the URLs the engine recorded for the sending document, never by
   // one still loading and never by anything the message says. The top
@@ -220,7 +242,6 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     if (trafficRecorder) {
       recorded.recorder = trafficRecorder;
       recording_ = &recorded.request.emplace();
-      recorder_ = recorded.recorder.get();
       recording_->page = judged;
     }
     // A refused page's text is never parsed: its request id is looked for
@@ -257,13 +278,24 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
   }
   JSON request = parseJSON(text);
+  // The recording takes the payload once the trial is done with it: moved
+  // out of the parsed request, never copied.
+  struct PayloadToRecording {
+    JSON& request;
+    WebSDKRecordedRequest* recording;
+    ~PayloadToRecording() {
+      if (recording == nullptr) return;
+      if (auto* fields = request.if_object())
+        if (JSON* payload = fields->if_contains("payload")) recording->payload = std::move(*payload);
+    }
+  } payloadToRecording{request, recording_};
   if (auto* fields = request.if_object()) {
     const JSON* type = fields->if_contains("type");
     const JSON* requestId = fields->if_contains("requestId");
     if (recording_) {
       recording_->action = type ? lenientString(type) : "";
       recording_->requestId = requestId ? lenientString(requestId) : "";
-      if (const JSON* payload = fields->if_contains("payload")) recording_->payload = *payload;
+      recording_->textBytes = text.size();
     }
     if (type != nullptr && requestId != nullptr && requestId->is_string()) {
       const auto& table = routes();

@@ -346,6 +346,8 @@ WebSDKWebView::Impl::Impl(WebSDKWebView& view, std::unique_ptr<WebEngine> engine
       recorder_(recorderFor(webSDKConfig)) {
   // Media plays inline in every engine's view from its start: nothing to ask.
   engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
+  // A recording is written by a thread of its own, which a test's queue waits for.
+  if (recorder_) engine_->mainQueue().track(recorder_);
   // javaScriptEnabled and suppressesIncrementalRendering start true without
   // touching the engine: its configuration stays as the host made it.
 }

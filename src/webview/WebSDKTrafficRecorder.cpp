@@ -5,7 +5,6 @@
 #include "websdk/json/Model.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
@@ -277,10 +276,8 @@ struct WebSDKTrafficRecorder::State {
 
   // ---- The queue.
   std::mutex queueMutex;
-  std::condition_variable wake, caughtUp;
+  std::condition_variable wake, written;
   std::vector<Queued> queue;
-  std::vector<Queued> written;  // lines in the file, for the callers to free
-  static constexpr std::size_t kTakenBack = 4;  // lines freed per line handed over
   std::size_t queuedBytes = 0;
   std::uint64_t handedOver = 0, inFile = 0;  // lines (and secrets) handed over, and done with, so far
   std::uint64_t droppedNow = 0, droppedAll = 0;
@@ -365,22 +362,10 @@ std::unique_ptr<WebSDKTrafficRecorder> WebSDKTrafficRecorder::open(const WebSDKT
 // A line is dropped, never waited for, when the writer is too far behind;
 // the count of a run of dropped lines is handed over in their place when the
 // next line is taken (or at a flush, or at the end).
-//
-// Each call also takes back a few lines the writer is done with, and frees
-// them here: the memory of a line is the caller's (its payload was parsed
-// here), and freed on the writer it would leave the caller's allocator cache
-// empty, which made every allocation of the UI thread slower (half the cost
-// of a recorded request, measured by bridge_bench).
 void WebSDKTrafficRecorder::State::hand(Queued queued, std::size_t weight, bool droppable) {
-  std::optional<Queued> done[kTakenBack];  // freed on leaving, outside the lock
   bool wakeWriter = false;
   {
     std::lock_guard lock(queueMutex);
-    for (auto& line : done) {
-      if (written.empty()) break;
-      line.emplace(std::move(written.back()));
-      written.pop_back();
-    }
     if (droppable && !queue.empty() &&
         (queue.size() >= kQueuedLines || weight > kQueuedBytes - std::min(queuedBytes, kQueuedBytes))) {
       ++droppedNow;
@@ -438,7 +423,7 @@ void WebSDKTrafficRecorder::State::flush() {
     idle = false;
     wake.notify_one();
   }
-  caughtUp.wait(lock, [&] { return inFile >= target; });
+  written.wait(lock, [&] { return inFile >= target; });
 }
 
 std::uint64_t WebSDKTrafficRecorder::droppedLines() const {
@@ -468,13 +453,7 @@ void WebSDKTrafficRecorder::State::run() {
     write(batch);
     lock.lock();
     inFile = upTo;
-    // Back to the callers, to be freed where they were made (see hand()).
-    if (written.empty())
-      written.swap(batch);
-    else
-      std::move(batch.begin(), batch.end(), std::back_inserter(written));
-    batch.clear();
-    caughtUp.notify_all();
+    written.notify_all();
   }
 }
 
@@ -491,6 +470,8 @@ void WebSDKTrafficRecorder::State::write(std::vector<Queued>& batch) {
     }
   }
   writeOut();
+  // Emptied here, keeping its room: the callers' next queue is this one.
+  batch.clear();
 }
 
 void WebSDKTrafficRecorder::State::emit() {
@@ -572,8 +553,7 @@ void WebSDKTrafficRecorder::State::lineOf(std::int64_t time, WebSDKRecordedReque
     key(line, "payload");
     serializeTo(line, *r.payload);
   }
-  const bool describedHere = !r.received && r.receivedPayload;
-  if (describedHere) {
+  if (!r.received && r.receivedPayload) {
     // What the plugin got is what a replay of the masked payload gets, unless
     // masking changed the payload: then that is decoded, as a replay would.
     std::optional<JSON> described;
@@ -590,8 +570,6 @@ void WebSDKTrafficRecorder::State::lineOf(std::int64_t time, WebSDKRecordedReque
     key(line, "received");
     appendValue(line, *r.received);
   }
-  // Made here, freed here.
-  if (describedHere) r.received.reset();
   line += "}\n";
 }
 

@@ -99,9 +99,11 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder final : public BackgroundWork {
   std::uint64_t droppedLines() const;
 
   /// `value` as the recording writes it: sensitive keys' values and the
-  /// secrets replaced by the mask (unless masking is off).
+  /// secrets replaced by the mask (unless masking is off). Waits for the
+  /// writer to take in the secrets added so far.
   JSON masked(JSON value) const;
   /// `text` with the secrets replaced by the mask (unless masking is off).
+  /// Waits as the other does.
   std::string masked(std::string text) const;
 
   /// The JSON keys and member names of every field the request models mark

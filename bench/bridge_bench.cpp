@@ -4,7 +4,9 @@
 //   routing, decoding, plugin call), against BoostParse: one bare Boost.JSON
 //   parse of the same text. The first and the last family should cost alike.
 //   Intake/cart_recorded: the cart intake with the traffic recorder on (masked,
-//   to a file in the temporary directory): what recording costs a request;
+//   to a file in the temporary directory): what recording costs the UI thread
+//   a request, its writer thread let catch up, untimed, every 2048 requests
+//   (dropped= says how many lines it dropped: none, or the figure flatters);
 //   Intake/cart_recorded_headers: the same after a load with the app's
 //   headers, whose values the recorder then looks for in every text it writes.
 //   Envelope/1MB: the envelope of a 1 MB payload, in bytes per second.

@@ -7,15 +7,33 @@ void TestingMainQueue::post(std::function<void()> task) {
   tasks_.push_back(std::move(task));
 }
 
+void TestingMainQueue::track(std::weak_ptr<BackgroundWork> work) {
+  std::lock_guard lock(mutex_);
+  std::erase_if(tracked_, [](const auto& w) { return w.expired(); });
+  tracked_.push_back(std::move(work));
+}
+
 std::size_t TestingMainQueue::drain() {
   std::size_t ran = 0;
   for (;;) {
     std::function<void()> task;
+    std::vector<std::weak_ptr<BackgroundWork>> tracked;
     {
       std::lock_guard lock(mutex_);
+      if (tasks_.empty()) {
+        tracked = tracked_;
+      } else {
+        task = std::move(tasks_.front());
+        tasks_.pop_front();
+      }
+    }
+    if (!task) {
+      // Settled outside the lock: the work may post, and then there is more to run.
+      for (const auto& w : tracked)
+        if (const auto work = w.lock()) work->settle();
+      std::lock_guard lock(mutex_);
       if (tasks_.empty()) return ran;
-      task = std::move(tasks_.front());
-      tasks_.pop_front();
+      continue;
     }
     task();
     ++ran;

@@ -132,9 +132,10 @@ class WebSDKScriptHandler::Intake final : public FamilyIntake {
   Intake(WebSDKScriptHandler& handler, std::size_t subscription, std::string_view requestId, DocumentID document)
       : handler_(handler), subscription_(subscription), requestId_(requestId), document_(document) {}
   std::string_view requestId() const override { return requestId_; }
+  bool records() const override { return handler_.recording() != nullptr; }
 
-  FamilyTrial hand(std::string_view action, detail::FunctionRef<JSON(const WebSDKTrafficRecorder&)> describe,
-                   detail::FunctionRef<void(void*)> call) override {
+  FamilyTrial hand(std::string_view action, detail::FunctionRef<void(void*)> call,
+                   detail::FunctionRef<std::shared_ptr<const WebSDKReceivedPayload>()> received) override {
     Subscription& held = handler_.subscriptions_[subscription_];
     if (held.plugin.expired()) {
       if (!held.unsubscribedAsk)
@@ -147,13 +148,14 @@ class WebSDKScriptHandler::Intake final : public FamilyIntake {
     const std::string_view family = held.family->name;
     // Noted before the call: a plugin may answer from inside it.
     const std::uint64_t serial = handler_.expectAnswer(requestId_, document_, family, action);
-    if (WebSDKRecordedRequest* recording = handler_.recording()) {
-      recording->outcome = "delivered";
-      recording->received = describe(*handler_.recorder());
+    WebSDKRecordedRequest* recording = handler_.recording();
+    if (recording) recording->outcome = "delivered";
+    {
+      // The request's reply is on offer to the plugin for the length of its call.
+      const detail::ReplyOffer offer(handler_.webview, requestId_, document_, serial);
+      call(plugin.get());
     }
-    // The request's reply is on offer to the plugin for the length of its call.
-    const detail::ReplyOffer offer(handler_.webview, requestId_, document_, serial);
-    call(plugin.get());
+    if (recording) recording->receivedPayload = received();
     return FamilyTrial::delivered;
   }
 
@@ -163,16 +165,6 @@ class WebSDKScriptHandler::Intake final : public FamilyIntake {
   std::string_view requestId_;
   DocumentID document_;
 };
-
-namespace detail {
-std::optional<JSONObject> maskedPayload(const WebSDKTrafficRecorder& recorder,
-                                        const std::optional<JSONObject>& payload) {
-  if (!payload) return std::nullopt;
-  JSON masked = recorder.masked(JSON(*payload));
-  if (auto* object = masked.if_object()) return std::move(*object);
-  return std::nullopt;
-}
-}  // namespace detail
 
 std::optional<std::string> invalidName(std::string_view name) {
   constexpr std::size_t kLongest = 128;
@@ -271,13 +263,11 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     std::shared_ptr<WebSDKTrafficRecorder> recorder;
     std::optional<WebSDKRecordedRequest> request;  // made only when recording: intake pays nothing otherwise
     WebSDKRecordedRequest*& current;
-    const WebSDKTrafficRecorder*& currentRecorder;
     ~Recording() {
       current = nullptr;
-      currentRecorder = nullptr;
-      if (recorder) recorder->request(*request);
+      if (recorder) recorder->request(std::move(*request));
     }
-  } recorded{nullptr, std::nullopt, recording_, recorder_};
+  } recorded{nullptr, std::nullopt, recording_};
 
   // Judged by the URLs the engine recorded for the sending document, never by
   // one still loading and never by anything the message says. The top
@@ -296,7 +286,6 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     if (trafficRecorder) {
       recorded.recorder = trafficRecorder;
       recording_ = &recorded.request.emplace();
-      recorder_ = recorded.recorder.get();
       recording_->page = judged;
     }
     // A refused page's text is never parsed: its request id is looked for
@@ -333,13 +322,24 @@ void WebSDKScriptHandler::userContentController(const ScriptMessage& message) {
     }
   }
   JSON request = parseJSON(text);
+  // The recording takes the payload once the trial is done with it: moved
+  // out of the parsed request, never copied.
+  struct PayloadToRecording {
+    JSON& request;
+    WebSDKRecordedRequest* recording;
+    ~PayloadToRecording() {
+      if (recording == nullptr) return;
+      if (auto* fields = request.if_object())
+        if (JSON* payload = fields->if_contains("payload")) recording->payload = std::move(*payload);
+    }
+  } payloadToRecording{request, recording_};
   if (auto* fields = request.if_object()) {
     const JSON* type = fields->if_contains("type");
     const JSON* requestId = fields->if_contains("requestId");
     if (recording_) {
       recording_->action = type ? lenientString(type) : "";
       recording_->requestId = requestId ? lenientString(requestId) : "";
-      if (const JSON* payload = fields->if_contains("payload")) recording_->payload = *payload;
+      recording_->textBytes = text.size();
     }
     if (type != nullptr && requestId != nullptr && requestId->is_string()) {
       std::string lenient;

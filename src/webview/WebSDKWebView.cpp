@@ -127,8 +127,16 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   void warnOfBreakingText(const WebSDKJSFunctionType& type);
   bool toldBreakingPush_ = false;  // UI thread only
   /// Evaluates a pushed call in the document shown, if it is whitelisted.
-  /// `recorded`: what the recording writes of it, when not the script itself.
-  void push(std::string script, ScriptCompletion completion, std::optional<std::string> recorded = std::nullopt);
+  /// A host's event as the recording takes it: its call, and its data to
+  /// mask key by key.
+  struct EventRecord {
+    std::string call;
+    JSON data;
+  };
+  /// `event`: what the recording writes of an event, in place of its script.
+  void push(std::string script, ScriptCompletion completion, std::optional<EventRecord> event = std::nullopt);
+  void recordPush(const std::string& script, const std::optional<EventRecord>& event,
+                  std::optional<WebSDKDropReason> dropped);
   void tellDropped(const WebSDKResponseModel& response, WebSDKDropReason reason);
   /// A completion that tells the listener when `response` never ran.
   ScriptCompletion dropNotice(WebSDKResponseModel response);
@@ -141,7 +149,7 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   /// holds it weakly: a temporary dies at once).
   void registered(const FamilyType& family, std::weak_ptr<const void> plugin);
   /// Tells the page's `nativeEvent` of the host's event; UI thread.
-  void emit(std::string name, std::string script, std::optional<std::string> recorded);
+  void emit(std::string name, std::string script, std::optional<EventRecord> recorded);
   bool toldNoEventReceiver_ = false;  // UI thread only
   /// Says, once the caller's turn is over, when what the host handed over is
   /// gone already: nobody but the view was holding it.
@@ -351,6 +359,8 @@ WebSDKWebView::Impl::Impl(WebSDKWebView& view, std::unique_ptr<WebEngine> engine
       recorder_(recorderFor(webSDKConfig)) {
   // Media plays inline in every engine's view from its start: nothing to ask.
   engine_->addScriptMessageHandler(handler_, std::string(kHandlerName));
+  // A recording is written by a thread of its own, which a test's queue waits for.
+  if (recorder_) engine_->mainQueue().track(recorder_);
   // javaScriptEnabled and suppressesIncrementalRendering start true without
   // touching the engine: its configuration stays as the host made it.
 }
@@ -891,33 +901,39 @@ void WebSDKWebView::Impl::warnOfBreakingText(const WebSDKJSFunctionType& type) {
           "early and run as script. Send .escaped() pushes for text the app does not control (told once per view)");
 }
 
-void WebSDKWebView::Impl::push(std::string script, ScriptCompletion completion, std::optional<std::string> recorded) {
+void WebSDKWebView::Impl::recordPush(const std::string& script, const std::optional<EventRecord>& event,
+                                     std::optional<WebSDKDropReason> dropped) {
+  if (!recorder_) return;
+  if (event)
+    recorder_->event(event->call, event->data, shownURL(), dropped);
+  else
+    recorder_->push(script, shownURL(), dropped);
+}
+
+void WebSDKWebView::Impl::push(std::string script, ScriptCompletion completion, std::optional<EventRecord> event) {
   // Pushed events carry the app's state (login, addresses, payloads): only a
   // committed document on a whitelisted host receives them.
   const auto shown = trustedDocumentShown();
-  if (!recorded) recorded = script;
   if (!shown) {
-    if (recorder_) recorder_->push(*recorded, shownURL(), WebSDKDropReason::pageNotWhitelisted);
+    recordPush(script, event, WebSDKDropReason::pageNotWhitelisted);
     if (auto listener = webJSCommunicatorDelegate.lock())
       listener->didDropPush(script, WebSDKDropReason::pageNotWhitelisted);
     if (completion) completion(ScriptResult{std::nullopt, std::nullopt, true});
     return;
   }
-  if (recorder_) recorder_->push(*recorded, shownURL());
+  recordPush(script, event, std::nullopt);
   if (!completion && webJSCommunicatorDelegate.expired() && !recorder_)
     return engine_->evaluateInDocument(*shown, script, nullptr);
-  engine_->evaluateInDocument(*shown, script,
-                              [weak = weak_from_this(), script, recorded = std::move(*recorded),
-                               completion = std::move(completion)](ScriptResult r) {
-                                if (r.dropped)
-                                  if (const auto v = weak.lock()) {
-                                    if (v->recorder_)
-                                      v->recorder_->push(recorded, v->shownURL(), WebSDKDropReason::documentGone);
-                                    if (auto l = v->webJSCommunicatorDelegate.lock())
-                                      l->didDropPush(script, WebSDKDropReason::documentGone);
-                                  }
-                                if (completion) completion(std::move(r));
-                              });
+  engine_->evaluateInDocument(
+      *shown, script,
+      [weak = weak_from_this(), script, event = std::move(event), completion = std::move(completion)](ScriptResult r) {
+        if (r.dropped)
+          if (const auto v = weak.lock()) {
+            v->recordPush(script, event, WebSDKDropReason::documentGone);
+            if (auto l = v->webJSCommunicatorDelegate.lock()) l->didDropPush(script, WebSDKDropReason::documentGone);
+          }
+        if (completion) completion(std::move(r));
+      });
 }
 
 void WebSDKWebView::executeJSFunctionWithCompletion(const WebSDKJSFunctionType& type,
@@ -958,10 +974,10 @@ bool WebSDKWebView::emit(std::string_view name, const JSON& data,
   if (!isValidUTF8(script)) return refuse("its data holds text that is not UTF-8, which no page can read");
   // The recording writes the data as it writes a request's payload: its
   // sensitive keys' values masked.
-  std::optional<std::string> recorded;
+  std::optional<Impl::EventRecord> recorded;
   if (const auto& recorder = impl_->recorder_) {
     if (!sensitiveKeys.empty()) recorder->addSensitiveKeys(sensitiveKeys);
-    recorded = call + serialize(recorder->masked(data)) + ")";
+    recorded = Impl::EventRecord{call, data};
   }
   if (carriedToUIThread(*this, [name = std::string(name), script, recorded](WebSDKWebView& v) mutable {
         v.impl_->emit(std::move(name), std::move(script), std::move(recorded));
@@ -971,7 +987,7 @@ bool WebSDKWebView::emit(std::string_view name, const JSON& data,
   return true;
 }
 
-void WebSDKWebView::Impl::emit(std::string name, std::string script, std::optional<std::string> recorded) {
+void WebSDKWebView::Impl::emit(std::string name, std::string script, std::optional<EventRecord> recorded) {
   push(
       std::move(script),
       [weak = weak_from_this(), name = std::move(name)](ScriptResult result) {

@@ -14,6 +14,7 @@
 /// and counts through it, the library's families and a host's alike.
 
 #include "websdk/Export.hpp"
+#include "websdk/bridge/ReceivedPayload.hpp"
 #include "websdk/bridge/RequestModel.hpp"
 #include "websdk/json/Schema.hpp"
 
@@ -29,8 +30,6 @@
 #include <vector>
 
 namespace websdk {
-
-class WebSDKTrafficRecorder;
 
 /// How many families the library ships; each of their slots is below this,
 /// and a host's families come after them.
@@ -90,13 +89,16 @@ class WEBSDK_EXPORT FamilyIntake {
  public:
   /// The page's id for the request.
   virtual std::string_view requestId() const = 0;
+  /// Whether the view records its traffic: the recording then takes the
+  /// request's payload back once the step is done with it, and what the
+  /// plugin received.
+  virtual bool records() const = 0;
   /// Hands a request that decoded as `action` on: the family's plugin is
   /// looked up (no plugin: notSubscribed; released: dropped), its answer is
-  /// expected, the request is recorded (described by `describe`, from the
-  /// payload as the recording masks it), its reply is on offer, and `call`
-  /// gets the plugin (the family's protocol).
-  virtual FamilyTrial hand(std::string_view action, detail::FunctionRef<JSON(const WebSDKTrafficRecorder&)> describe,
-                           detail::FunctionRef<void(void* plugin)> call) = 0;
+  /// expected, its reply is on offer while `call` gets the plugin (the
+  /// family's protocol), and the recording then takes what `received` gives.
+  virtual FamilyTrial hand(std::string_view action, detail::FunctionRef<void(void* plugin)> call,
+                           detail::FunctionRef<std::shared_ptr<const WebSDKReceivedPayload>()> received) = 0;
 
  protected:
   ~FamilyIntake() = default;
@@ -185,16 +187,23 @@ JSON describeFamily() {
   return out;
 }
 
-/// The masked payload of `request`, decoded again and described (the typed
-/// payload itself when the masked one no longer decodes).
-WEBSDK_EXPORT std::optional<JSONObject> maskedPayload(const WebSDKTrafficRecorder& recorder,
-                                                      const std::optional<JSONObject>& payload);
+// What family F's plugin received, kept whole to be described when the
+// recording's line is written, off the UI thread.
 template <class F>
-JSON describeMasked(const WebSDKTrafficRecorder& recorder, const typename F::Request& request,
-                    const typename F::Payload& typed) {
-  const auto described = F::Payload::decodeAction(request.type, maskedPayload(recorder, request.payload));
-  return (described ? *described : typed).describe();
-}
+class ReceivedBy final : public WebSDKReceivedPayload {
+ public:
+  ReceivedBy(typename F::Action action, typename F::Payload payload) : action_(action), payload_(std::move(payload)) {}
+  JSON describe() const override { return payload_.describe(); }
+  std::optional<JSON> describeDecoded(const std::optional<JSONObject>& payload) const override {
+    const auto decoded = F::Payload::decodeAction(action_, payload);
+    if (!decoded) return std::nullopt;
+    return decoded->describe();
+  }
+
+ private:
+  typename F::Action action_;
+  typename F::Payload payload_;
+};
 
 /// A plugin of family F that takes every request and answers none.
 template <class F>
@@ -213,24 +222,32 @@ std::shared_ptr<void> makeSilentPlugin() {
 }
 
 // Family F's step: its request model (the payload moved out of the parsed
-// message, which is used only for its id afterwards), its typed payload, and
-// the call of its protocol.
+// message, which is used only for its id afterwards, and moved back for a
+// recording), its typed payload, and the call of its protocol.
 template <class F>
 FamilyTrial tryFamily(FamilyIntake& intake, std::size_t action, JSON* payload) {
   typename F::Request request{static_cast<typename F::Action>(action), std::string(intake.requestId()), std::nullopt};
   if (payload != nullptr)
     if (auto* object = payload->if_object()) request.payload.emplace(std::move(*object));
-  const auto typed = F::Payload::decodeAction(request.type, request.payload);
+  // A recording writes the payload as the page sent it: it gets it back
+  // whichever way the step ends, without a copy.
+  struct GiveBack {
+    JSON* to;
+    std::optional<JSONObject>& from;
+    ~GiveBack() {
+      if (to != nullptr && from) *to = std::move(*from);
+    }
+  } giveBack{intake.records() ? payload : nullptr, request.payload};
+  auto typed = F::Payload::decodeAction(request.type, request.payload);
   if (!typed) return FamilyTrial::declined;
   return intake.hand(
       rawValue(request.type),
-      [&](const WebSDKTrafficRecorder& recorder) {
-        // Described from the payload as it is recorded, masked: a replay of
-        // the recording must find the same, and no masked value may reach
-        // the file through the description.
-        return describeMasked<F>(recorder, request, *typed);
-      },
-      [&](void* plugin) { F::call(*static_cast<typename F::Plugin*>(plugin), request, *typed); });
+      [&](void* plugin) { F::call(*static_cast<typename F::Plugin*>(plugin), request, *typed); },
+      [&]() -> std::shared_ptr<const WebSDKReceivedPayload> {
+        // Described by the recorder's writer, from the payload as recorded
+        // (masked), which is what a replay gets too.
+        return std::make_shared<const ReceivedBy<F>>(request.type, std::move(*typed));
+      });
 }
 
 }  // namespace detail

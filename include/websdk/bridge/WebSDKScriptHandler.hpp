@@ -124,8 +124,6 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   /// The record of the message being handled, while the view records its
   /// traffic; nothing otherwise. UI thread, during userContentController.
   WebSDKRecordedRequest* recording() const { return recording_; }
-  /// The recorder `recording()` is written to.
-  const WebSDKTrafficRecorder* recorder() const { return recorder_; }
 
  private:
   bool isTrusted(const WebSDKConfig& config, std::string_view url);
@@ -160,7 +158,6 @@ class WEBSDK_EXPORT WebSDKScriptHandler final : public ScriptMessageHandler {
   // from an untrusted host is told of once, not once per message.
   std::optional<DocumentID> refusalLogged_;
   WebSDKRecordedRequest* recording_ = nullptr;
-  const WebSDKTrafficRecorder* recorder_ = nullptr;
 };
 
 }  // namespace websdk

@@ -108,6 +108,16 @@ class WEBSDK_EXPORT ScriptMessageHandler {
   virtual void userContentController(const ScriptMessage& message) = 0;
 };
 
+/// Work a view hands to a thread of its own (a traffic recording's writer).
+class WEBSDK_EXPORT BackgroundWork {
+ public:
+  /// Returns once everything handed over before the call is done.
+  virtual void settle() = 0;
+
+ protected:
+  ~BackgroundWork() = default;
+};
+
 /// The engine's UI-thread queue. post() may be called from any thread; tasks
 /// run on the UI thread in the order posted.
 class WEBSDK_EXPORT MainQueue {
@@ -120,6 +130,10 @@ class WEBSDK_EXPORT MainQueue {
   /// Whether the calling thread is the UI thread (an engine with no thread
   /// of its own says yes everywhere).
   virtual bool isUIThread() const { return true; }
+  /// Tells the queue of `work` a view does off the UI thread. A queue that
+  /// tests drain settles it at the end of each drain, so that a test reads
+  /// what the work did; an engine's own queue leaves it alone. UI thread.
+  virtual void track(std::weak_ptr<BackgroundWork> work) { (void)work; }
 };
 
 // ---- Navigation ------------------------------------------------------------

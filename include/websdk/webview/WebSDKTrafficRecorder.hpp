@@ -3,24 +3,24 @@
 /// The traffic recorder: one JSON line per event a view's bridge sees, so a
 /// failing session can be read, or replayed (websdk-inspect --replay), away
 /// from the app. Masked by default; bounded by a size cap with one rotation;
-/// readable by its owner alone.
+/// readable by its owner alone; written off the UI thread.
 
 #include "websdk/Export.hpp"
+#include "websdk/bridge/ReceivedPayload.hpp"
 #include "websdk/bridge/WebSDKJSCommunicationProtocol.hpp"
 #include "websdk/json/JSON.hpp"
+#include "websdk/webview/WebEngine.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
 #include "websdk/webview/WebSDKResponseModel.hpp"
 
-#include <array>
-#include <cstdio>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace websdk {
 
@@ -39,16 +39,27 @@ struct WEBSDK_EXPORT WebSDKRecordedRequest {
   /// When delivered: the description of the typed payload the plugin gets
   /// from the payload as recorded (masked), which is what a replay gets too.
   std::optional<JSON> received;
+  /// When delivered and `received` is not given: what the plugin received,
+  /// described as the line is written. When masking changes the payload, the
+  /// description is of what the masked payload decodes to, as `received` says.
+  std::shared_ptr<const WebSDKReceivedPayload> receivedPayload;
+  /// The size of the request's text, which its line weighs on the writer's
+  /// queue besides the strings above.
+  std::size_t textBytes = 0;
 };
 
-/// Writes a view's traffic to its recording as JSON lines, masked; each line
-/// is flushed as it is written.
-class WEBSDK_EXPORT WebSDKTrafficRecorder {
+/// Writes a view's traffic to its recording as JSON lines, masked. The
+/// calls only hand a line's parts over: a thread of the recorder's own masks,
+/// encodes and writes them, in the order handed over. When it falls behind by
+/// more than kQueuedLines lines (or kQueuedBytes), later lines are dropped,
+/// never waited for, and a "dropped" line says how many, where they were.
+class WEBSDK_EXPORT WebSDKTrafficRecorder final : public BackgroundWork {
  public:
   /// Opens the recording for `view`'s traffic and writes its first line (the
   /// whitelist the view judges by); nothing, logged, when the file cannot be
   /// opened.
   static std::unique_ptr<WebSDKTrafficRecorder> open(const WebSDKTrafficRecording& recording, const WebSDKConfig& view);
+  /// Writes every line handed over, then closes the file.
   ~WebSDKTrafficRecorder();
 
   /// Values that must never reach the file (the app's header values); masked
@@ -56,7 +67,7 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   /// scripts), inside longer text too, written plainly, percent-encoded or
   /// escaped, and as a JSON number, boolean or null whose text they are. Each
   /// space-separated part longer than 8 bytes (a `Bearer` value's token) is
-  /// masked on its own as well.
+  /// masked on its own as well. Masked in every line handed over after this.
   void addSecrets(const std::map<std::string, std::string>& fields);
 
   /// Keys (JSON keys or member names) whose values are masked from now on,
@@ -65,18 +76,32 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   void addSensitiveKeys(const std::set<std::string, std::less<>>& keys);
 
   /// A request the page posted, and what became of it.
-  void request(const WebSDKRecordedRequest& request);
+  void request(WebSDKRecordedRequest request);
   /// An answer evaluated in `page` (outcome "sent"), or one that was not
   /// (`dropped` says why).
   void answer(const WebSDKResponseModel& response, std::string_view page,
               std::optional<WebSDKDropReason> dropped = std::nullopt);
   /// A pushed page-function call, evaluated or not.
   void push(std::string_view script, std::string_view page, std::optional<WebSDKDropReason> dropped = std::nullopt);
+  /// A host's event pushed as `call` + `data` + ")", evaluated or not: written
+  /// as a push, its data masked key by key as a request's payload is.
+  void event(std::string_view call, JSON data, std::string_view page,
+             std::optional<WebSDKDropReason> dropped = std::nullopt);
+
+  /// Returns once every line handed over before the call is in the file
+  /// (with the count of any dropped since the last line written).
+  void flush();
+  /// The same, for a queue that waits for the view's work.
+  void settle() override { flush(); }
+  /// How many lines were dropped since the recording opened.
+  std::uint64_t droppedLines() const;
 
   /// `value` as the recording writes it: sensitive keys' values and the
-  /// secrets replaced by the mask (unless masking is off).
+  /// secrets replaced by the mask (unless masking is off). Waits for the
+  /// writer to take in the secrets added so far.
   JSON masked(JSON value) const;
   /// `text` with the secrets replaced by the mask (unless masking is off).
+  /// Waits as the other does.
   std::string masked(std::string text) const;
 
   /// The JSON keys and member names of every field the request models mark
@@ -88,27 +113,16 @@ class WEBSDK_EXPORT WebSDKTrafficRecorder {
   static bool isSensitiveKey(std::string_view key);
   /// What a masked value is written as.
   static constexpr std::string_view kMask = "***";
+  /// How many lines may wait for the writer before later ones are dropped.
+  static constexpr std::size_t kQueuedLines = 4096;
+  /// How many bytes of text may wait for it (a line of more is taken only
+  /// when none waits).
+  static constexpr std::size_t kQueuedBytes = std::size_t{64} << 20;
 
  private:
+  struct State;
   explicit WebSDKTrafficRecorder(const WebSDKTrafficRecording& recording);
-  // These run with mutex_ held.
-  void mask(JSON& value, bool sensitive) const;
-  bool mask(std::string_view text, std::string& out) const;  // out: the masked text, when it holds a secret
-  bool mask(std::string& text) const;
-  std::string maskedText(std::string_view text) const;
-  bool isSecretScalar(const JSON& value) const;
-  bool isSensitive(std::string_view key) const;
-  void write(JSONObject line);  // with mutex_ held
-
-  WebSDKTrafficRecording recording_;
-  std::set<std::string, std::less<>> appKeys_;  // the recording's own sensitive keys, folded
-  mutable std::mutex mutex_;                    // answers are recorded on the UI thread, but secrets may come from any
-  std::FILE* file_ = nullptr;
-  std::size_t bytes_ = 0;
-  bool rotates_ = false;
-  std::vector<std::string> secrets_;        // longest first, so a whole value is masked before its parts
-  std::vector<std::string> scalarSecrets_;  // those a JSON number, boolean or null can be written as
-  std::array<bool, 256> secretStarts_{};    // the bytes a secret's written form can begin with
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace websdk

@@ -28,7 +28,10 @@ class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
  public:
   void post(std::function<void()> task) override;
   void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
-  /// Runs queued tasks (also those they post) until none is left; returns how many ran.
+  void track(std::weak_ptr<BackgroundWork> work) override;
+  /// Runs queued tasks (also those they post) until none is left, then waits
+  /// for the work tracked to settle (a recording's lines are in its file);
+  /// returns how many tasks ran.
   std::size_t drain();
   /// Moves the clock on by `by`, queues every delayed task then due (earliest
   /// first) and drains; returns how many tasks ran.
@@ -41,6 +44,7 @@ class WEBSDK_EXPORT TestingMainQueue final : public MainQueue {
   std::deque<std::function<void()>> tasks_;
   std::chrono::milliseconds now_{0};
   std::multimap<std::chrono::milliseconds, std::function<void()>> delayed_;
+  std::vector<std::weak_ptr<BackgroundWork>> tracked_;
 };
 
 /// An engine in memory: it records every load, script, handler and preference,

@@ -62,7 +62,8 @@ TEST(AnswersFileTest, AFileOfAnotherShapeIsRefusedWithTheActionNamed) {
 // answers the bridge gave itself (to requests no plugin received) are not
 // the app's, and are left out.
 TEST(RecordingTest, AnswersGoToTheirRequestsActionsInTheOrderSent) {
-  std::istringstream in(R"j({"event":"answer","requestId":"1","outcome":"sent","response":{"type":"SUCCESS","statusCode":0,"payload":{"items":1}}}
+  std::istringstream in(
+      R"j({"event":"answer","requestId":"1","outcome":"sent","response":{"type":"SUCCESS","statusCode":0,"payload":{"items":1}}}
 {"event":"request","requestId":"1","action":"GET_LOCAL_CART","family":"cart","outcome":"delivered"}
 {"event":"request","requestId":"2","action":"GET_LOCAL_CART","family":"cart","outcome":"delivered"}
 {"event":"request","requestId":"3","action":"APPLY_COUPON","family":"","outcome":"refused","status":1004}
@@ -75,7 +76,8 @@ TEST(RecordingTest, AnswersGoToTheirRequestsActionsInTheOrderSent) {
   auto book = AnswerBook::fromRecording(in, error);
   ASSERT_TRUE(book) << error;
   EXPECT_EQ(book->actions(), 1u);
-  EXPECT_EQ(book->next("GET_LOCAL_CART"), (Answer{WebSDKResponseType::success, 0, std::nullopt, parseJSON(R"({"items":1})")}));
+  EXPECT_EQ(book->next("GET_LOCAL_CART"),
+            (Answer{WebSDKResponseType::success, 0, std::nullopt, parseJSON(R"({"items":1})")}));
   EXPECT_EQ(book->next("GET_LOCAL_CART"), (Answer{WebSDKResponseType::failure, 1003, "busy", std::nullopt}));
   EXPECT_EQ(book->next("APPLY_COUPON"), std::nullopt);
 }

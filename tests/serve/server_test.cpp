@@ -2,12 +2,12 @@
 // on its own thread plays the browser while the test's thread runs the loop.
 #include "websdk/browser/BrowserEngine.hpp"
 
+#include <gtest/gtest.h>
 #include <boost/asio/connect.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <filesystem>
@@ -24,7 +24,8 @@ namespace websocket = beast::websocket;
 using tcp = asio::ip::tcp;
 
 struct Folder {
-  std::filesystem::path root = std::filesystem::temp_directory_path() / ("websdk-serve-test-" + std::to_string(::getpid()));
+  std::filesystem::path root =
+      std::filesystem::temp_directory_path() / ("websdk-serve-test-" + std::to_string(::getpid()));
   Folder() {
     std::filesystem::create_directories(root / "page");
     std::ofstream(root / "page" / "index.html") << "<!doctype html><html><head><title>t</title><script>mine()</script>";

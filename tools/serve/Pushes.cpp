@@ -66,7 +66,9 @@ bool tryCase(std::string_view name, std::string_view rest, std::optional<Push>& 
               using V = std::remove_cvref_t<decltype(value)>;
               fine = false;
               error = std::string(rawValue(C)) + ": its argument \"" + std::string(f.name) + "\" is " +
-                      (std::is_same_v<V, bool> ? "true or false" : std::is_floating_point_v<V> ? "a number" : "text") +
+                      (std::is_same_v<V, bool>       ? "true or false"
+                       : std::is_floating_point_v<V> ? "a number"
+                                                     : "text") +
                       (word.empty() ? ", and is missing" : ", not " + std::string(word));
             }
           };

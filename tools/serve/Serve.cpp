@@ -119,9 +119,9 @@ std::vector<std::string> lines(const std::string& text) {
 }  // namespace
 
 std::optional<Options> parseArguments(const std::vector<std::string>& args, bool hostPlugins, std::string& error) {
-  static constexpr tools::OptionSpec known[] = {
-      {"--proxy", true},   {"--answers", true}, {"--replay", true},  {"--pushes", true},
-      {"--headers", true}, {"--port", true},    {"--address", true}, {"--whitelist", true}};
+  static constexpr tools::OptionSpec known[] = {{"--proxy", true},   {"--answers", true},  {"--replay", true},
+                                                {"--pushes", true},  {"--headers", true},  {"--port", true},
+                                                {"--address", true}, {"--whitelist", true}};
   const auto line = tools::readCommandLine(args, known, error);
   if (!line) return std::nullopt;
   Options options;
@@ -243,7 +243,9 @@ int run(const Options& options, const HostPlugins& plugins, std::istream& in, st
 
   out << "websdk-serve: serving " << options.folder.value_or(options.proxy.value_or("")) << " at " << url << "\n"
       << "open " << url << " in a browser; answers from "
-      << (plugins ? std::string("the host's plugins") : book ? source : std::string("nowhere (every request gets 1004)"))
+      << (plugins ? std::string("the host's plugins")
+          : book  ? source
+                  : std::string("nowhere (every request gets 1004)"))
       << "; type help for pushes" << std::endl;
 
   // The prompt is read off the UI thread; its lines run there, in order.
@@ -277,8 +279,9 @@ int run(const Options& options, const HostPlugins& plugins, std::istream& in, st
     }
     printer->line("app -> page  js ", std::get<RawScript>(*push).script);
     view->engine().evaluateJavaScript(std::get<RawScript>(*push).script, [printer](ScriptResult result) {
-      printer->line("page         ", result.error ? "error: " + *result.error
-                                                   : result.value ? serialize(*result.value) : "undefined");
+      printer->line("page         ", result.error   ? "error: " + *result.error
+                                     : result.value ? serialize(*result.value)
+                                                    : "undefined");
     });
   };
   bool toldToOpen = false;

@@ -227,7 +227,7 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
 
   void answered(const JSONObject& m) {
     const JSON* id = m.if_contains("id");
-    const auto it = id != nullptr && id->is_uint64() ? waiting.find(id->get_uint64())
+    const auto it = id != nullptr && id->is_uint64()  ? waiting.find(id->get_uint64())
                     : id != nullptr && id->is_int64() ? waiting.find(static_cast<std::uint64_t>(id->get_int64()))
                                                       : waiting.end();
     if (it == waiting.end()) return;
@@ -299,8 +299,9 @@ BrowserEngine::BrowserEngine(BrowserConfiguration configuration) : state_(std::m
     log(LogLevel::error, "engine", state_->server->error());
   } else if (boost::system::error_code ec; !boost::asio::ip::make_address(address, ec).is_loopback()) {
     log(LogLevel::warning, "engine",
-        "serving on " + address + ", not on a loopback address: other machines can load the pages, and with them "
-        "this run's token, and drive the bridge");
+        "serving on " + address +
+            ", not on a loopback address: other machines can load the pages, and with them "
+            "this run's token, and drive the bridge");
   }
 }
 

@@ -42,16 +42,24 @@ std::string lower(std::string_view text) {
 }
 
 std::string contentType(const std::filesystem::path& file) {
-  static const std::map<std::string, std::string> types = {
-      {".html", "text/html; charset=utf-8"}, {".htm", "text/html; charset=utf-8"},
-      {".js", "text/javascript"},            {".mjs", "text/javascript"},
-      {".css", "text/css"},                  {".json", "application/json"},
-      {".svg", "image/svg+xml"},             {".png", "image/png"},
-      {".jpg", "image/jpeg"},                {".jpeg", "image/jpeg"},
-      {".gif", "image/gif"},                 {".webp", "image/webp"},
-      {".ico", "image/x-icon"},              {".wasm", "application/wasm"},
-      {".map", "application/json"},          {".txt", "text/plain; charset=utf-8"},
-      {".woff2", "font/woff2"},              {".woff", "font/woff"}};
+  static const std::map<std::string, std::string> types = {{".html", "text/html; charset=utf-8"},
+                                                           {".htm", "text/html; charset=utf-8"},
+                                                           {".js", "text/javascript"},
+                                                           {".mjs", "text/javascript"},
+                                                           {".css", "text/css"},
+                                                           {".json", "application/json"},
+                                                           {".svg", "image/svg+xml"},
+                                                           {".png", "image/png"},
+                                                           {".jpg", "image/jpeg"},
+                                                           {".jpeg", "image/jpeg"},
+                                                           {".gif", "image/gif"},
+                                                           {".webp", "image/webp"},
+                                                           {".ico", "image/x-icon"},
+                                                           {".wasm", "application/wasm"},
+                                                           {".map", "application/json"},
+                                                           {".txt", "text/plain; charset=utf-8"},
+                                                           {".woff2", "font/woff2"},
+                                                           {".woff", "font/woff"}};
   const auto it = types.find(lower(file.extension().string()));
   return it == types.end() ? "application/octet-stream" : it->second;
 }
@@ -237,8 +245,8 @@ class HttpSession final : public std::enable_shared_from_this<HttpSession> {
     if (!websocket::is_upgrade(request))
       why = "not a WebSocket upgrade";
     else if (origin != "http://" + host)
-      why = "its origin " + (origin.empty() ? std::string("(none)") : "\"" + origin + "\"") + " is not the one served, " +
-            "http://" + host;
+      why = "its origin " + (origin.empty() ? std::string("(none)") : "\"" + origin + "\"") +
+            " is not the one served, " + "http://" + host;
     else if (token != shared.token)
       why = "it does not carry this run's token";
     if (!why.empty()) {
@@ -273,9 +281,9 @@ class HttpSession final : public std::enable_shared_from_this<HttpSession> {
         http::read(stream, buffer, parser);
         response = parser.release();
       } catch (const std::exception& e) {
-        response = text(request, http::status::bad_gateway,
-                        "the page's dev server at " + upstream.host + ":" + upstream.port + " did not answer: " +
-                            e.what() + "\n");
+        response = text(
+            request, http::status::bad_gateway,
+            "the page's dev server at " + upstream.host + ":" + upstream.port + " did not answer: " + e.what() + "\n");
       }
       asio::post(loop(), [self, response = std::move(response), top]() mutable {
         if (self->shared_->stopped) return;
@@ -377,8 +385,8 @@ DevServer::DevServer(const BrowserConfiguration& configuration, std::string toke
   if (!ec) s.acceptor.bind(endpoint, ec);
   if (!ec) s.acceptor.listen(asio::socket_base::max_listen_connections, ec);
   if (ec) {
-    s.error = "cannot listen on " + configuration.address + ":" + std::to_string(configuration.port) + ": " +
-              ec.message();
+    s.error =
+        "cannot listen on " + configuration.address + ":" + std::to_string(configuration.port) + ": " + ec.message();
     return;
   }
   s.port = s.acceptor.local_endpoint().port();

@@ -48,16 +48,22 @@ const evaluate = m => {
   }
   if (m.reply) send(reply);
 };
-socket = new WebSocket('ws://' + location.host + SOCKET + '?token=' + TOKEN);
-socket.onopen = () => {
-  socket.send(stringify({kind: 'hello', url: location.href, top: window === window.top}));
-  for (const text of waiting.splice(0)) socket.send(text);
+// A socket that closes (the tool restarted) is opened again: that document
+// says so, and the engine takes it to a load, or reloads it.
+const connect = again => {
+  socket = new WebSocket('ws://' + location.host + SOCKET + '?token=' + TOKEN);
+  socket.onopen = () => {
+    socket.send(stringify({kind: 'hello', url: location.href, top: window === window.top, again}));
+    for (const text of waiting.splice(0)) socket.send(text);
+  };
+  socket.onmessage = event => {
+    const m = JSON.parse(event.data);
+    if (m.kind === 'evaluate') evaluate(m);
+    else if (m.kind === 'navigate') location.href = m.url;
+  };
+  socket.onclose = () => { setTimeout(() => connect(true), 200); };
 };
-socket.onmessage = event => {
-  const m = JSON.parse(event.data);
-  if (m.kind === 'evaluate') evaluate(m);
-  else if (m.kind === 'navigate') location.href = m.url;
-};
+connect(false);
 // As under WebKit, postMessage lives on the handlers' prototype.
 const nameOf = new WeakMap();
 class UserMessageHandler {
@@ -150,6 +156,13 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
   };
   std::map<Socket*, std::pair<std::shared_ptr<Socket>, Document>> documents;
   Socket* shown = nullptr;  // the top document shown: the newest to open
+  // Following loads: the origin loaded, and the load a browser is on its way to.
+  bool followsLoads = false;
+  std::string served, followed;
+  std::optional<URLRequest> loading;
+  bool fieldsSent = false;
+  bool navigating = false;  // a navigation told started that has not committed
+  std::vector<Socket*> idle;  // top documents waiting to be taken to a load
   std::uint64_t lastEvaluation = 0;
   std::map<std::uint64_t, std::pair<Socket*, ScriptCompletion>> waiting;
 
@@ -173,6 +186,23 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
       return url;
     return origin + "/";
   }
+  // The URL as the app knows it: following loads, on the server loaded.
+  std::string appURL(std::string url) const {
+    if (followsLoads && !followed.empty() && url.starts_with(served)) url = followed + url.substr(served.size());
+    return url;
+  }
+  // The load's page, on this server.
+  std::string servedURL(const std::string& url) const {
+    const std::size_t authority = url.find("://");
+    const std::size_t path = authority == std::string::npos ? std::string::npos : url.find('/', authority + 3);
+    return served + (path == std::string::npos ? "/" : url.substr(path));
+  }
+  void navigate(Socket* socket) {
+    const std::string target = servedURL(loading->url);
+    navigating = true;
+    core->startNavigation(loading->url);
+    documents.at(socket).first->send(serialize(JSONObject{{"kind", "navigate"}, {"url", target}}));
+  }
 
   Document* documentOf(Socket* socket) {
     const auto it = documents.find(socket);
@@ -191,13 +221,23 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
     EngineCore::Emitting emitting(*core);
     if (kind->get_string() == "hello" && !document->greeted) {
       document->greeted = true;
-      document->url = heldTo(said, document->origin);
+      document->url = appURL(heldTo(said, document->origin));
       const JSON* top = m->if_contains("top");
       document->top = top == nullptr || top->if_bool() == nullptr || *top->if_bool();
       if (!document->top) return;
+      const JSON* again = m->if_contains("again");
+      // A page of an earlier run (or the waiting page) is not this engine's
+      // page: it is taken to the load, or waits for one; a tool reloads it.
+      if ((again != nullptr && *again == true) || said.starts_with(document->origin + std::string(kIdlePath))) {
+        if (loading) return navigate(socket.get());
+        if (followsLoads) return idle.push_back(socket.get());
+        socket->send(serialize(JSONObject{{"kind", "navigate"}, {"url", heldTo(said, document->origin)}}));
+        return;
+      }
+      loading.reset();
       // A top document that opens is the page now: committed, and finished.
       const auto weak = weak_from_this();
-      core->startNavigation(document->url);
+      if (!std::exchange(navigating, false)) core->startNavigation(document->url);
       if (weak.expired() || !(document = documentOf(socket.get()))) return;
       document->id = core->commitDocument(document->url);
       shown = socket.get();
@@ -243,6 +283,7 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
 
   void closed(const std::shared_ptr<Socket>& socket) {
     documents.erase(socket.get());
+    std::erase(idle, socket.get());
     // Scripts waiting on the gone document never ran there.
     std::vector<ScriptCompletion> dropped;
     for (auto it = waiting.begin(); it != waiting.end();) {
@@ -271,6 +312,7 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
 BrowserEngine::BrowserEngine(BrowserConfiguration configuration) : state_(std::make_shared<State>()) {
   (void)uiThread();
   state_->token = configuration.token.empty() ? randomToken() : configuration.token;
+  state_->followsLoads = configuration.followsLoads;
   const std::weak_ptr<State> weak = state_;
   ServerHooks hooks;
   hooks.pageSide = [weak](bool top) {
@@ -293,8 +335,16 @@ BrowserEngine::BrowserEngine(BrowserConfiguration configuration) : state_(std::m
     else
       log(LogLevel::warning, "engine", why);
   };
+  hooks.documentFields = [weak](const std::string& target) {
+    const auto s = weak.lock();
+    HeaderFields fields;
+    // The load's own request only, as an engine puts them on it.
+    if (s && s->loading && !std::exchange(s->fieldsSent, true)) fields = s->loading->headersFor(target);
+    return fields;
+  };
   const std::string address = configuration.address;
   state_->server = std::make_unique<DevServer>(configuration, state_->token, std::move(hooks));
+  state_->served = state_->server->origin();
   if (!state_->server->listening()) {
     log(LogLevel::error, "engine", state_->server->error());
   } else if (boost::system::error_code ec; !boost::asio::ip::make_address(address, ec).is_loopback()) {
@@ -324,16 +374,30 @@ void BrowserEngine::onRefusal(std::function<void(const std::string&)> listener) 
 
 void BrowserEngine::setClient(WebEngineClient* client) { state_->core->setClient(client); }
 
-// The browser makes its own requests: the app's header fields cannot go on
-// them. A load moves the page shown to the URL; with none shown, the URL is
-// said, to be opened in a browser.
+// Serving a folder, the browser makes its own requests: the app's header
+// fields cannot go on them, and a load moves the page shown to the URL (with
+// none shown, the URL is said, to be opened in a browser). Following loads,
+// the load's server is served under this origin, and its first request gets
+// the app's fields as the load allows them.
 void BrowserEngine::load(const URLRequest& request) {
-  if (state_->shown == nullptr) {
-    log(LogLevel::info, "engine", "open " + request.url + " in a browser");
+  State& s = *state_;
+  if (!s.followsLoads) {
+    if (s.shown == nullptr) return log(LogLevel::info, "engine", "open " + request.url + " in a browser");
+    s.documents.at(s.shown).first->send(serialize(JSONObject{{"kind", "navigate"}, {"url", request.url}}));
     return;
   }
-  state_->documents.at(state_->shown).first->send(serialize(JSONObject{{"kind", "navigate"}, {"url", request.url}}));
+  const std::size_t authority = request.url.find("://");
+  const std::size_t path = authority == std::string::npos ? std::string::npos : request.url.find('/', authority + 3);
+  s.followed = request.url.substr(0, path);
+  s.server->follow(s.followed);
+  s.loading = request;
+  s.fieldsSent = false;
+  Socket* to = s.shown;
+  if (to == nullptr && !s.idle.empty()) to = s.idle.back();
+  if (to != nullptr) s.navigate(to);
 }
+
+std::string BrowserEngine::idleURL() const { return pageURL(kIdlePath); }
 
 void BrowserEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
   if (state_->shown == nullptr) {

@@ -133,6 +133,7 @@ struct DevServer::Shared : std::enable_shared_from_this<Shared> {
   std::string error;
   std::optional<Upstream> upstream;
   std::vector<std::string> hosts;  // the Host fields that name this server
+  std::vector<std::weak_ptr<Socket>> sockets;
   bool stopped = false;
 
   void accept() {
@@ -145,6 +146,9 @@ struct DevServer::Shared : std::enable_shared_from_this<Shared> {
   void session(tcp::socket socket);
   void refuse(const std::string& why) {
     if (!stopped && hooks.refused) hooks.refused(why);
+  }
+  std::string upstreamOrigin() const {
+    return upstream ? "http://" + upstream->host + ":" + upstream->port : std::string();
   }
   bool servesHost(std::string_view host) const { return std::find(hosts.begin(), hosts.end(), host) != hosts.end(); }
   Response serveFile(const Request& request, bool top) const;
@@ -163,6 +167,9 @@ class WebSocketSession final : public Socket, public std::enable_shared_from_thi
     ws_.read_message_max(kLargestBody);
     ws_.async_accept(request_, [self = shared_from_this()](beast::error_code ec) {
       if (ec || self->shared_->stopped) return;
+      auto& sockets = self->shared_->sockets;
+      std::erase_if(sockets, [](const std::weak_ptr<Socket>& s) { return s.expired(); });
+      sockets.push_back(self);
       self->shared_->hooks.opened(self, self->origin_);
       self->read();
     });
@@ -171,6 +178,9 @@ class WebSocketSession final : public Socket, public std::enable_shared_from_thi
   void send(std::string text) override {
     outbox_.push_back(std::move(text));
     if (outbox_.size() == 1) writeNext();
+  }
+  void close() override {
+    ws_.async_close(websocket::close_code::going_away, [self = shared_from_this()](beast::error_code) {});
   }
 
  private:
@@ -229,11 +239,21 @@ class HttpSession final : public std::enable_shared_from_this<HttpSession> {
     const std::string target(request.target());
     const std::string path = target.substr(0, target.find('?'));
     if (path == kSocketPath) return upgrade(std::move(request), host, target);
+    if (path == kIdlePath) {
+      Response idle = text(request, http::status::ok, "");
+      idle.set(http::field::content_type, "text/html; charset=utf-8");
+      idle.body() = withPageSide("<!doctype html><title>waiting for a load</title>", shared.hooks.pageSide(true));
+      return respond(std::move(idle));
+    }
     // A frame's document gets the channel; the user scripts go to the top document only.
     const std::string_view dest = request["Sec-Fetch-Dest"];
     const bool top = dest.empty() || dest == "document";
+    if (shared.configuration.followsLoads && !shared.upstream)
+      return respond(text(request, http::status::not_found, "nothing is loaded yet\n"));
     if (!shared.upstream) return respond(shared.serveFile(request, top));
-    proxy(std::move(request), top);
+    if (top && shared.hooks.documentFields)
+      for (auto& [name, value] : shared.hooks.documentFields(shared.upstreamOrigin() + path)) request.set(name, value);
+    proxy(std::move(request), top, "http://" + host);
   }
 
   void upgrade(Request request, const std::string& host, const std::string& target) {
@@ -258,14 +278,14 @@ class HttpSession final : public std::enable_shared_from_this<HttpSession> {
 
   // The dev server's answer, fetched off the UI thread: a slow build there
   // must not hold the bridge's traffic.
-  void proxy(Request request, bool top) {
+  void proxy(Request request, bool top, std::string servedOrigin) {
     const Upstream upstream = *shared_->upstream;
     request.target(upstream.base + std::string(request.target()));
     request.set(http::field::host, upstream.host + ":" + upstream.port);
     request.set(http::field::accept_encoding, "identity");  // the HTML is rewritten
     request.erase(http::field::origin);
     request.erase(http::field::referer);
-    std::thread([self = shared_from_this(), request = std::move(request), upstream, top]() mutable {
+    std::thread([self = shared_from_this(), request = std::move(request), upstream, top, servedOrigin]() mutable {
       Response response;
       try {
         asio::io_context context;
@@ -285,9 +305,14 @@ class HttpSession final : public std::enable_shared_from_this<HttpSession> {
             request, http::status::bad_gateway,
             "the page's dev server at " + upstream.host + ":" + upstream.port + " did not answer: " + e.what() + "\n");
       }
-      asio::post(loop(), [self, response = std::move(response), top]() mutable {
+      asio::post(loop(), [self, response = std::move(response), top, servedOrigin]() mutable {
         if (self->shared_->stopped) return;
         response.erase(http::field::transfer_encoding);
+        // A redirect within the dev server stays on the origin served.
+        const std::string location(response[http::field::location]);
+        const std::string upstreamOrigin = self->shared_->upstreamOrigin();
+        if (location.starts_with(upstreamOrigin))
+          response.set(http::field::location, servedOrigin + location.substr(upstreamOrigin.size()));
         if (lower(response[http::field::content_type]).starts_with("text/html"))
           response.body() = withPageSide(std::move(response.body()), self->shared_->hooks.pageSide(top));
         response.keep_alive(false);
@@ -369,7 +394,8 @@ DevServer::DevServer(const BrowserConfiguration& configuration, std::string toke
       s.error = "the page's dev server must be an http:// URL: " + *configuration.upstream;
       return;
     }
-  } else if (!configuration.root || !std::filesystem::is_directory(*configuration.root)) {
+  } else if (!configuration.followsLoads &&
+             (!configuration.root || !std::filesystem::is_directory(*configuration.root))) {
     s.error = "no page folder: " + configuration.root.value_or("(none given)");
     return;
   }
@@ -404,7 +430,12 @@ DevServer::~DevServer() {
   shared_->stopped = true;
   beast::error_code ignored;
   shared_->acceptor.close(ignored);
+  // Their pages learn it at once, and may find the next server on this port.
+  for (const auto& weak : shared_->sockets)
+    if (const auto socket = weak.lock()) socket->close();
 }
+
+void DevServer::follow(const std::string& origin) { shared_->upstream = readUpstream(origin); }
 
 bool DevServer::listening() const { return shared_->error.empty(); }
 const std::string& DevServer::error() const { return shared_->error; }

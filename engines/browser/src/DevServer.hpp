@@ -12,6 +12,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace websdk::browser {
 
@@ -24,6 +26,8 @@ class Socket {
   virtual ~Socket() = default;
   /// Queues `text` as one text message to the page.
   virtual void send(std::string text) = 0;
+  /// Closes the socket: the page is told, and may open one again.
+  virtual void close() = 0;
 };
 
 /// What the server asks of and tells the engine, on the UI thread.
@@ -39,10 +43,15 @@ struct ServerHooks {
   std::function<void(const std::shared_ptr<Socket>&)> closed;
   /// Someone was refused, and why.
   std::function<void(const std::string&)> refused;
+  /// Following loads: the header fields to add to a top document's request
+  /// for `target` (the load's own, once).
+  std::function<std::vector<std::pair<std::string, std::string>>(const std::string& target)> documentFields;
 };
 
 /// The path of the page side's WebSocket.
 inline constexpr std::string_view kSocketPath = "/__websdk/socket";
+/// A blank page with the page side, where a browser waits for a load.
+inline constexpr std::string_view kIdlePath = "/__websdk/idle";
 
 /// Serves `configuration` on the UI loop until destroyed.
 class DevServer {
@@ -56,6 +65,8 @@ class DevServer {
   const std::string& error() const;
   /// "http://<address>:<port>".
   std::string origin() const;
+  /// Following loads: serves `origin` ("http://host:port") from now on.
+  void follow(const std::string& origin);
 
   struct Shared;
 

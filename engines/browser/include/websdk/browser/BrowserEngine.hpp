@@ -45,6 +45,11 @@ struct WEBSDK_EXPORT BrowserConfiguration {
   std::optional<std::string> upstream{};
   /// The page side's token; empty: a random one for this run.
   std::string token{};
+  /// Serves each load's own server instead of a folder, proxied under this
+  /// origin; the page's URLs read as that server's. A browser that waits on
+  /// idleURL() (or on a page of an earlier engine on this port) is taken to
+  /// each load.
+  bool followsLoads = false;
 };
 
 /// Runs the UI thread's loop (the server's and the bridge's) until `done()`
@@ -78,6 +83,8 @@ class WEBSDK_EXPORT BrowserEngine final : public WebEngine {
   std::string origin() const;
   /// The URL of `path` on the server, to open in a browser.
   std::string pageURL(std::string_view path = "/") const;
+  /// Where a browser waits for a load (followsLoads).
+  std::string idleURL() const;
   /// This run's token, which the page side carries.
   const std::string& token() const;
   /// How many documents have their socket open now (frames included).

@@ -185,3 +185,21 @@ TEST_F(ServerTest, APagesMessageAndAnEvaluationCrossTheSocket) {
 
 }  // namespace
 }  // namespace websdk::browser
+
+namespace websdk::browser {
+namespace {
+
+// One browser serves engine after engine: each takes the port of the one
+// before as soon as that one is gone.
+TEST(ServerPortTest, TheNextEngineServesOnThePortOfTheLast) {
+  auto first = std::make_unique<BrowserEngine>(BrowserConfiguration{.followsLoads = true});
+  ASSERT_TRUE(first->listening()) << first->error();
+  const std::string origin = first->origin();
+  const auto port = static_cast<unsigned short>(std::stoi(origin.substr(origin.rfind(':') + 1)));
+  first.reset();
+  BrowserEngine next(BrowserConfiguration{.port = port, .followsLoads = true});
+  EXPECT_TRUE(next.listening()) << next.error();
+}
+
+}  // namespace
+}  // namespace websdk::browser

@@ -6,6 +6,8 @@
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cctype>
 #include <deque>
@@ -407,6 +409,8 @@ DevServer::DevServer(const BrowserConfiguration& configuration, std::string toke
   }
   const tcp::endpoint endpoint(address, configuration.port);
   s.acceptor.open(endpoint.protocol(), ec);
+  // A program this process starts (a browser) must not keep the port open.
+  if (!ec) ::fcntl(s.acceptor.native_handle(), F_SETFD, FD_CLOEXEC);
   if (!ec) s.acceptor.set_option(asio::socket_base::reuse_address(true), ec);
   if (!ec) s.acceptor.bind(endpoint, ec);
   if (!ec) s.acceptor.listen(asio::socket_base::max_listen_connections, ec);

@@ -14,6 +14,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <cstdlib>
 #include <map>
 #include <random>
 #include <thread>
@@ -161,7 +162,7 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
   std::string served, followed;
   std::optional<URLRequest> loading;
   bool fieldsSent = false;
-  bool navigating = false;  // a navigation told started that has not committed
+  bool navigating = false;    // a navigation told started that has not committed
   std::vector<Socket*> idle;  // top documents waiting to be taken to a load
   std::uint64_t lastEvaluation = 0;
   std::map<std::uint64_t, std::pair<Socket*, ScriptCompletion>> waiting;
@@ -310,7 +311,12 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
 };
 
 BrowserEngine::BrowserEngine(BrowserConfiguration configuration) : state_(std::make_shared<State>()) {
-  (void)uiThread();
+  if (uiThread() != std::this_thread::get_id()) {
+    log(LogLevel::error, "engine",
+        "a BrowserEngine was made off the UI thread (the first to make one or to run browser::runUntil); its "
+        "server and the bridge run on that thread's loop only");
+    std::abort();
+  }
   state_->token = configuration.token.empty() ? randomToken() : configuration.token;
   state_->followsLoads = configuration.followsLoads;
   const std::weak_ptr<State> weak = state_;

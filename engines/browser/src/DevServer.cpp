@@ -285,8 +285,13 @@ class HttpSession final : public std::enable_shared_from_this<HttpSession> {
     request.target(upstream.base + std::string(request.target()));
     request.set(http::field::host, upstream.host + ":" + upstream.port);
     request.set(http::field::accept_encoding, "identity");  // the HTML is rewritten
-    request.erase(http::field::origin);
-    request.erase(http::field::referer);
+    // The page's own Origin and Referer name the loaded server, as they
+    // would had the browser gone there itself.
+    const std::string upstreamOrigin = shared_->upstreamOrigin();
+    for (const auto field : {http::field::origin, http::field::referer}) {
+      const std::string value(request[field]);
+      if (value.starts_with(servedOrigin)) request.set(field, upstreamOrigin + value.substr(servedOrigin.size()));
+    }
     std::thread([self = shared_from_this(), request = std::move(request), upstream, top, servedOrigin]() mutable {
       Response response;
       try {

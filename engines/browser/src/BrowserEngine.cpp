@@ -73,7 +73,11 @@ class UserMessageHandler {
     if (name === undefined) throw new TypeError('Illegal invocation');
     if (name === 'nativeRequest') {
       const message = body !== null && typeof body === 'object' ? body.message : undefined;
-      if (typeof message === 'string') send({kind: 'post', name, message, url: location.href});
+      // One over the size limit goes as its start only: it is refused
+      // unread, and its start says what it was.
+      if (typeof message === 'string')
+        send({kind: 'post', name, message: message.length > LIMIT ? message.substring(0, 4096) : message,
+              bytes: message.length, url: location.href});
       return;
     }
     send({kind: 'post', name, body: body === undefined ? null : body, url: location.href});
@@ -162,8 +166,9 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
   std::string served, followed;
   std::optional<URLRequest> loading;
   bool fieldsSent = false;
-  bool navigating = false;    // a navigation told started that has not committed
-  std::vector<Socket*> idle;  // top documents waiting to be taken to a load
+  bool navigating = false;                                        // a navigation told started that has not committed
+  std::size_t messageLimit = WebSDKConfig{}.maximumMessageBytes;  // from the last load's trust
+  std::vector<Socket*> idle;                                      // top documents waiting to be taken to a load
   std::uint64_t lastEvaluation = 0;
   std::map<std::uint64_t, std::pair<Socket*, ScriptCompletion>> waiting;
 
@@ -174,6 +179,7 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
     replace(side, "SOCKET", quoted(kSocketPath));
     replace(side, "TOKEN", quoted(token));
     replace(side, "NAMES", names + "]");
+    replace(side, "LIMIT", std::to_string(messageLimit));
     if (top)
       for (const auto& script : userScripts) side += script.source + "\n";
     return side;
@@ -259,7 +265,9 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
     ScriptMessage message{std::string(name->get_string()), nullptr, std::move(origin)};
     if (const JSON* text = m.if_contains("message"); text != nullptr && text->is_string()) {
       message.message = std::string_view(text->get_string());
-      message.messageBytes = text->get_string().size();
+      const JSON* bytes = m.if_contains("bytes");
+      message.messageBytes = std::max<std::size_t>(text->get_string().size(),
+                                                   bytes != nullptr && bytes->is_int64() ? bytes->get_int64() : 0);
     } else if (const JSON* body = m.if_contains("body")) {
       message.body = *body;
     }
@@ -387,6 +395,7 @@ void BrowserEngine::setClient(WebEngineClient* client) { state_->core->setClient
 // the app's fields as the load allows them.
 void BrowserEngine::load(const URLRequest& request) {
   State& s = *state_;
+  s.messageLimit = request.trust.maximumMessageBytes;
   if (!s.followsLoads) {
     if (s.shown == nullptr) return log(LogLevel::info, "engine", "open " + request.url + " in a browser");
     s.documents.at(s.shown).first->send(serialize(JSONObject{{"kind", "navigate"}, {"url", request.url}}));

@@ -2,8 +2,9 @@
 // puppeteer-core (which downloads no browser). The demo's checkout runs
 // against the tool twice, answered from an answers file (recording its
 // traffic) and then from that recording; a declined request is explained in
-// the tool's output; a push typed at the prompt reaches the page; a page of
-// another origin cannot open the bridge's socket.
+// the tool's output; a push typed at the prompt reaches the page; a dev binary
+// answers with the demo's own plugins; a page of another origin cannot open
+// the bridge's socket.
 //
 //   WEBSDK_SERVE=build/websdk-serve WEBSDK_SERVE_PAGE=build/tools/serve/checkout \
 //   WEBSDK_SERVE_WORK=/tmp node --test tests/serve/serve.test.mjs
@@ -29,10 +30,10 @@ const bound = 30000;
 
 /** websdk-serve as a developer runs it: its output read line by line, its prompt on stdin. */
 class Tool {
-  constructor(args, env = {}) {
+  constructor(args, env = {}, program = serve) {
     this.lines = [];
     this.waiters = [];
-    this.process = spawn(serve, [pageFolder, '--port', '0', ...args], {
+    this.process = spawn(program, [pageFolder, '--port', '0', ...args], {
       env: { ...process.env, ...env },
       stdio: ['pipe', 'pipe', 'inherit'],
     });
@@ -143,6 +144,18 @@ test('the checkout completes again, answered from the recording of the first', a
   try {
     assert.match(await checkout(page, await tool.url()), /^Order DV-4101 confirmed/);
     assert.equal(tool.count(/^no answer /), 0);
+  } finally {
+    await page.close();
+    assert.equal(await tool.stop(), 0);
+  }
+});
+
+test('a dev binary answers with the host\'s own plugins', { skip: !process.env.WEBSDK_SERVE_DEMO }, async () => {
+  const tool = new Tool([], {}, process.env.WEBSDK_SERVE_DEMO);
+  const page = await browser.newPage();
+  try {
+    assert.match(await checkout(page, await tool.url()), /^Order DV-4101 confirmed/);
+    await tool.line(/^open http\S+ in a browser; answers from the host's plugins;/);
   } finally {
     await page.close();
     assert.equal(await tool.stop(), 0);

@@ -11,12 +11,9 @@
 #include "websdk/webview/EngineCore.hpp"
 
 #include <boost/asio/ip/address.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/steady_timer.hpp>
 
 #include <cstdlib>
 #include <map>
-#include <random>
 #include <thread>
 
 namespace websdk::browser {
@@ -29,10 +26,7 @@ namespace {
 constexpr std::string_view kPageSide = R"JS((function () {
 'use strict';
 if (window.__websdkChannel) return;
-const random = new Uint32Array(4);
-crypto.getRandomValues(random);
-const mark = Array.from(random, n => n.toString(16).padStart(8, '0')).join('');
-Object.defineProperty(window, '__websdkChannel', {value: mark});
+Object.defineProperty(window, '__websdkChannel', {value: true});
 const stringify = JSON.stringify, waiting = [];
 let socket = null;
 const send = m => {
@@ -94,51 +88,13 @@ Object.defineProperty(window, 'webkit', {value: Object.freeze({messageHandlers: 
 })();
 )JS";
 
-std::string randomToken() {
-  std::random_device device;
-  std::string token;
-  for (int i = 0; i < 4; ++i) {
-    char part[9];
-    std::snprintf(part, sizeof part, "%08x", device());
-    token += part;
-  }
-  return token;
-}
-
 std::string quoted(std::string_view text) { return serialize(JSON(text)); }
 
 void replace(std::string& text, std::string_view name, std::string_view value) {
   if (const auto at = text.find(name); at != std::string::npos) text.replace(at, name.size(), value);
 }
 
-std::thread::id& uiThread() {
-  static std::thread::id id = std::this_thread::get_id();
-  return id;
-}
-
 }  // namespace
-
-bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
-  uiThread() = std::this_thread::get_id();
-  const auto end = std::chrono::steady_clock::now() + bound;
-  auto& context = loop();
-  while (!done()) {
-    const auto now = std::chrono::steady_clock::now();
-    if (now >= end) return false;
-    if (context.stopped()) context.restart();
-    context.run_one_for(std::min<std::chrono::steady_clock::duration>(end - now, std::chrono::milliseconds(50)));
-  }
-  return true;
-}
-
-void BrowserMainQueue::post(std::function<void()> task) { boost::asio::post(loop(), std::move(task)); }
-
-void BrowserMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
-  auto timer = std::make_shared<boost::asio::steady_timer>(loop(), delay);
-  timer->async_wait([timer, task = std::move(task)](const boost::system::error_code&) { task(); });
-}
-
-bool BrowserMainQueue::isUIThread() const { return std::this_thread::get_id() == uiThread(); }
 
 struct BrowserEngine::State : std::enable_shared_from_this<State> {
   BrowserMainQueue queue;
@@ -200,8 +156,7 @@ struct BrowserEngine::State : std::enable_shared_from_this<State> {
   }
   // The load's page, on this server.
   std::string servedURL(const std::string& url) const {
-    const std::size_t authority = url.find("://");
-    const std::size_t path = authority == std::string::npos ? std::string::npos : url.find('/', authority + 3);
+    const std::size_t path = url.find('/', url.find("://") + 3);
     return served + (path == std::string::npos ? "/" : url.substr(path));
   }
   void navigate(Socket* socket) {
@@ -401,9 +356,7 @@ void BrowserEngine::load(const URLRequest& request) {
     s.documents.at(s.shown).first->send(serialize(JSONObject{{"kind", "navigate"}, {"url", request.url}}));
     return;
   }
-  const std::size_t authority = request.url.find("://");
-  const std::size_t path = authority == std::string::npos ? std::string::npos : request.url.find('/', authority + 3);
-  s.followed = request.url.substr(0, path);
+  s.followed = request.url.substr(0, request.url.find('/', request.url.find("://") + 3));  // a URL the view read
   s.server->follow(s.followed);
   s.loading = request;
   s.fieldsSent = false;
@@ -415,11 +368,8 @@ void BrowserEngine::load(const URLRequest& request) {
 std::string BrowserEngine::idleURL() const { return pageURL(kIdlePath); }
 
 void BrowserEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
-  if (state_->shown == nullptr) {
-    if (completion) completion(ScriptResult{std::nullopt, "no page is open in a browser"});
-    return;
-  }
-  state_->evaluate(state_->shown, std::move(script), std::move(completion));
+  if (state_->shown != nullptr) return state_->evaluate(state_->shown, std::move(script), std::move(completion));
+  if (completion) completion(ScriptResult{std::nullopt, "no page is open in a browser"});
 }
 
 void BrowserEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {

@@ -8,12 +8,15 @@
 
 #include <fcntl.h>
 
+#include <boost/asio/steady_timer.hpp>
+
 #include <algorithm>
 #include <cctype>
 #include <deque>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <random>
 #include <sstream>
 #include <thread>
 #include <vector>
@@ -32,6 +35,46 @@ asio::io_context& loop() {
   static asio::io_context context(1);
   return context;
 }
+
+// ---- The UI loop, and the token its pages carry ----
+
+std::string randomToken() {
+  std::random_device device;
+  std::string token;
+  for (int i = 0; i < 4; ++i) {
+    char part[9];
+    std::snprintf(part, sizeof part, "%08x", device());
+    token += part;
+  }
+  return token;
+}
+
+std::thread::id& uiThread() {
+  static std::thread::id id = std::this_thread::get_id();
+  return id;
+}
+
+bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound) {
+  uiThread() = std::this_thread::get_id();
+  const auto end = std::chrono::steady_clock::now() + bound;
+  auto& context = loop();
+  while (!done()) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now >= end) return false;
+    if (context.stopped()) context.restart();
+    context.run_one_for(std::min<std::chrono::steady_clock::duration>(end - now, std::chrono::milliseconds(50)));
+  }
+  return true;
+}
+
+void BrowserMainQueue::post(std::function<void()> task) { boost::asio::post(loop(), std::move(task)); }
+
+void BrowserMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
+  auto timer = std::make_shared<boost::asio::steady_timer>(loop(), delay);
+  timer->async_wait([timer, task = std::move(task)](const boost::system::error_code&) { task(); });
+}
+
+bool BrowserMainQueue::isUIThread() const { return std::this_thread::get_id() == uiThread(); }
 
 namespace {
 

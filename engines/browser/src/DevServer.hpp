@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,10 @@ namespace websdk::browser {
 
 /// The process's UI loop: the server's sockets and the main queue's tasks.
 boost::asio::io_context& loop();
+/// The UI thread: the first to make an engine or to run runUntil().
+std::thread::id& uiThread();
+/// A random token for a run (128 bits, in hex).
+std::string randomToken();
 
 /// One document's open WebSocket.
 class Socket {

@@ -68,6 +68,22 @@ struct Limits {
   /// The heap in use of the host's process is the WebSDK's and the
   /// toolkit's, which a flood's second run leaves as it found it.
   std::string_view heapIsOurs;
+  /// A page's frames, redirects and links may go to another server (host or
+  /// port) than the one loaded, and its pages still reach the app.
+  std::string_view otherServers;
+  /// The engine asks the navigation delegate before each navigation, and a
+  /// load can be cancelled, time out before it commits, or be challenged.
+  std::string_view navigationQuestions;
+  /// The engine serves local pages (app://).
+  std::string_view localPages;
+  /// The engine sees a pinch on its view.
+  std::string_view pinch;
+  /// The host's window holds the view, and lets it go when it is torn down.
+  std::string_view ownWindow;
+  /// The engine keeps navigator.serviceWorker from pages that may not have one.
+  std::string_view serviceWorkers;
+  /// A page whose path holds raw characters ("50%") loads as it is.
+  std::string_view rawPaths;
 };
 const Limits& limits();
 /// What a host does that leaves the view's next web process without the

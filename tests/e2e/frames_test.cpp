@@ -75,6 +75,7 @@ class FramesTest : public E2ETest {
 // Every row under both frame settings: a top page, the frames down to the
 // one that posts, and whether that frame's own host is trusted.
 TEST_F(FramesTest, AMessageIsServedOnlyWhenItsTopDocumentIsTrusted) {
+  if (!engine::limits().otherServers.empty()) GTEST_SKIP() << engine::limits().otherServers;
   struct Row {
     const char* name;
     bool topTrusted;
@@ -154,6 +155,7 @@ TEST_F(FramesTest, AMessageIsServedOnlyWhenItsTopDocumentIsTrusted) {
 // reads none of them, under either frame setting and whether the page is
 // trusted or not.
 TEST_F(FramesTest, ATopPageNeitherReadsNorStopsItsFramesMessages) {
+  if (!engine::limits().otherServers.empty()) GTEST_SKIP() << engine::limits().otherServers;
   const std::string spy = R"(<script>
 const seen = e => { try { return JSON.stringify(e.data) || String(e.data); } catch (x) { return String(e.data); } };
 for (const capture of [true, false])

@@ -75,6 +75,7 @@ TEST_F(E2ETest, AWebProcessWithoutTheGuardNeverSendsTheAppsHeaders) {
 // A service worker sees the app's headers on what it serves and can send them
 // anywhere: the view's pages (and their frames) have none unless it allows.
 TEST_F(E2ETest, ServiceWorkersAreKeptFromTheViewsPagesUnlessItAllowsThem) {
+  if (!engine::limits().serviceWorkers.empty()) GTEST_SKIP() << engine::limits().serviceWorkers;
   server.page("/sw", testPage());
   for (const bool allowed : {false, true}) {
     WebSDKConfig config{{"127.0.0.1"}};

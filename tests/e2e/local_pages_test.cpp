@@ -34,6 +34,10 @@ struct Asked {
 
 class LocalPagesTest : public E2ETest {
  protected:
+  void SetUp() override {
+    if (!engine::limits().localPages.empty()) GTEST_SKIP() << engine::limits().localPages;
+    E2ETest::SetUp();
+  }
   /// The view again, with `pages` served by its engine.
   void makeLocalView(const WebSDKConfig& config, std::vector<LocalPages> pages, bool sharedContext = false) {
     view.reset();

@@ -6,6 +6,7 @@ namespace websdk::e2e {
 namespace {
 
 TEST_F(E2ETest, APinchIsRefusedAtItsStartUnlessEnabled) {
+  if (!engine::limits().pinch.empty()) GTEST_SKIP() << engine::limits().pinch;
   server.page("/page", testPage());
   ASSERT_TRUE(loadAndWait(server.url("/page")));
   ASSERT_TRUE(engine::hasPinchGesture(view->engine()));

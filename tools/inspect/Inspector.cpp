@@ -1,6 +1,7 @@
 #include "Inspector.hpp"
 
 #include "../CommandLine.hpp"
+#include "Decline.hpp"
 #include "websdk/bridge/Families.hpp"
 #include "websdk/testing/EveryFamilyHost.hpp"
 #include "websdk/testing/TestingEngine.hpp"
@@ -132,9 +133,19 @@ int run(const Options& options, std::istream& in, std::ostream& out, std::ostrea
     if (delivered) result.emplace("delivered", std::move(*delivered));
     JSONArray responses;
     const auto all = engine.nativeResponses();
-    for (std::size_t i = responsesSeen; i < all.size(); ++i) responses.push_back(all[i]);
+    bool declined = false;
+    for (std::size_t i = responsesSeen; i < all.size(); ++i) {
+      const JSON* message = all[i].is_object() ? all[i].get_object().if_contains("statusMessage") : nullptr;
+      declined = declined || (message != nullptr && *message == "not a valid request");
+      responses.push_back(all[i]);
+    }
     responsesSeen = all.size();
     result.emplace("responses", std::move(responses));
+    // Said in the contract's words: which key, which reading, what it wanted.
+    const JSON* body = fields["body"];
+    const JSON* text = body && body->is_object() ? body->get_object().if_contains("message") : nullptr;
+    if (declined && text != nullptr && text->is_string())
+      if (const auto why = whyDeclined(text->get_string())) result.emplace("declined", *why);
     out << serialize(result) << '\n';
   }
   return status;

@@ -91,7 +91,14 @@ const Limits& limits() {
       "",
       "Qt WebEngine runs Chromium's browser side in the host's process, and its heap keeps what a burst of "
       "messages grew (megabytes within Chromium's own code, by heaptrack): the WebSDK's part is measured on "
-      "the WebKitGTK engines"};
+      "the WebKitGTK engines",
+      "",
+      "",
+      "",
+      "",
+      "",
+      "",
+      ""};
   return qt;
 }
 void restartWithoutGuardModule(WebEngine&, const std::string&) {}

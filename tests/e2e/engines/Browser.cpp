@@ -39,6 +39,9 @@ class Browser {
     // The browser goes with the suite, however the suite ends, and keeps
     // none of its sockets (the servers' ports among them).
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // /usr/bin/chromium is a script that starts the browser as its child:
+    // the whole group goes at stop().
+    ::setpgid(0, 0);
     ::close_range(3, ~0U, 0);
     const std::string dataDir = "--user-data-dir=" + dir;
     std::vector<const char*> args{
@@ -53,7 +56,7 @@ class Browser {
   }
   void stop() {
     if (pid_ > 0) {
-      ::kill(pid_, SIGKILL);
+      ::kill(-pid_, SIGKILL);
       ::waitpid(pid_, nullptr, 0);
     }
     pid_ = 0;

@@ -50,7 +50,7 @@ void LoyaltyPlugin::handleLoyaltyRequest(const websdk::WebSDKBridgeRequest<Loyal
   // (a purchase at the till) would be; its data is written from its model,
   // the same declaration the app's catalogue gives the page's typings.
   const PointsChanged changed{points_, -*cost, "redeem:" + redeem->rewardId};
-  if (const auto view = view_.lock(); view && !websdk::emit(*view, kPointsChanged, changed))
+  if (const auto view = view_.lock(); view && !websdk::emitEvent(*view, kPointsChanged, changed))
     std::cerr << "loyalty: the view refused the event " << kPointsChanged << std::endl;
 }
 

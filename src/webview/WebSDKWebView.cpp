@@ -956,10 +956,10 @@ void WebSDKWebView::executeJSFunction(const WebSDKJSFunctionType& type) {
   impl_->push(type.script(), nullptr);
 }
 
-bool WebSDKWebView::emit(std::string_view name, const JSON& data) { return emit(name, data, {}); }
+bool WebSDKWebView::emitEvent(std::string_view name, const JSON& data) { return emitEvent(name, data, {}); }
 
-bool WebSDKWebView::emit(std::string_view name, const JSON& data,
-                         const std::set<std::string, std::less<>>& sensitiveKeys) {
+bool WebSDKWebView::emitEvent(std::string_view name, const JSON& data,
+                              const std::set<std::string, std::less<>>& sensitiveKeys) {
   const auto refuse = [&](const std::string& why) {
     impl_->say(LogLevel::error, "push", "the event \"" + shownInLog(name) + "\" is not sent: " + why);
     return false;
@@ -980,10 +980,10 @@ bool WebSDKWebView::emit(std::string_view name, const JSON& data,
     recorded = Impl::EventRecord{call, data};
   }
   if (carriedToUIThread(*this, [name = std::string(name), script, recorded](WebSDKWebView& v) mutable {
-        v.impl_->emit(std::move(name), std::move(script), std::move(recorded));
+        v.impl_->emitEvent(std::move(name), std::move(script), std::move(recorded));
       }))
     return true;
-  impl_->emit(std::string(name), std::move(script), std::move(recorded));
+  impl_->emitEvent(std::string(name), std::move(script), std::move(recorded));
   return true;
 }
 

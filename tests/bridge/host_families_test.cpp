@@ -179,7 +179,7 @@ TEST(HostEvents, AnEventIsWrittenAsJSONAndReachesOnlyATrustedPage) {
   const JSON data = JSONObject{{"points", 120}, {"note", "\"); alert(1); (\"</script>\u2028"}};
   {
     test::Harness h;
-    ASSERT_TRUE(h.view->emit("loyaltyPointsChanged", data));
+    ASSERT_TRUE(h.view->emitEvent("loyaltyPointsChanged", data));
     h.engine->queue().drain();
     const auto scripts = h.engine->evaluations();
     ASSERT_FALSE(scripts.empty());
@@ -189,7 +189,7 @@ TEST(HostEvents, AnEventIsWrittenAsJSONAndReachesOnlyATrustedPage) {
   }
   {
     test::Harness h({"localhost"}, false, "https://evil.example/");
-    EXPECT_TRUE(h.view->emit("loyaltyPointsChanged", data));
+    EXPECT_TRUE(h.view->emitEvent("loyaltyPointsChanged", data));
     h.engine->queue().drain();
     EXPECT_TRUE(h.engine->evaluations().empty());
     ASSERT_EQ(h.listener->dropped.size(), 1u);
@@ -203,7 +203,7 @@ TEST(HostEvents, AnEventWhoseNameIsNotValidOrIsAPageFunctionsIsRefused) {
   for (const auto& name : names) {
     SCOPED_TRACE(name);
     test::Harness h;
-    EXPECT_FALSE(h.view->emit(name, nullptr));
+    EXPECT_FALSE(h.view->emitEvent(name, nullptr));
     h.engine->queue().drain();
     EXPECT_TRUE(h.engine->evaluations().empty());
   }
@@ -229,7 +229,7 @@ TEST(HostFamilies, TheRecordingMasksHostFieldsAndReplaysTheSameAndTheCatalogueMa
     ASSERT_TRUE(h.view->setPlugin<LoyaltyFamily>(loyalty));
     h.post(test::requestText("LOYALTY_REDEEM", R"({"rewardId":"coffee","pin":"-98765"})"));
     ASSERT_EQ(loyalty->received.size(), 1u);
-    ASSERT_TRUE(emit(*h.view, "loyaltyPointsChanged", Points{70, "-45678"}));
+    ASSERT_TRUE(emitEvent(*h.view, "loyaltyPointsChanged", Points{70, "-45678"}));
     h.engine->queue().drain();
   }
   std::string recorded;

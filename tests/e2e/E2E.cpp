@@ -122,6 +122,7 @@ int main(int argc, char** argv) {
     }
   }
   const int result = RUN_ALL_TESTS();
+  websdk::e2e::engine::finish();
   // The toolkits' own teardown at exit is not what the suite tests, and Qt
   // WebEngine's in-process GPU thread can crash in it (making a GL context
   // current while the application is destroyed): the verdict is in, so the

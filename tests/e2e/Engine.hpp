@@ -90,5 +90,8 @@ const Limits& limits();
 /// guard module: it points the web context's module directory at `directory`
 /// (holding no module) and ends the current web process.
 void restartWithoutGuardModule(WebEngine& engine, const std::string& directory);
+/// Ends what the engine started outside this process (a browser), as the
+/// suite's process is about to end without its own teardown.
+void finish();
 
 }  // namespace websdk::e2e::engine

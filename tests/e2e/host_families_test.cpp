@@ -71,12 +71,12 @@ TEST_F(HostFamiliesTest, AnEventReachesATrustedPageAsJSONAndNeverAnUntrustedOne)
   const std::string note = "\"); window.hacked = 1; (\"</script>";
   server.page("/untrusted", testPage());
   ASSERT_TRUE(loadAndWait(server.url("/untrusted", "localhost")));
-  ASSERT_TRUE(view->emit("loyaltyPointsChanged", JSONObject{{"points", 1}}));
+  ASSERT_TRUE(view->emitEvent("loyaltyPointsChanged", JSONObject{{"points", 1}}));
   ASSERT_TRUE(waitFor([&] { return !listener->droppedPushes.empty(); }));
   EXPECT_EQ(listener->droppedPushes[0].second, WebSDKDropReason::pageNotWhitelisted);
 
   ASSERT_TRUE(loadAndWait(server.url("/page")));
-  ASSERT_TRUE(view->emit("loyaltyPointsChanged", JSONObject{{"points", 120}, {"note", note}}));
+  ASSERT_TRUE(view->emitEvent("loyaltyPointsChanged", JSONObject{{"points", 120}, {"note", note}}));
   ASSERT_TRUE(waitFor([&] { return !page->of("call").empty(); }));
   const auto calls = page->of("call");
   ASSERT_EQ(calls.size(), 1u);

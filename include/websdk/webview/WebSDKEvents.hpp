@@ -15,15 +15,15 @@
 namespace websdk {
 
 /// Pushes event `name` to `view`'s page with `data`, written from its
-/// model's declaration; see WebSDKWebView::emit. Any thread.
+/// model's declaration; see WebSDKWebView::emitEvent. Any thread.
 template <Declared Model>
-bool emit(WebSDKWebView& view, std::string_view name, const Model& data) {
+bool emitEvent(WebSDKWebView& view, std::string_view name, const Model& data) {
   static const auto sensitive = [] {
     std::set<std::string, std::less<>> keys;
     detail::collectSensitive<Model>(keys);
     return keys;
   }();
-  return view.emit(name, toJSON(data), sensitive);
+  return view.emitEvent(name, toJSON(data), sensitive);
 }
 
 }  // namespace websdk

@@ -267,11 +267,11 @@ class WEBSDK_EXPORT WebSDKWebView final : public WebSDKJSInteractionProtocol,
   /// `name` is not a valid event name (as invalidName() says) or is a page
   /// function's, whose calls the page tells apart from events by name.
   /// Returns whether it was sent on its way.
-  bool emit(std::string_view name, const JSON& data = nullptr);
+  bool emitEvent(std::string_view name, const JSON& data = nullptr);
   /// The same, the recording masking the values of `sensitiveKeys` in the
   /// data (as it masks a request's sensitive fields) from now on. An event
-  /// written from a model: websdk::emit() (websdk/webview/WebSDKEvents.hpp).
-  bool emit(std::string_view name, const JSON& data, const std::set<std::string, std::less<>>& sensitiveKeys);
+  /// written from a model: websdk::emitEvent() (websdk/webview/WebSDKEvents.hpp).
+  bool emitEvent(std::string_view name, const JSON& data, const std::set<std::string, std::less<>>& sensitiveKeys);
 
   /// Encodes `response`, evaluates it on the main queue in the document that
   /// asked (`document`, or the one that sent `response.requestId`), and tells

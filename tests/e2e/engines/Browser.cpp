@@ -7,6 +7,7 @@
 #include "../Engine.hpp"
 #include "websdk/browser/BrowserEngine.hpp"
 
+#include <fcntl.h>
 #include <glib.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -42,6 +43,13 @@ class Browser {
     // /usr/bin/chromium is a script that starts the browser as its child:
     // the whole group goes at stop().
     ::setpgid(0, 0);
+    // Nor the suite's output: a helper process of the browser's that outlives
+    // it would hold CTest waiting for the end of the test's output.
+    if (const int null = ::open("/dev/null", O_RDWR); null >= 0) {
+      ::dup2(null, STDIN_FILENO);
+      ::dup2(null, STDOUT_FILENO);
+      ::dup2(null, STDERR_FILENO);
+    }
     ::close_range(3, ~0U, 0);
     const std::string dataDir = "--user-data-dir=" + dir;
     std::vector<const char*> args{
@@ -145,6 +153,8 @@ const Limits& limits() {
           "it stands"};
   return limits;
 }
+void finish() { browser().stop(); }
+
 void restartWithoutGuardModule(WebEngine&, const std::string&) {}
 
 }  // namespace websdk::e2e::engine

@@ -101,6 +101,8 @@ const Limits& limits() {
       ""};
   return qt;
 }
+void finish() {}
+
 void restartWithoutGuardModule(WebEngine&, const std::string&) {}
 
 }  // namespace websdk::e2e::engine

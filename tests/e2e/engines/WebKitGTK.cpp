@@ -87,6 +87,8 @@ const Limits& limits() {
   return webkit;
 }
 
+void finish() {}
+
 void restartWithoutGuardModule(WebEngine& engine, const std::string& directory) {
   WebKitWebView* view = webkitgtk::nativeWebView(engine);
   compat::setExtensionsDirectory(webkit_web_view_get_context(view), directory.c_str());

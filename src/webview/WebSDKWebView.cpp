@@ -980,10 +980,10 @@ bool WebSDKWebView::emitEvent(std::string_view name, const JSON& data,
     recorded = Impl::EventRecord{call, data};
   }
   if (carriedToUIThread(*this, [name = std::string(name), script, recorded](WebSDKWebView& v) mutable {
-        v.impl_->emitEvent(std::move(name), std::move(script), std::move(recorded));
+        v.impl_->emit(std::move(name), std::move(script), std::move(recorded));
       }))
     return true;
-  impl_->emitEvent(std::string(name), std::move(script), std::move(recorded));
+  impl_->emit(std::string(name), std::move(script), std::move(recorded));
   return true;
 }
 

@@ -36,7 +36,16 @@ class Browser {
     profile_ = dir;
     const std::string program = chromium();
     pid_ = ::fork();
-    if (pid_ != 0) return;
+    if (pid_ < 0) {
+      pid_ = 0;  // no browser: the test waits for a page that never comes, and says so
+      return;
+    }
+    if (pid_ != 0) {
+      // Set here too: a stop() right after the launch must find the group
+      // made, whether or not the child has run yet.
+      ::setpgid(pid_, pid_);
+      return;
+    }
     // The browser goes with the suite, however the suite ends, and keeps
     // none of its sockets (the servers' ports among them).
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -65,6 +74,7 @@ class Browser {
   void stop() {
     if (pid_ > 0) {
       ::kill(-pid_, SIGKILL);
+      ::kill(pid_, SIGKILL);  // the launcher itself, had it left the group
       ::waitpid(pid_, nullptr, 0);
     }
     pid_ = 0;

@@ -151,6 +151,17 @@ void collectSensitive(std::set<std::string, std::less<>>& keys) {
   std::apply([&](const auto&... f) { (collectSensitiveField(f, keys), ...); }, T::fields());
 }
 
+template <class Row>
+void collectRowSensitive(std::set<std::string, std::less<>>& keys) {
+  if constexpr (!Row::refused && !std::is_void_v<typename Row::Type>)
+    collectSensitive<UnwrappedT<typename Row::Type>>(keys);
+}
+/// The sensitive keys of every model of a family's action table.
+template <class... Rows>
+void collectTableSensitive(std::tuple<Rows...>*, std::set<std::string, std::less<>>& keys) {
+  (collectRowSensitive<Rows>(keys), ...);
+}
+
 /// One row of a family's action table: its case and what its model reads.
 template <class Row>
 JSONObject actionSchema() {
@@ -265,17 +276,7 @@ const FamilyType& familyType() {
                  &detail::describeFamily<F>,
                  &detail::makeSilentPlugin<F>};
     for (const auto& entry : enumTable<typename F::Action>) t.actions.push_back(entry.raw);
-    std::apply(
-        [&](auto... row) {
-          (
-              [&] {
-                using Row = decltype(row);
-                if constexpr (!Row::refused && !std::is_void_v<typename Row::Type>)
-                  detail::collectSensitive<detail::UnwrappedT<typename Row::Type>>(t.sensitiveKeys);
-              }(),
-              ...);
-        },
-        typename F::Payload::Table{});
+    detail::collectTableSensitive(static_cast<typename F::Payload::Table*>(nullptr), t.sensitiveKeys);
     return t;
   }();
   return type;

@@ -221,16 +221,17 @@ std::optional<std::string> WebSDKScriptHandler::setPlugin(const FamilyType& fami
   const auto& builtIn = routes().byAction;
   for (std::size_t i = 0; i < family.actions.size(); ++i) {
     const std::string_view action = family.actions[i];
-    const std::string which = named + " cannot be registered: its action \"" + shownInLog(action) + "\" ";
-    if (auto why = invalidName(action)) return which + "is not a valid action string (" + *why + ")";
+    // Words only for a refusal: a registration that is taken builds none.
+    const auto which = [&] { return named + " cannot be registered: its action \"" + shownInLog(action) + "\" "; };
+    if (auto why = invalidName(action)) return which() + "is not a valid action string (" + *why + ")";
     if (const auto at = builtIn.find(action); at != builtIn.end())
-      return which + "is the library's " + std::string(routes().families[at->second.family]->name) +
+      return which() + "is the library's " + std::string(routes().families[at->second.family]->name) +
              " family's: pages already send it";
     if (const auto at = hostRoutes_.find(action); at != hostRoutes_.end())
-      return which + "is already the " + std::string(subscriptions_[at->second.subscription].family->name) +
+      return which() + "is already the " + std::string(subscriptions_[at->second.subscription].family->name) +
              " family's";
     for (std::size_t j = 0; j < i; ++j)
-      if (family.actions[j] == action) return which + "is listed twice";
+      if (family.actions[j] == action) return which() + "is listed twice";
   }
   const std::size_t index = subscriptions_.size();
   subscriptions_.push_back({&family, std::move(plugin), std::nullopt});

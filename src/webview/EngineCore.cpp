@@ -58,6 +58,8 @@ bool EngineCore::deliver(const ScriptMessage& message) const {
   const auto handler = it->second.lock();
   if (!handler) return false;
   handler->userContentController(message);
+  // The answers the handler gave go before the loop turns again.
+  queue_.runPending();
   return true;
 }
 

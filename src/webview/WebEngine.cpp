@@ -4,6 +4,10 @@
 
 namespace websdk {
 
+void WebEngine::evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion) {
+  if (auto script = nativeResponseScript(answer)) evaluateInDocument(document, std::move(*script), std::move(completion));
+}
+
 bool sameFieldName(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) {
     return (x >= 'A' && x <= 'Z' ? x | 0x20 : x) == (y >= 'A' && y <= 'Z' ? y | 0x20 : y);

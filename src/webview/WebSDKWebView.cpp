@@ -108,7 +108,8 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   /// main queue unless ready-encoded.
   void send(WebSDKResponseModel response, AnswerRoute route);
   /// Finds the answer's document and evaluates it there, or drops it. UI thread.
-  void evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route);
+  // `script` is the answer's, unless the engine takes answers as data.
+  void evaluateAnswer(WebSDKResponseModel response, std::optional<std::string> script, AnswerRoute route);
   /// The document that asked `requestId`: of several, the one shown, else the
   /// oldest (each forgotten once answered); for an id never asked, the
   /// document shown if it is whitelisted. UI thread.
@@ -796,9 +797,16 @@ void WebSDKWebView::Impl::send(WebSDKResponseModel response, AnswerRoute route) 
   }
   // A page script is UTF-8 text. An envelope holding other bytes would reach
   // the page broken (or not parse there), so such an answer is not sent at all.
-  auto script = nativeResponseScript(response);
-  if (!script) return;
-  if (route.readyEncoded) return evaluateAnswer(std::move(response), std::move(*script), route);
+  // An engine that takes answers as data gets no script: only the check.
+  std::optional<std::string> script;
+  if (engine_->answersAsData()) {
+    if (!isValidUTF8(response.type) || !isValidUTF8(response.requestId) || (response.statusMessage && !isValidUTF8(*response.statusMessage)) ||
+        (response.payload && !isValidUTF8(*response.payload)))
+      return;
+  } else if (script = nativeResponseScript(response); !script) {
+    return;
+  }
+  if (route.readyEncoded) return evaluateAnswer(std::move(response), std::move(script), route);
   // The host sent it; an abandoned reply's failure is the view's own, told
   // once it is known to be owed.
   if (!route.abandoned)
@@ -807,7 +815,7 @@ void WebSDKWebView::Impl::send(WebSDKResponseModel response, AnswerRoute route) 
   // host posts to the main queue. The task holds the view weakly: answers
   // queued for a view that is gone by then do nothing.
   engine_->mainQueue().post(
-      [weak = weak_from_this(), script = std::move(*script), response = std::move(response), route]() mutable {
+      [weak = weak_from_this(), script = std::move(script), response = std::move(response), route]() mutable {
         const auto view = weak.lock();
         if (!view) {
           log(LogLevel::warning, "answer",
@@ -819,7 +827,8 @@ void WebSDKWebView::Impl::send(WebSDKResponseModel response, AnswerRoute route) 
       });
 }
 
-void WebSDKWebView::Impl::evaluateAnswer(WebSDKResponseModel response, std::string script, AnswerRoute route) {
+void WebSDKWebView::Impl::evaluateAnswer(WebSDKResponseModel response, std::optional<std::string> script,
+                                         AnswerRoute route) {
   WebSDKDropReason why = WebSDKDropReason::documentGone;
   const auto target = route.serial != 0
                           ? boundTarget(response.requestId, *route.document, route.serial, route.abandoned, why)
@@ -842,7 +851,8 @@ void WebSDKWebView::Impl::evaluateAnswer(WebSDKResponseModel response, std::stri
       if (result.error) log(LogLevel::warning, "answer", name, "nativeResponse evaluation failed: " + *result.error);
       if (dropped) dropped(std::move(result));
     };
-  engine_->evaluateInDocument(*target, std::move(script), std::move(completion));
+  if (script) return engine_->evaluateInDocument(*target, std::move(*script), std::move(completion));
+  engine_->evaluateAnswer(*target, std::move(response), std::move(completion));
 }
 
 void WebSDKWebView::Impl::respond(std::optional<std::string> payload, WebSDKResponseType type,

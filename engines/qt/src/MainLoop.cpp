@@ -4,6 +4,7 @@
 #include "websdk/qtwebengine/Native.hpp"
 
 #include "websdk/Log.hpp"
+#include "websdk/webview/TaskList.hpp"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -113,32 +114,16 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
 // Qt's grown to the burst's size.
 struct QtMainQueue::Context {
   QObject object;  // lives on the UI thread: queued calls run there
-  std::mutex mutex;
-  std::deque<std::function<void()>> tasks;
-  bool scheduled = false;
+  TaskList tasks;
 
   void schedule() {
     QMetaObject::invokeMethod(
-        &object, [this] { drain(); }, Qt::QueuedConnection);
-  }
-
-  // A turn runs a bounded batch, so that input and painting go on between.
-  void drain() {
-    constexpr int kTurn = 256;
-    for (int n = 0; n < kTurn; ++n) {
-      std::function<void()> task;
-      {
-        std::lock_guard lock(mutex);
-        if (tasks.empty()) {
-          scheduled = false;
-          return;
-        }
-        task = std::move(tasks.front());
-        tasks.pop_front();
-      }
-      task();
-    }
-    schedule();
+        &object,
+        [this] {
+          // A turn runs a bounded batch, so that input and painting go on between.
+          if (tasks.runTurn(256)) schedule();
+        },
+        Qt::QueuedConnection);
   }
 };
 
@@ -151,10 +136,10 @@ QtMainQueue::QtMainQueue() {
 QtMainQueue::~QtMainQueue() = default;
 
 void QtMainQueue::post(std::function<void()> task) {
-  std::lock_guard lock(context_->mutex);
-  context_->tasks.push_back(std::move(task));
-  if (!std::exchange(context_->scheduled, true)) context_->schedule();
+  if (context_->tasks.push(std::move(task))) context_->schedule();
 }
+
+void QtMainQueue::runPending() { context_->tasks.runPending(); }
 
 void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
   // Qt's timers count in int milliseconds.

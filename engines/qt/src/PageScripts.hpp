@@ -185,19 +185,16 @@ window.dispatchEvent(new CustomEvent('websdk:listening'));
   return s;
 }
 
-/// `script` run only in the document marked `mark`; elsewhere it completes
-/// with kDropped.
-inline std::string inDocument(std::string_view mark, std::string_view script) {
-  std::string s;
-  s.reserve(script.size() + 96);
-  s += "if (window.__websdkDocument !== '";
+/// Around a script, runs it only in the document marked `mark`; elsewhere it
+/// completes with kDropped: what goes before the script, and after it.
+inline std::string inDocumentStart(std::string_view mark) {
+  std::string s = "if (window.__websdkDocument !== '";
   s += mark;
   s += "') '";
   s += kDropped;
   s += "'; else {\n";
-  s += script;
-  s += "\n}";
   return s;
 }
+inline constexpr std::string_view kInDocumentEnd = "\n}";
 
 }  // namespace websdk::qtwebengine::scripts

@@ -16,6 +16,7 @@
 #include <QAuthenticator>
 #include <QCoreApplication>
 #include <QJsonArray>
+#include <QStringDecoder>
 #include <QPointer>
 #include <QThread>
 #include <QTimer>
@@ -72,6 +73,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     DocumentID top = 0;
   };
   std::string documentMark;
+  std::pair<std::string, std::string> documentStart;  // a mark, and what scripts for it start with
   std::deque<Known> recentMarks;              // the last few, newest last
   std::map<DocumentID, std::string> topURLs;  // of the documents in recentMarks
   bool committedSinceStart = false;
@@ -214,6 +216,26 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     int n = 0;
     for (const auto& script : userScripts)
       add(QStringLiteral("websdk-user-%1").arg(n++), qstring(script.source), QWebEngineScript::MainWorld, false);
+  }
+
+  // ---- Scripts as Qt takes them ----
+  // Written into the text of the last script, in place: a large answer costs
+  // no fresh memory here (Qt copies the text as it sends it on).
+  QString scriptText;
+  const QString& source(std::initializer_list<std::string_view> parts) {
+    std::size_t bytes = 0;
+    for (const auto part : parts) bytes += part.size();
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    scriptText.resize(decoder.requiredSpace(static_cast<qsizetype>(bytes)));
+    QChar* const start = scriptText.data();
+    QChar* end = start;
+    for (const auto part : parts) end = decoder.appendToBuffer(end, QByteArrayView(part.data(), part.size()));
+    scriptText.truncate(end - start);
+    return scriptText;
+  }
+  // Sent: text of a rare, very large script is not kept.
+  void sent() {
+    if (scriptText.capacity() > (qsizetype{8} << 20)) scriptText = QString();
   }
 
   // ---- Messages ----
@@ -528,14 +550,17 @@ void QtWebEngine::load(const URLRequest& request) {
 void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
   State& s = *state_;
   if (!s.page) return;
-  const QString source = qstring(script);
+  const QString& source = s.source({script});
   scriptBuffers::give(std::move(script));
-  if (!completion) return s.page->runJavaScript(source, QWebEngineScript::MainWorld);
-  s.page->runJavaScript(source, QWebEngineScript::MainWorld,
-                        [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
-                          if (auto state = weak.lock(); state && state->page)
-                            completion(ScriptResult{toJSON(value), std::nullopt, false});
-                        });
+  if (!completion)
+    s.page->runJavaScript(source, QWebEngineScript::MainWorld);
+  else
+    s.page->runJavaScript(source, QWebEngineScript::MainWorld,
+                          [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
+                            if (auto state = weak.lock(); state && state->page)
+                              completion(ScriptResult{toJSON(value), std::nullopt, false});
+                          });
+  s.sent();
 }
 
 void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
@@ -544,18 +569,24 @@ void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, Sc
   if (!s.core->shows(document)) return EngineCore::dropped(completion);
   if (s.documentMark.empty()) return evaluateJavaScript(std::move(script), std::move(completion));
   // The page decides: a navigation racing the answer cannot carry it into the next document.
-  const QString source = qstring(scripts::inDocument(s.documentMark, script));
+  if (s.documentStart.first != s.documentMark)
+    s.documentStart = {s.documentMark, scripts::inDocumentStart(s.documentMark)};
+  const QString& source = s.source({s.documentStart.second, script, scripts::kInDocumentEnd});
   scriptBuffers::give(std::move(script));
-  if (!completion) return s.page->runJavaScript(source, QWebEngineScript::MainWorld);
-  s.page->runJavaScript(
-      source, QWebEngineScript::MainWorld,
-      [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
-        auto state = weak.lock();
-        if (!state || !state->page) return;
-        if (value.typeId() == QMetaType::QString && value.toString() == QLatin1String(scripts::kDropped))
-          return completion(ScriptResult{std::nullopt, std::nullopt, true});
-        completion(ScriptResult{toJSON(value), std::nullopt, false});
-      });
+  if (!completion) {
+    s.page->runJavaScript(source, QWebEngineScript::MainWorld);
+  } else {
+    s.page->runJavaScript(
+        source, QWebEngineScript::MainWorld,
+        [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
+          auto state = weak.lock();
+          if (!state || !state->page) return;
+          if (value.typeId() == QMetaType::QString && value.toString() == QLatin1String(scripts::kDropped))
+            return completion(ScriptResult{std::nullopt, std::nullopt, true});
+          completion(ScriptResult{toJSON(value), std::nullopt, false});
+        });
+  }
+  s.sent();
 }
 
 void QtWebEngine::addUserScript(const UserScript& script) {

@@ -132,11 +132,20 @@ struct TopDocument {
   // still pending as soon as it starts.
   std::string url;
   JSCContext* context = nullptr;
+  // Calls the page's nativeResponse with an answer, made in `context` when
+  // its first answer comes.
+  JSCValue* answer = nullptr;
   GWeakRef frame;  // the main frame
   TopDocument() { g_weak_ref_init(&frame, nullptr); }
   ~TopDocument() {
-    if (context) g_object_unref(context);
+    forget();
     g_weak_ref_clear(&frame);
+  }
+  void forget() {
+    if (answer) g_object_unref(answer);
+    answer = nullptr;
+    if (context) g_object_unref(context);
+    context = nullptr;
   }
 };
 
@@ -309,7 +318,7 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
   if (isMain) {
     top.id = newDocumentID();
     top.url = uri ? uri : "";
-    if (top.context) g_object_unref(top.context);
+    top.forget();
     top.context = JSC_CONTEXT(g_object_ref(context));
     g_weak_ref_set(&top.frame, frame);
   }
@@ -354,7 +363,74 @@ void reply(WebKitUserMessage* message, gboolean dropped, gboolean failed, const 
       message, webkit_user_message_new(channel::kEvaluated, g_variant_new("(bbs)", dropped, failed, text)));
 }
 
-// An evaluation for one top document: run only if that document is shown.
+// The top document `document` of `page`, if it is the one shown now.
+TopDocument* shownDocument(WebKitWebPage* page, std::uint64_t document) {
+  TopDocument& top = topOf(page);
+  auto* frame = static_cast<WebKitFrame*>(g_weak_ref_get(&top.frame));
+  JSCContext* shown =
+      frame ? webkit_frame_get_js_context_for_script_world(frame, webkit_script_world_get_default()) : nullptr;
+  const bool current = top.id != 0 && top.id == document && shown != nullptr && shown == top.context;
+  if (shown) g_object_unref(shown);
+  if (frame) g_object_unref(frame);
+  return current ? &top : nullptr;
+}
+
+// What an evaluation or an answer did, told to the view if it asked.
+void replyWith(WebKitUserMessage* message, bool wantsReply, JSCContext* context, JSCValue* result) {
+  if (JSCException* exception = jsc_context_get_exception(context)) {
+    if (wantsReply) reply(message, FALSE, TRUE, jsc_exception_get_message(exception));
+    jsc_context_clear_exception(context);
+  } else if (wantsReply) {
+    char* json = result == nullptr || jsc_value_is_undefined(result) ? nullptr : jsc_value_to_json(result, 0);
+    jsc_context_clear_exception(context);
+    reply(message, FALSE, FALSE, json ? json : "");
+    g_free(json);
+  }
+  if (result) g_object_unref(result);
+}
+
+JSCValue* jsText(JSCContext* context, std::string_view bytes) {
+  GBytes* data = g_bytes_new_static(bytes.data(), bytes.size());
+  JSCValue* value = jsc_value_new_string_from_bytes(context, data);
+  g_bytes_unref(data);
+  return value;
+}
+
+// The envelope as the page's script would have made it: a plain object, its
+// fields in order, each an own data property; then nativeResponse, looked up
+// where the page's script would find it.
+void answer(WebKitUserMessage* message, const channel::AnswerHead& head, TopDocument& top, std::string_view payload) {
+  JSCContext* context = top.context;
+  if (top.answer == nullptr) {
+    top.answer = jsc_context_evaluate(context, "(function (envelope) { return nativeResponse(envelope); })", -1);
+    jsc_context_clear_exception(context);
+    if (top.answer != nullptr && !jsc_value_is_function(top.answer)) {
+      g_object_unref(top.answer);
+      top.answer = nullptr;
+    }
+    if (top.answer == nullptr) {
+      if (head.wantsReply) reply(message, FALSE, TRUE, "the page's script cannot run");
+      return;
+    }
+  }
+  constexpr auto kData = static_cast<JSCValuePropertyFlags>(JSC_VALUE_PROPERTY_CONFIGURABLE |
+                                                            JSC_VALUE_PROPERTY_ENUMERABLE | JSC_VALUE_PROPERTY_WRITABLE);
+  JSCValue* envelope = jsc_value_new_object(context, nullptr, nullptr);
+  const auto field = [&](const char* name, JSCValue* value) {
+    jsc_value_object_define_property_data(envelope, name, kData, value);
+    g_object_unref(value);
+  };
+  field("type", jsText(context, head.type));
+  field("statusCode", jsc_value_new_number(context, static_cast<double>(head.statusCode)));
+  if (head.statusMessage) field("statusMessage", jsText(context, *head.statusMessage));
+  field("requestId", jsText(context, head.requestId));
+  if (head.hasPayload) field("payload", jsText(context, payload));
+  JSCValue* result = jsc_value_function_call(top.answer, JSC_TYPE_VALUE, envelope, G_TYPE_NONE);
+  g_object_unref(envelope);
+  replyWith(message, head.wantsReply, context, result);
+}
+
+// An evaluation or an answer for one top document: run only if that document is shown.
 gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) {
   const char* name = webkit_user_message_get_name(message);
   // The view asks whether the guard is in its page's process before it sends
@@ -363,38 +439,33 @@ gboolean userMessage(WebKitWebPage* page, WebKitUserMessage* message, gpointer) 
     webkit_user_message_send_reply(message, webkit_user_message_new(guard::kReady, nullptr));
     return TRUE;
   }
-  std::uint64_t document = 0;
-  bool wantsReply = false;
-  if (!channel::readEvaluateName(name, document, wantsReply)) return FALSE;
   GVariant* params = webkit_user_message_get_parameters(message);
   if (params == nullptr || !g_variant_is_of_type(params, G_VARIANT_TYPE_BYTESTRING)) return FALSE;
+  std::uint64_t document = 0;
+  bool wantsReply = false;
+  channel::AnswerHead head;
+  const bool isAnswer = channel::readAnswerName(name, head);
+  if (isAnswer) {
+    document = head.document;
+    wantsReply = head.wantsReply;
+  } else if (!channel::readEvaluateName(name, document, wantsReply)) {
+    return FALSE;
+  }
   gsize length = 0;
   const auto* bytes = static_cast<const char*>(g_variant_get_fixed_array(params, &length, 1));
   // Read by its length, in place: JavaScriptCore checks the UTF-8 as it
   // converts, so the bytes are not scanned a second time here.
-  const char* script = length != 0 ? bytes : "";
-  TopDocument& top = topOf(page);
-  auto* frame = static_cast<WebKitFrame*>(g_weak_ref_get(&top.frame));
-  JSCContext* shown =
-      frame ? webkit_frame_get_js_context_for_script_world(frame, webkit_script_world_get_default()) : nullptr;
-  const bool current = top.id != 0 && top.id == document && shown != nullptr && shown == top.context;
-  if (shown) g_object_unref(shown);
-  if (frame) g_object_unref(frame);
-  if (!current) {
+  const std::string_view data(length != 0 ? bytes : "", length);
+  TopDocument* top = shownDocument(page, document);
+  if (top == nullptr) {
     if (wantsReply) reply(message, TRUE, FALSE, "");
     return TRUE;
   }
-  JSCValue* result = jsc_context_evaluate(top.context, script, static_cast<gssize>(length));
-  if (JSCException* exception = jsc_context_get_exception(top.context)) {
-    if (wantsReply) reply(message, FALSE, TRUE, jsc_exception_get_message(exception));
-    jsc_context_clear_exception(top.context);
-  } else if (wantsReply) {
-    char* json = jsc_value_is_undefined(result) ? nullptr : jsc_value_to_json(result, 0);
-    jsc_context_clear_exception(top.context);
-    reply(message, FALSE, FALSE, json ? json : "");
-    g_free(json);
-  }
-  if (result) g_object_unref(result);
+  if (isAnswer)
+    answer(message, head, *top, data);
+  else
+    replyWith(message, wantsReply, top->context,
+              jsc_context_evaluate(top->context, data.data(), static_cast<gssize>(data.size())));
   return TRUE;
 }
 

@@ -6,6 +6,7 @@
 
 #include "Compat.hpp"
 #include "websdk/Log.hpp"
+#include "websdk/webview/TaskList.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -91,14 +92,23 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
   return ok;
 }
 
-GLibMainQueue::GLibMainQueue() : context_(g_main_context_ref_thread_default()) {}
-GLibMainQueue::~GLibMainQueue() { g_main_context_unref(static_cast<GMainContext*>(context_)); }
+// Tasks wait in the queue's own list, and one idle source at a time runs it:
+// a burst of answers costs no source of GLib's each.
+struct GLibMainQueue::Tasks {
+  GMainContext* context;
+  TaskList list;
+  explicit Tasks(GMainContext* c) : context(c) {}
+  ~Tasks() { g_main_context_unref(context); }
+};
+
+GLibMainQueue::GLibMainQueue() : tasks_(std::make_shared<Tasks>(g_main_context_ref_thread_default())) {}
+GLibMainQueue::~GLibMainQueue() = default;
 
 namespace {
 
 // Runs `task` once from `source` on `context`. The destroy-notify frees the
 // task also when its context goes away before it runs.
-void attachOnce(GSource* source, void* context, std::function<void()> task) {
+void attachOnce(GSource* source, GMainContext* context, std::function<void()> task) {
   using Task = std::function<void()>;
   g_source_set_priority(source, G_PRIORITY_DEFAULT);
   g_source_set_callback(
@@ -108,25 +118,39 @@ void attachOnce(GSource* source, void* context, std::function<void()> task) {
         return G_SOURCE_REMOVE;
       },
       new Task(std::move(task)), [](gpointer data) { delete static_cast<Task*>(data); });
-  g_source_attach(source, static_cast<GMainContext*>(context));
+  g_source_attach(source, context);
   g_source_unref(source);
 }
 
 }  // namespace
 
 void GLibMainQueue::post(std::function<void()> task) {
+  if (!tasks_->list.push(std::move(task))) return;
   // An idle source rather than g_main_context_invoke: a task posted from the
-  // UI thread must still run later, after the caller has returned. Sources of
-  // one priority run in the order attached.
-  attachOnce(g_idle_source_new(), context_, std::move(task));
+  // UI thread must still run later, after the caller has returned. The source
+  // holds the list, so tasks posted to a queue that is gone still run.
+  using Held = std::shared_ptr<Tasks>;
+  GSource* source = g_idle_source_new();
+  g_source_set_priority(source, G_PRIORITY_DEFAULT);
+  g_source_set_callback(
+      source,
+      [](gpointer data) -> gboolean {
+        // A turn runs a bounded batch, so that input and painting go on between.
+        return (*static_cast<Held*>(data))->list.runTurn(256) ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
+      },
+      new Held(tasks_), [](gpointer data) { delete static_cast<Held*>(data); });
+  g_source_attach(source, tasks_->context);
+  g_source_unref(source);
 }
+
+void GLibMainQueue::runPending() { tasks_->list.runPending(); }
 
 void GLibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
   const auto ms = std::clamp<std::int64_t>(delay.count(), 0, G_MAXUINT);
-  attachOnce(g_timeout_source_new(static_cast<guint>(ms)), context_, std::move(task));
+  attachOnce(g_timeout_source_new(static_cast<guint>(ms)), tasks_->context, std::move(task));
 }
 
-bool GLibMainQueue::isCurrent() const { return g_main_context_is_owner(static_cast<GMainContext*>(context_)) != FALSE; }
+bool GLibMainQueue::isCurrent() const { return g_main_context_is_owner(tasks_->context) != FALSE; }
 bool GLibMainQueue::isUIThread() const { return std::this_thread::get_id() == thread_; }
 
 }  // namespace websdk::webkitgtk

@@ -97,6 +97,104 @@ inline bool readEvaluateName(std::string_view name, std::uint64_t& document, boo
 /// Page -> view, the reply: (dropped, failed, result JSON text or error message).
 inline constexpr char kEvaluated[] = "websdk:evaluated";
 
+/// View -> page: an answer for the page's nativeResponse, evaluated only in
+/// one top document, as data: the module makes the envelope object itself,
+/// so the payload is neither escaped here nor parsed there. The payload's
+/// bytes are the parameters ("ay") as they stand; the envelope's other fields
+/// ride in the name, each text field as hex, so no field is ever copied into
+/// a larger value: "websdk:answer:<r|n>:<document>:<statusCode>:<p|->:
+/// <type>:<statusMessage or ->:<requestId>".
+inline constexpr char kAnswer[] = "websdk:answer:";
+
+/// The envelope's fields besides the payload.
+struct AnswerHead {
+  std::uint64_t document = 0;
+  bool wantsReply = false;
+  std::int64_t statusCode = 0;
+  bool hasPayload = false;
+  std::string type;
+  std::optional<std::string> statusMessage;
+  std::string requestId;
+};
+
+namespace detail {
+inline void appendHex(std::string& out, std::string_view bytes) {
+  static constexpr char digits[] = "0123456789abcdef";
+  for (const char c : bytes) {
+    const auto b = static_cast<unsigned char>(c);
+    out += digits[b >> 4];
+    out += digits[b & 0xF];
+  }
+}
+inline bool readHex(std::string_view hex, std::string& out) {
+  if (hex.size() % 2 != 0) return false;
+  const auto value = [](char c) -> int {
+    return c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+  };
+  out.clear();
+  out.reserve(hex.size() / 2);
+  for (std::size_t i = 0; i < hex.size(); i += 2) {
+    const int high = value(hex[i]), low = value(hex[i + 1]);
+    if (high < 0 || low < 0) return false;
+    out += static_cast<char>(high << 4 | low);
+  }
+  return true;
+}
+// The next ':'-ended field of `rest`, taken off it; false when there is none.
+inline bool nextField(std::string_view& rest, std::string_view& field, bool last = false) {
+  const auto end = last ? rest.size() : rest.find(':');
+  if (end == std::string_view::npos) return false;
+  field = rest.substr(0, end);
+  rest.remove_prefix(last ? end : end + 1);
+  return true;
+}
+template <class Number>
+bool readNumber(std::string_view text, Number& out) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), out);
+  return error == std::errc() && end == text.data() + text.size() && !text.empty();
+}
+}  // namespace detail
+
+/// kAnswer's full name for `head`.
+inline std::string answerName(const AnswerHead& head) {
+  std::string name(kAnswer);
+  name += head.wantsReply ? "r:" : "n:";
+  name += std::to_string(head.document);
+  name += ':';
+  name += std::to_string(head.statusCode);
+  name += head.hasPayload ? ":p:" : ":-:";
+  detail::appendHex(name, head.type);
+  name += ':';
+  if (head.statusMessage)
+    detail::appendHex(name, *head.statusMessage);
+  else
+    name += '-';
+  name += ':';
+  detail::appendHex(name, head.requestId);
+  return name;
+}
+
+/// Reads a name answerName made; false for any other name.
+inline bool readAnswerName(std::string_view name, AnswerHead& head) {
+  const std::string_view prefix(kAnswer);
+  if (name.substr(0, prefix.size()) != prefix) return false;
+  std::string_view rest = name.substr(prefix.size()), field;
+  if (!detail::nextField(rest, field) || (field != "r" && field != "n")) return false;
+  head.wantsReply = field == "r";
+  if (!detail::nextField(rest, field) || !detail::readNumber(field, head.document)) return false;
+  if (!detail::nextField(rest, field) || !detail::readNumber(field, head.statusCode)) return false;
+  if (!detail::nextField(rest, field) || (field != "p" && field != "-")) return false;
+  head.hasPayload = field == "p";
+  if (!detail::nextField(rest, field) || !detail::readHex(field, head.type)) return false;
+  if (!detail::nextField(rest, field)) return false;
+  if (field == "-") {
+    head.statusMessage.reset();
+  } else if (!detail::readHex(field, head.statusMessage.emplace())) {
+    return false;
+  }
+  return detail::nextField(rest, field, true) && detail::readHex(field, head.requestId);
+}
+
 /// A large message's kPostPart parts so far, in storage sized once by the
 /// size its first part announced.
 class Gathering {

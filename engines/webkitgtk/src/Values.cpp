@@ -123,6 +123,22 @@ WebKitUserMessage* evaluateMessage(DocumentID document, bool wantsReply, std::st
   return webkit_user_message_new(channel::evaluateName(document, wantsReply).c_str(), params);
 }
 
+WebKitUserMessage* answerMessage(DocumentID document, bool wantsReply, WebSDKResponseModel answer) {
+  channel::AnswerHead head{document,
+                           wantsReply,
+                           answer.statusCode,
+                           answer.payload.has_value(),
+                           std::move(answer.type),
+                           std::move(answer.statusMessage),
+                           std::move(answer.requestId)};
+  // The payload is the parameters as it stands, handed over, not copied.
+  auto* payload = new std::string(answer.payload ? std::move(*answer.payload) : std::string());
+  GVariant* params = g_variant_new_from_data(
+      G_VARIANT_TYPE_BYTESTRING, payload->data(), payload->size(), TRUE,
+      [](gpointer p) { delete static_cast<std::string*>(p); }, payload);
+  return webkit_user_message_new(channel::answerName(head).c_str(), params);
+}
+
 ScriptResult evaluatedResult(WebKitUserMessage* reply) {
   ScriptResult outcome;
   GVariant* params = reply ? webkit_user_message_get_parameters(reply) : nullptr;

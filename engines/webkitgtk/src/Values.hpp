@@ -44,6 +44,8 @@ void answer(WebKitAuthenticationRequest* request, WebSDKAuthChallengeDisposition
 /// The module's message that runs `script` only in the top document
 /// `document`; the script's storage goes back to the buffers once sent.
 WebKitUserMessage* evaluateMessage(DocumentID document, bool wantsReply, std::string script);
+/// The module's message that hands `answer` to nativeResponse in `document` as data.
+WebKitUserMessage* answerMessage(DocumentID document, bool wantsReply, WebSDKResponseModel answer);
 /// What the module's reply to it says; none (the page's process went away or
 /// could not take it) means the script never ran.
 ScriptResult evaluatedResult(WebKitUserMessage* reply);

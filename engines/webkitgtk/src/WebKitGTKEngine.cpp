@@ -378,6 +378,31 @@ struct WebKitGTKEngine::State : std::enable_shared_from_this<State> {
     return FALSE;
   }
 
+  // ---- Evaluations in one document, through the module ----
+  void sendToPage(WebKitUserMessage* message, ScriptCompletion completion) {
+    if (!completion) {
+      webkit_web_view_send_message_to_page(view, message, nullptr, nullptr, nullptr);
+      return;
+    }
+    struct Pending {
+      Weak state;
+      ScriptCompletion completion;
+    };
+    webkit_web_view_send_message_to_page(
+        view, message, cancellable,
+        [](GObject* source, GAsyncResult* result, gpointer data) {
+          std::unique_ptr<Pending> pending(static_cast<Pending*>(data));
+          GError* error = nullptr;
+          WebKitUserMessage* reply =
+              webkit_web_view_send_message_to_page_finish(WEBKIT_WEB_VIEW(source), result, &error);
+          ScriptResult outcome = evaluatedResult(reply);
+          if (error) g_error_free(error);
+          if (reply) g_object_unref(reply);
+          if (auto state = pending->state.lock(); state && state->view) pending->completion(std::move(outcome));
+        },
+        new Pending{weak_from_this(), std::move(completion)});
+  }
+
   // ---- The header guard ----
   // Asked once the view exists: the question starts the page's web process,
   // and the module there answers if it was loaded.
@@ -548,26 +573,18 @@ void WebKitGTKEngine::evaluateInDocument(DocumentID document, std::string script
   // The module runs it only if `document` is the page's top document when it
   // arrives: a navigation racing the answer cannot carry it into the next one.
   WebKitUserMessage* message = evaluateMessage(document, completion != nullptr, std::move(script));
-  if (!completion) {
-    webkit_web_view_send_message_to_page(s.view, message, nullptr, nullptr, nullptr);
-    return;
-  }
-  struct Pending {
-    State::Weak state;
-    ScriptCompletion completion;
-  };
-  webkit_web_view_send_message_to_page(
-      s.view, message, s.cancellable,
-      [](GObject* source, GAsyncResult* result, gpointer data) {
-        std::unique_ptr<Pending> pending(static_cast<Pending*>(data));
-        GError* error = nullptr;
-        WebKitUserMessage* reply = webkit_web_view_send_message_to_page_finish(WEBKIT_WEB_VIEW(source), result, &error);
-        ScriptResult outcome = evaluatedResult(reply);
-        if (error) g_error_free(error);
-        if (reply) g_object_unref(reply);
-        if (auto state = pending->state.lock(); state && state->view) pending->completion(std::move(outcome));
-      },
-      new Pending{state_, std::move(completion)});
+  s.sendToPage(message, std::move(completion));
+}
+
+bool WebKitGTKEngine::answersAsData() const { return true; }
+
+void WebKitGTKEngine::evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion) {
+  State& s = *state_;
+  if (!s.view) return;
+  // Without the module, as a script.
+  if (!s.stamped) return WebEngine::evaluateAnswer(document, std::move(answer), std::move(completion));
+  WebKitUserMessage* message = answerMessage(document, completion != nullptr, std::move(answer));
+  s.sendToPage(message, std::move(completion));
 }
 
 std::optional<std::string_view> WebKitGTKEngine::url() const {

@@ -7,6 +7,7 @@
 #include "websdk/Export.hpp"
 #include "websdk/json/JSON.hpp"
 #include "websdk/webview/WebSDKConfig.hpp"
+#include "websdk/webview/WebSDKResponseModel.hpp"
 
 #include <chrono>
 #include <cstdint>
@@ -130,6 +131,11 @@ class WEBSDK_EXPORT MainQueue {
   /// Whether the calling thread is the UI thread (an engine with no thread
   /// of its own says yes everywhere).
   virtual bool isUIThread() const { return true; }
+  /// Runs, now, the tasks posted before the call (UI thread only). The
+  /// engine calls it where one of its UI events ends, after a page message
+  /// is delivered: an answer given while the page waits leaves at once, not
+  /// at the loop's next turn. A queue that tests drain by hand does nothing.
+  virtual void runPending() {}
   /// Tells the queue of `work` a view does off the UI thread. A queue that
   /// tests drain settles it at the end of each drain, so that a test reads
   /// what the work did; an engine's own queue leaves it alone. UI thread.
@@ -272,6 +278,14 @@ class WEBSDK_EXPORT WebEngine {
   /// engine decides this where the page lives, so a navigation racing the
   /// evaluation cannot carry the script into the next document.
   virtual void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) = 0;
+  /// Whether the engine takes answers as data (evaluateAnswer), so that the
+  /// view need not write their scripts. Any thread.
+  virtual bool answersAsData() const { return false; }
+  /// Calls the page's nativeResponse with `answer` as the script
+  /// "nativeResponse(" + its JSON + ")" would, under evaluateInDocument's
+  /// rule for `document`. Called only when answersAsData(); the view has
+  /// checked that its text fields are UTF-8. By default, that script.
+  virtual void evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion);
   /// Installs `script` into every page loaded from now on.
   virtual void addUserScript(const UserScript& script) = 0;
   /// Hands the messages pages post to `name` to `handler`, while it lives.

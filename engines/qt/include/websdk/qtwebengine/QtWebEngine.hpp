@@ -77,6 +77,7 @@ class WEBSDK_EXPORT QtMainQueue final : public MainQueue {
   void post(std::function<void()> task) override;
   void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
   bool isUIThread() const override;
+  void runPending() override;
 
  private:
   struct Context;

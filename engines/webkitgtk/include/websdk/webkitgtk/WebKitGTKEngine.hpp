@@ -114,9 +114,11 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   bool isCurrent() const;
   /// Whether the calling thread is the one that made the queue.
   bool isUIThread() const override;
+  void runPending() override;
 
  private:
-  void* context_;  // GMainContext*, referenced
+  struct Tasks;
+  std::shared_ptr<Tasks> tasks_;  // shared with the turn scheduled on the context
   std::thread::id thread_ = std::this_thread::get_id();
 };
 
@@ -146,6 +148,8 @@ class WEBSDK_EXPORT WebKitGTKEngine final : public WebEngine {
   /// Runs `script` only if `document` is still the top document; with the
   /// module in the page's process, that is decided there.
   void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) override;
+  bool answersAsData() const override;
+  void evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion) override;
   /// The URL of the committed top document (a load still pending does not count).
   std::optional<std::string_view> url() const override;
   DocumentID document() const override;

@@ -191,7 +191,6 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
 
-  websdk::bench::printFigures("Round trip on Qt WebEngine, page -> plugin -> page",
-                              [](const std::string&) { return 1.25; });
+  websdk::bench::printFigures("Round trip on Qt WebEngine, page -> plugin -> page", websdk::bench::target);
   return 0;
 }

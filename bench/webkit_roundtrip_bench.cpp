@@ -191,8 +191,6 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
 
-  websdk::bench::printFigures("Round trip, page -> plugin -> page", [](const std::string& name) {
-    return name.starts_with("100 ") ? 1.10 : name.starts_with("10000 ") || name.ends_with("pipelined") ? 1.15 : 1.25;
-  });
+  websdk::bench::printFigures("Round trip, page -> plugin -> page", websdk::bench::target);
   return 0;
 }

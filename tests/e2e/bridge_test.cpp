@@ -207,6 +207,77 @@ TEST_F(BridgeTest, AMegabyteAnswerArrivesIntact) {
   EXPECT_TRUE(std::string_view(*received) == payload);
 }
 
+// Every shape an envelope takes reaches nativeResponse as the object its
+// script text would make: a plain object, only the fields given, in order.
+TEST_F(BridgeTest, EveryEnvelopeShapeReachesThePageAsItsScriptWouldMakeIt) {
+  server.page("/shapes", testPage(R"(<script>
+nativeResponse = function (e) {
+  report('shape', {keys: Object.keys(e), plain: Object.getPrototypeOf(e) === Object.prototype,
+                   envelope: e, payloadLength: typeof e.payload === 'string' ? e.payload.length : -1});
+};
+</script>)"));
+  ASSERT_TRUE(loadAndWait(server.url("/shapes")));
+  struct Row {
+    std::string requestId;
+    std::optional<std::string> payload;
+    WebSDKResponseType type;
+    std::optional<std::int64_t> code;
+    std::optional<std::string> message;
+    JSONArray keys;
+    int payloadUnits;  // as the page counts them (UTF-16)
+  };
+  const std::vector<Row> rows = {
+      {"a", std::nullopt, WebSDKResponseType::success, std::nullopt, std::nullopt,
+       {"type", "statusCode", "requestId"}, -1},
+      {"b", "", WebSDKResponseType::failure, 1005, "not a \"trusted\" page",
+       {"type", "statusCode", "statusMessage", "requestId", "payload"}, 0},
+      {"c \"quoted\" \xE2\x80\xA8 id", std::string("nul\0byte", 8), WebSDKResponseType::success, -3, "",
+       {"type", "statusCode", "statusMessage", "requestId", "payload"}, 8},
+      {"\xF0\x9F\x8D\x95", "emoji \xF0\x9F\x8D\x95 caf\xC3\xA9 </script>", WebSDKResponseType::success, 4000000000,
+       std::nullopt, {"type", "statusCode", "requestId", "payload"}, 23},
+  };
+  for (const auto& row : rows) {
+    if (row.payload)
+      view->sendWebSDKResponse(*row.payload, row.type, row.requestId, row.code, row.message);
+    else if (row.type == WebSDKResponseType::success)
+      view->sendSuccess(row.requestId, row.code, row.message);
+    else
+      view->sendFailure(row.requestId, row.code, row.message);
+  }
+  ASSERT_TRUE(waitFor([&] { return page->of("shape").size() >= rows.size(); }));
+  const auto shapes = page->of("shape");
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    SCOPED_TRACE(rows[i].requestId);
+    const auto& shape = shapes[i].as_object();
+    const auto& envelope = shape.at("envelope").as_object();
+    EXPECT_EQ(shape.at("keys"), JSON(rows[i].keys));
+    EXPECT_EQ(shape.at("plain"), JSON(true));
+    EXPECT_EQ(envelope.at("requestId"), JSON(rows[i].requestId));
+    EXPECT_EQ(envelope.at("type"), JSON(rows[i].type == WebSDKResponseType::success ? "SUCCESS" : "FAILED"));
+    const std::int64_t code = rows[i].code.value_or(rows[i].type == WebSDKResponseType::success ? 0 : 1);
+    EXPECT_EQ(envelope.at("statusCode").to_number<double>(), static_cast<double>(code));
+    if (rows[i].message) {
+      EXPECT_EQ(envelope.at("statusMessage"), JSON(*rows[i].message));
+    }
+    if (rows[i].payload) {
+      EXPECT_EQ(envelope.at("payload"), JSON(*rows[i].payload));
+    }
+    EXPECT_EQ(shape.at("payloadLength"), JSON(rows[i].payloadUnits));
+  }
+}
+
+// A page that declares nativeResponse with let (no property of window) is
+// answered all the same, as its script would find it.
+TEST_F(BridgeTest, ANativeResponseDeclaredWithLetIsAnswered) {
+  server.page("/let", R"(<!doctype html><script>
+let nativeResponse = e => window.webkit.messageHandlers.e2e.postMessage({kind: 'let', data: e.requestId});
+</script>)");
+  ASSERT_TRUE(loadAndWait(server.url("/let")));
+  view->sendSuccess("lexical");
+  ASSERT_TRUE(waitFor([&] { return !page->of("let").empty(); }));
+  EXPECT_EQ(page->of("let")[0], JSON("lexical"));
+}
+
 TEST_F(BridgeTest, EveryPushedEventReachesItsPageFunctionWithItsArguments) {
   using F = WebSDKJSFunctionType;
   struct Row {

@@ -57,9 +57,15 @@ bool EngineCore::deliver(const ScriptMessage& message) const {
   if (it == handlers_.end()) return false;
   const auto handler = it->second.lock();
   if (!handler) return false;
+  // The answers the handler gives go as it returns, before the loop turns again.
+  struct Held {
+    MainQueue& queue;
+    explicit Held(MainQueue& q) : queue(q) { queue.holdTurns(); }
+    ~Held() { queue.releaseTurns(); }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+  } held(queue_);
   handler->userContentController(message);
-  // The answers the handler gave go before the loop turns again.
-  queue_.runPending();
   return true;
 }
 

@@ -4,10 +4,14 @@
 
 namespace websdk {
 
-bool TaskList::push(std::function<void()> task) {
-  std::lock_guard lock(mutex_);
-  tasks_.push_back(std::move(task));
-  return !std::exchange(scheduled_, true);
+void TaskList::push(std::function<void()> task) {
+  {
+    std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(task));
+    if (scheduled_ || held_ > 0) return;
+    scheduled_ = true;
+  }
+  schedule_();
 }
 
 bool TaskList::runOne() {
@@ -30,6 +34,19 @@ bool TaskList::runTurn(std::size_t most) {
   return scheduled_;
 }
 
+void TaskList::hold() {
+  std::lock_guard lock(mutex_);
+  ++held_;
+}
+
+void TaskList::release() {
+  {
+    std::lock_guard lock(mutex_);
+    if (held_ > 0) --held_;
+  }
+  runPending();
+}
+
 void TaskList::runPending() {
   std::size_t posted;
   {
@@ -38,6 +55,13 @@ void TaskList::runPending() {
   }
   while (posted-- > 0 && runOne()) {
   }
+  // What is left (posted since, or while held) needs a turn of its own.
+  {
+    std::lock_guard lock(mutex_);
+    if (tasks_.empty() || scheduled_ || held_ > 0) return;
+    scheduled_ = true;
+  }
+  schedule_();
 }
 
 }  // namespace websdk

@@ -114,7 +114,7 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
 // Qt's grown to the burst's size.
 struct QtMainQueue::Context {
   QObject object;  // lives on the UI thread: queued calls run there
-  TaskList tasks;
+  TaskList tasks{[this] { schedule(); }};
 
   void schedule() {
     QMetaObject::invokeMethod(
@@ -135,11 +135,9 @@ QtMainQueue::QtMainQueue() {
 }
 QtMainQueue::~QtMainQueue() = default;
 
-void QtMainQueue::post(std::function<void()> task) {
-  if (context_->tasks.push(std::move(task))) context_->schedule();
-}
-
-void QtMainQueue::runPending() { context_->tasks.runPending(); }
+void QtMainQueue::post(std::function<void()> task) { context_->tasks.push(std::move(task)); }
+void QtMainQueue::holdTurns() { context_->tasks.hold(); }
+void QtMainQueue::releaseTurns() { context_->tasks.release(); }
 
 void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
   // Qt's timers count in int milliseconds.

@@ -93,12 +93,32 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds bound
 }
 
 // Tasks wait in the queue's own list, and one idle source at a time runs it:
-// a burst of answers costs no source of GLib's each.
-struct GLibMainQueue::Tasks {
+// a burst of answers costs no source of GLib's each. The source holds the
+// list, so tasks posted to a queue that is gone still run.
+struct GLibMainQueue::Tasks : std::enable_shared_from_this<Tasks> {
   GMainContext* context;
-  TaskList list;
+  TaskList list{[this] { schedule(); }};
   explicit Tasks(GMainContext* c) : context(c) {}
   ~Tasks() { g_main_context_unref(context); }
+  Tasks(const Tasks&) = delete;
+  Tasks& operator=(const Tasks&) = delete;
+
+  // An idle source rather than g_main_context_invoke: a task posted from the
+  // UI thread must still run later, after the caller has returned.
+  void schedule() {
+    using Held = std::shared_ptr<Tasks>;
+    GSource* source = g_idle_source_new();
+    g_source_set_priority(source, G_PRIORITY_DEFAULT);
+    g_source_set_callback(
+        source,
+        [](gpointer data) -> gboolean {
+          // A turn runs a bounded batch, so that input and painting go on between.
+          return (*static_cast<Held*>(data))->list.runTurn(256) ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
+        },
+        new Held(shared_from_this()), [](gpointer data) { delete static_cast<Held*>(data); });
+    g_source_attach(source, context);
+    g_source_unref(source);
+  }
 };
 
 GLibMainQueue::GLibMainQueue() : tasks_(std::make_shared<Tasks>(g_main_context_ref_thread_default())) {}
@@ -124,26 +144,9 @@ void attachOnce(GSource* source, GMainContext* context, std::function<void()> ta
 
 }  // namespace
 
-void GLibMainQueue::post(std::function<void()> task) {
-  if (!tasks_->list.push(std::move(task))) return;
-  // An idle source rather than g_main_context_invoke: a task posted from the
-  // UI thread must still run later, after the caller has returned. The source
-  // holds the list, so tasks posted to a queue that is gone still run.
-  using Held = std::shared_ptr<Tasks>;
-  GSource* source = g_idle_source_new();
-  g_source_set_priority(source, G_PRIORITY_DEFAULT);
-  g_source_set_callback(
-      source,
-      [](gpointer data) -> gboolean {
-        // A turn runs a bounded batch, so that input and painting go on between.
-        return (*static_cast<Held*>(data))->list.runTurn(256) ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
-      },
-      new Held(tasks_), [](gpointer data) { delete static_cast<Held*>(data); });
-  g_source_attach(source, tasks_->context);
-  g_source_unref(source);
-}
-
-void GLibMainQueue::runPending() { tasks_->list.runPending(); }
+void GLibMainQueue::post(std::function<void()> task) { tasks_->list.push(std::move(task)); }
+void GLibMainQueue::holdTurns() { tasks_->list.hold(); }
+void GLibMainQueue::releaseTurns() { tasks_->list.release(); }
 
 void GLibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
   const auto ms = std::clamp<std::int64_t>(delay.count(), 0, G_MAXUINT);

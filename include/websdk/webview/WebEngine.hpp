@@ -131,11 +131,13 @@ class WEBSDK_EXPORT MainQueue {
   /// Whether the calling thread is the UI thread (an engine with no thread
   /// of its own says yes everywhere).
   virtual bool isUIThread() const { return true; }
-  /// Runs, now, the tasks posted before the call (UI thread only). The
-  /// engine calls it where one of its UI events ends, after a page message
-  /// is delivered: an answer given while the page waits leaves at once, not
-  /// at the loop's next turn. A queue that tests drain by hand does nothing.
-  virtual void runPending() {}
+  /// Around the delivery of a page message (UI thread): tasks posted between
+  /// holdTurns() and releaseTurns() ask the loop for no turn, and
+  /// releaseTurns() runs them, after those posted before them, at once. An
+  /// answer given while the page waits then leaves as the delivery ends, not
+  /// a loop turn later. A queue that tests drain by hand does neither.
+  virtual void holdTurns() {}
+  virtual void releaseTurns() {}
   /// Tells the queue of `work` a view does off the UI thread. A queue that
   /// tests drain settles it at the end of each drain, so that a test reads
   /// what the work did; an engine's own queue leaves it alone. UI thread.

@@ -77,7 +77,8 @@ class WEBSDK_EXPORT QtMainQueue final : public MainQueue {
   void post(std::function<void()> task) override;
   void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
   bool isUIThread() const override;
-  void runPending() override;
+  void holdTurns() override;
+  void releaseTurns() override;
 
  private:
   struct Context;

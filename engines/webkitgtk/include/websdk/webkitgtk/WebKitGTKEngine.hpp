@@ -114,7 +114,8 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   bool isCurrent() const;
   /// Whether the calling thread is the one that made the queue.
   bool isUIThread() const override;
-  void runPending() override;
+  void holdTurns() override;
+  void releaseTurns() override;
 
  private:
   struct Tasks;

@@ -5,7 +5,8 @@
 namespace websdk {
 
 void WebEngine::evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion) {
-  if (auto script = nativeResponseScript(answer)) evaluateInDocument(document, std::move(*script), std::move(completion));
+  if (auto script = nativeResponseScript(answer))
+    evaluateInDocument(document, std::move(*script), std::move(completion));
 }
 
 bool sameFieldName(std::string_view a, std::string_view b) {

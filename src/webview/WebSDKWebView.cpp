@@ -800,7 +800,8 @@ void WebSDKWebView::Impl::send(WebSDKResponseModel response, AnswerRoute route) 
   // An engine that takes answers as data gets no script: only the check.
   std::optional<std::string> script;
   if (engine_->answersAsData()) {
-    if (!isValidUTF8(response.type) || !isValidUTF8(response.requestId) || (response.statusMessage && !isValidUTF8(*response.statusMessage)) ||
+    if (!isValidUTF8(response.type) || !isValidUTF8(response.requestId) ||
+        (response.statusMessage && !isValidUTF8(*response.statusMessage)) ||
         (response.payload && !isValidUTF8(*response.payload)))
       return;
   } else if (script = nativeResponseScript(response); !script) {

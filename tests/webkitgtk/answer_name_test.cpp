@@ -33,15 +33,15 @@ TEST(AnswerName, EveryHeadReadsBackAsWritten) {
 
 TEST(AnswerName, OtherNamesAreRefused) {
   const char* names[] = {
-      "websdk:evaluate:r:1",                // an evaluation
-      "websdk:answer:x:1:0:p:53:-:72",      // neither r nor n
-      "websdk:answer:r::0:p:53:-:72",       // no document
-      "websdk:answer:r:1:zero:p:53:-:72",   // a code that is no number
-      "websdk:answer:r:1:0:q:53:-:72",      // neither p nor -
-      "websdk:answer:r:1:0:p:5:-:72",       // half a byte
-      "websdk:answer:r:1:0:p:5G:-:72",      // not hex
-      "websdk:answer:r:1:0:p:53:-",         // no request id
-      "websdk:answer:r:1:0:p:53:-:72:74",   // a field too many
+      "websdk:evaluate:r:1",               // an evaluation
+      "websdk:answer:x:1:0:p:53:-:72",     // neither r nor n
+      "websdk:answer:r::0:p:53:-:72",      // no document
+      "websdk:answer:r:1:zero:p:53:-:72",  // a code that is no number
+      "websdk:answer:r:1:0:q:53:-:72",     // neither p nor -
+      "websdk:answer:r:1:0:p:5:-:72",      // half a byte
+      "websdk:answer:r:1:0:p:5G:-:72",     // not hex
+      "websdk:answer:r:1:0:p:53:-",        // no request id
+      "websdk:answer:r:1:0:p:53:-:72:74",  // a field too many
   };
   for (const char* name : names) {
     AnswerHead head;

@@ -16,8 +16,8 @@
 #include <QAuthenticator>
 #include <QCoreApplication>
 #include <QJsonArray>
-#include <QStringDecoder>
 #include <QPointer>
+#include <QStringDecoder>
 #include <QThread>
 #include <QTimer>
 #include <QWebChannel>
@@ -74,8 +74,8 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   };
   std::string documentMark;
   std::pair<std::string, std::string> documentStart;  // a mark, and what scripts for it start with
-  std::deque<Known> recentMarks;              // the last few, newest last
-  std::map<DocumentID, std::string> topURLs;  // of the documents in recentMarks
+  std::deque<Known> recentMarks;                      // the last few, newest last
+  std::map<DocumentID, std::string> topURLs;          // of the documents in recentMarks
   bool committedSinceStart = false;
 
   bool javaScriptEnabled = true;

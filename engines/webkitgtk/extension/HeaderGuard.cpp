@@ -413,8 +413,8 @@ void answer(WebKitUserMessage* message, const channel::AnswerHead& head, TopDocu
       return;
     }
   }
-  constexpr auto kData = static_cast<JSCValuePropertyFlags>(JSC_VALUE_PROPERTY_CONFIGURABLE |
-                                                            JSC_VALUE_PROPERTY_ENUMERABLE | JSC_VALUE_PROPERTY_WRITABLE);
+  constexpr auto kData = static_cast<JSCValuePropertyFlags>(
+      JSC_VALUE_PROPERTY_CONFIGURABLE | JSC_VALUE_PROPERTY_ENUMERABLE | JSC_VALUE_PROPERTY_WRITABLE);
   JSCValue* envelope = jsc_value_new_object(context, nullptr, nullptr);
   const auto field = [&](const char* name, JSCValue* value) {
     jsc_value_object_define_property_data(envelope, name, kData, value);

@@ -131,12 +131,13 @@ class WEBSDK_EXPORT MainQueue {
   /// Whether the calling thread is the UI thread (an engine with no thread
   /// of its own says yes everywhere).
   virtual bool isUIThread() const { return true; }
-  /// Around the delivery of a page message (UI thread): tasks posted between
-  /// holdTurns() and releaseTurns() ask the loop for no turn, and
-  /// releaseTurns() runs them, after those posted before them, at once. An
-  /// answer given while the page waits then leaves as the delivery ends, not
-  /// a loop turn later. A queue that tests drain by hand does neither.
+  /// Called as the delivery of a page message starts (UI thread): tasks
+  /// posted until releaseTurns() ask the loop for no turn. An answer given
+  /// while the page waits then leaves as the delivery ends, not a loop turn
+  /// later. A queue that tests drain by hand does nothing.
   virtual void holdTurns() {}
+  /// Called as that delivery ends: runs, at once, the tasks posted so far
+  /// (not those they post, which get a turn of the loop).
   virtual void releaseTurns() {}
   /// Tells the queue of `work` a view does off the UI thread. A queue that
   /// tests drain settles it at the end of each drain, so that a test reads

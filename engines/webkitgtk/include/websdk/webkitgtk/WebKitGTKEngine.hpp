@@ -114,8 +114,8 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   bool isCurrent() const;
   /// Whether the calling thread is the one that made the queue.
   bool isUIThread() const override;
-  void holdTurns() override;
-  void releaseTurns() override;
+  void holdTurns() override;     ///< See MainQueue::holdTurns.
+  void releaseTurns() override;  ///< See MainQueue::releaseTurns.
 
  private:
   struct Tasks;

@@ -57,14 +57,10 @@ bool EngineCore::deliver(const ScriptMessage& message) const {
   if (it == handlers_.end()) return false;
   const auto handler = it->second.lock();
   if (!handler) return false;
-  // The answers the handler gives go as it returns, before the loop turns again.
-  struct Held {
-    MainQueue& queue;
-    explicit Held(MainQueue& q) : queue(q) { queue.holdTurns(); }
-    ~Held() { queue.releaseTurns(); }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-  } held(queue_);
+  // The answers the handler gives go as it returns, before the loop turns
+  // again. The handler may destroy the engine, and this core with it: only
+  // the hold is used after the call.
+  const auto held = queue_.holdTurns();
   handler->userContentController(message);
   return true;
 }

@@ -136,8 +136,10 @@ QtMainQueue::QtMainQueue() {
 QtMainQueue::~QtMainQueue() = default;
 
 void QtMainQueue::post(std::function<void()> task) { context_->tasks.push(std::move(task)); }
-void QtMainQueue::holdTurns() { context_->tasks.hold(); }
-void QtMainQueue::releaseTurns() { context_->tasks.release(); }
+std::shared_ptr<void> QtMainQueue::holdTurns() {
+  context_->tasks.hold();
+  return {context_.get(), [context = context_](void*) { context->tasks.release(); }};
+}
 
 void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
   // Qt's timers count in int milliseconds.

@@ -145,8 +145,10 @@ void attachOnce(GSource* source, GMainContext* context, std::function<void()> ta
 }  // namespace
 
 void GLibMainQueue::post(std::function<void()> task) { tasks_->list.push(std::move(task)); }
-void GLibMainQueue::holdTurns() { tasks_->list.hold(); }
-void GLibMainQueue::releaseTurns() { tasks_->list.release(); }
+std::shared_ptr<void> GLibMainQueue::holdTurns() {
+  tasks_->list.hold();
+  return {tasks_.get(), [tasks = tasks_](void*) { tasks->list.release(); }};
+}
 
 void GLibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
   const auto ms = std::clamp<std::int64_t>(delay.count(), 0, G_MAXUINT);

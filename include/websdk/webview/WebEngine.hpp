@@ -132,13 +132,13 @@ class WEBSDK_EXPORT MainQueue {
   /// of its own says yes everywhere).
   virtual bool isUIThread() const { return true; }
   /// Called as the delivery of a page message starts (UI thread): tasks
-  /// posted until releaseTurns() ask the loop for no turn. An answer given
-  /// while the page waits then leaves as the delivery ends, not a loop turn
-  /// later. A queue that tests drain by hand does nothing.
-  virtual void holdTurns() {}
-  /// Called as that delivery ends: runs, at once, the tasks posted so far
-  /// (not those they post, which get a turn of the loop).
-  virtual void releaseTurns() {}
+  /// posted while the returned hold lives ask the loop for no turn. When it
+  /// goes, as the delivery ends, the tasks posted so far run at once (not
+  /// those they post, which get a turn of the loop): an answer given while
+  /// the page waits leaves then, not a loop turn later. The hold keeps what
+  /// it needs alive, so the handler may destroy the engine meanwhile. A
+  /// queue that tests drain by hand holds nothing.
+  virtual std::shared_ptr<void> holdTurns() { return nullptr; }
   /// Tells the queue of `work` a view does off the UI thread. A queue that
   /// tests drain settles it at the end of each drain, so that a test reads
   /// what the work did; an engine's own queue leaves it alone. UI thread.

@@ -77,8 +77,7 @@ class WEBSDK_EXPORT QtMainQueue final : public MainQueue {
   void post(std::function<void()> task) override;
   void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
   bool isUIThread() const override;
-  void holdTurns() override;     ///< See MainQueue::holdTurns.
-  void releaseTurns() override;  ///< See MainQueue::releaseTurns.
+  std::shared_ptr<void> holdTurns() override;  ///< See MainQueue::holdTurns.
 
  private:
   struct Context;

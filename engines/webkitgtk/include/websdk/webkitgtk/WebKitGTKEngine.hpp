@@ -114,8 +114,7 @@ class WEBSDK_EXPORT GLibMainQueue final : public MainQueue {
   bool isCurrent() const;
   /// Whether the calling thread is the one that made the queue.
   bool isUIThread() const override;
-  void holdTurns() override;     ///< See MainQueue::holdTurns.
-  void releaseTurns() override;  ///< See MainQueue::releaseTurns.
+  std::shared_ptr<void> holdTurns() override;  ///< See MainQueue::holdTurns.
 
  private:
   struct Tasks;

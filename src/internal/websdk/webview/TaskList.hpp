@@ -31,10 +31,9 @@ class WEBSDK_EXPORT TaskList {
   /// Ends a hold and runs the tasks posted before the call (not those they
   /// post, which get a turn of the loop).
   void release();
-  /// Runs the tasks posted before the call, as release() does, without a hold.
-  void runPending();
 
  private:
+  void runPending();
   bool runOne();
   std::function<void()> schedule_;
   std::mutex mutex_;

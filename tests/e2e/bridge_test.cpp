@@ -138,6 +138,36 @@ TEST_F(BridgeTest, BodiesThatAreNotRequestsAreDroppedAndTheChannelGoesOn) {
   EXPECT_EQ(listener->requests.size(), 1u);
 }
 
+// Requests keep the order the page made them in: a burst in one task, one
+// posted from a page listener of the engine's own carrier event while the
+// first is on its way (the listener fires only where there is such an event),
+// and those of a later task.
+TEST_F(BridgeTest, RequestsArriveInTheOrderThePagePostedThem) {
+  view->setCartPlugin(cart);
+  std::vector<std::string> ids;
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    ids.push_back(request.requestId);
+    view->sendSuccess(request.requestId);
+  };
+  const std::string body(kGetCart);
+  const auto at = body.find(R"("7")");
+  view->engine().evaluateJavaScript(
+      "const request = id => window.webkit.messageHandlers.nativeRequest.postMessage({message: '" + body.substr(0, at) +
+          "\"' + id + '\"" + body.substr(at + 3) +
+          "'});"
+          "let inside = false;"
+          "for (const name of ['websdk:request', 'websdk:post'])"
+          "  window.addEventListener(name, () => { if (!inside) { inside = true; request('inside'); } });"
+          "request('a'); request('b'); request('c');"
+          "setTimeout(() => { request('d'); request('e'); }, 0);",
+      nullptr);
+  ASSERT_TRUE(waitFor([&] { return ids.size() >= 5 && ids.back() == "e"; })) << ids.size() << " arrived";
+  std::vector<std::string> expected{"a", "b", "c", "d", "e"};
+  if (ids.size() == 6) expected.insert(expected.begin() + 1, "inside");
+  EXPECT_EQ(ids, expected);
+  EXPECT_TRUE(waitForResponses(ids.size()));
+}
+
 // The bridge judges a message by the page the view shows; a frame of another
 // host inside a trusted page is served as the page is (the README says so).
 TEST_F(BridgeTest, AFramesMessageIsJudgedByTheTopPage) {

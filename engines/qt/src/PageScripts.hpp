@@ -47,13 +47,33 @@ if (!serviceWorkers) {
   }
 }
 const dispatch = EventTarget.prototype.dispatchEvent, listen = EventTarget.prototype.addEventListener;
-const Custom = CustomEvent, stringify = JSON.stringify, freeze = Object.freeze;
+const Custom = CustomEvent, init = CustomEvent.prototype.initCustomEvent, stringify = JSON.stringify;
+const freeze = Object.freeze;
 const random = new Uint32Array(4);
 crypto.getRandomValues(random);
 const mark = Array.from(random, n => n.toString(16).padStart(8, '0')).join('');
 // The document's mark: answers for another document never run in this one.
 Object.defineProperty(window, '__websdkDocument', {value: mark});
-const send = (kind, detail) => dispatch.call(window, new Custom(kind, {detail}));
+// The app's answers come as calls of this, with the mark of the document
+// they are for: nativeResponse is found as a page script would find it.
+Object.defineProperty(window, '__websdkAnswer', {value: (to, envelope) => to === mark ? nativeResponse(envelope) : ')JS";
+  s += kDropped;
+  s += R"JS('});
+// One event, dispatched again for each message: a fresh event per message
+// costs the page far more than the dispatch. A message sent from a listener
+// of that event, while it is on its way, gets an event of its own.
+const event = new Custom('websdk:request');
+let sending = false;
+const send = (kind, detail) => {
+  if (sending) return dispatch.call(window, new Custom(kind, {detail}));
+  sending = true;
+  try {
+    init.call(event, kind, false, false, detail);
+    dispatch.call(window, event);
+  } finally {
+    sending = false;
+  }
+};
 listen.call(window, 'websdk:listening', () => send('websdk:hello', mark));
 send('websdk:hello', mark);
 // As under WebKit, postMessage lives on the handlers' prototype.
@@ -64,7 +84,7 @@ class UserMessageHandler {
     if (name === undefined) throw new TypeError('Illegal invocation');
     if (name === 'nativeRequest') {
       const message = body !== null && typeof body === 'object' ? body.message : undefined;
-      if (typeof message === 'string') send('websdk:post', [name, message, true]);
+      if (typeof message === 'string') send('websdk:request', message);
       return;
     }
     const text = stringify(body);
@@ -97,20 +117,29 @@ const isTop = window === window.top;
 // isolated world over a port of its own, handed over once: the page's scripts
 // never see the handover, so they can neither read the port's messages nor
 // stop them.
-// The messages of one task go to the app together, at its end: a burst costs
-// one crossing, not one each.
-let batchBytes = 0, flushing = false;
+// The first message of a task goes to the app at once; the others of that
+// task go together at its end: a burst costs two crossings, not one each.
+let batchBytes = 0, inTask = false;
 const flush = () => {
-  flushing = false;
   if (!bridge || waiting.length === 0) return;
   batchBytes = 0;
   bridge.receive(waiting.splice(0));
 };
+const later = Promise.resolve(), then = Promise.prototype.then;
+const endOfTask = () => {
+  inTask = false;
+  flush();
+};
 const toApp = args => {
+  const first = !inTask;
+  if (first) {
+    inTask = true;
+    then.call(later, endOfTask);
+  }
+  if (first && bridge && waiting.length === 0) return bridge.receive([args]);
   waiting.push(args);
   batchBytes += args[4] === undefined ? 0 : args[4].length;
   if (batchBytes > 1048576) flush();
-  else if (!flushing) { flushing = true; queueMicrotask(flush); }
 };
 let port = null;
 const toTop = args => {
@@ -130,14 +159,22 @@ window.addEventListener('websdk:hello', event => {
   mark = event.detail;
   if (isTop) call(['hello', mark, location.href]);
 });
-window.addEventListener('websdk:post', event => {
-  const d = event.detail;
-  if (mark === null || !Array.isArray(d) || typeof d[0] !== 'string' || typeof d[1] !== 'string') return;
-  let text = d[1];
+// `counted`: the page's own text, whose size in UTF-16 units the app checks.
+const post = (name, text, counted) => {
   const units = text.length;
   if (units > limit) text = text.substring(0, start);
   if (surrogate.test(text)) text = text.replace(lone, '\uFFFD');
-  call(['post', mark, location.href, d[0], text, d[2] === true ? units : -1, isTop]);
+  call(['post', mark, location.href, name, text, counted ? units : -1, isTop]);
+};
+// A request's text comes as it is: a string crosses from the page's world
+// uncopied, an array would be copied.
+window.addEventListener('websdk:request', event => {
+  if (mark !== null && typeof event.detail === 'string') post('nativeRequest', event.detail, true);
+});
+window.addEventListener('websdk:post', event => {
+  const d = event.detail;
+  if (mark === null || !Array.isArray(d) || typeof d[0] !== 'string' || typeof d[1] !== 'string') return;
+  post(d[0], d[1], d[0] === 'nativeRequest');
 });
 if (isTop) {
   // A frame's URL as the browser vouches for it: held to the origin its port
@@ -184,6 +221,14 @@ window.dispatchEvent(new CustomEvent('websdk:listening'));
 )JS";
   return s;
 }
+
+/// An answer: kAnswerStart, the document's mark, kAnswerMarkEnd, the
+/// envelope's JSON, then kAnswerEnd. A document without the answer function
+/// (one the scripts never reached, as an error page) completes with kDropped.
+inline constexpr std::string_view kAnswerStart = "typeof __websdkAnswer === 'function' ? __websdkAnswer('";
+inline constexpr std::string_view kAnswerMarkEnd = "',";
+inline constexpr std::string_view kAnswerEnd = ") : '\x01websdk:dropped'";
+static_assert(kAnswerEnd.substr(5, sizeof kDropped - 1) == std::string_view(kDropped));
 
 /// Around a script, runs it only in the document marked `mark`; elsewhere it
 /// completes with kDropped: what goes before the script, and after it.

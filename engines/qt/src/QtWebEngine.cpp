@@ -233,8 +233,24 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     scriptText.truncate(end - start);
     return scriptText;
   }
-  // Sent: text of a rare, very large script is not kept.
-  void sent() {
+  /// Runs `source` in the main frame's page world. `inDocument`: a script
+  /// that completes with scripts::kDropped when its document is gone.
+  void run(const QString& source, ScriptCompletion completion, bool inDocument) {
+    if (!completion) {
+      page->runJavaScript(source, QWebEngineScript::MainWorld);
+    } else {
+      page->runJavaScript(
+          source, QWebEngineScript::MainWorld,
+          [weak = Weak(weak_from_this()), completion = std::move(completion), inDocument](const QVariant& value) {
+            auto state = weak.lock();
+            if (!state || !state->page) return;
+            if (inDocument && value.typeId() == QMetaType::QString &&
+                value.toString() == QLatin1String(scripts::kDropped))
+              return completion(ScriptResult{std::nullopt, std::nullopt, true});
+            completion(ScriptResult{toJSON(value), std::nullopt, false});
+          });
+    }
+    // Sent: text of a rare, very large script is not kept.
     if (scriptText.capacity() > (qsizetype{8} << 20)) scriptText = QString();
   }
 
@@ -552,15 +568,7 @@ void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion comple
   if (!s.page) return;
   const QString& source = s.source({script});
   scriptBuffers::give(std::move(script));
-  if (!completion)
-    s.page->runJavaScript(source, QWebEngineScript::MainWorld);
-  else
-    s.page->runJavaScript(source, QWebEngineScript::MainWorld,
-                          [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
-                            if (auto state = weak.lock(); state && state->page)
-                              completion(ScriptResult{toJSON(value), std::nullopt, false});
-                          });
-  s.sent();
+  s.run(source, std::move(completion), false);
 }
 
 void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
@@ -573,20 +581,23 @@ void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, Sc
     s.documentStart = {s.documentMark, scripts::inDocumentStart(s.documentMark)};
   const QString& source = s.source({s.documentStart.second, script, scripts::kInDocumentEnd});
   scriptBuffers::give(std::move(script));
-  if (!completion) {
-    s.page->runJavaScript(source, QWebEngineScript::MainWorld);
-  } else {
-    s.page->runJavaScript(
-        source, QWebEngineScript::MainWorld,
-        [weak = State::Weak(state_), completion = std::move(completion)](const QVariant& value) {
-          auto state = weak.lock();
-          if (!state || !state->page) return;
-          if (value.typeId() == QMetaType::QString && value.toString() == QLatin1String(scripts::kDropped))
-            return completion(ScriptResult{std::nullopt, std::nullopt, true});
-          completion(ScriptResult{toJSON(value), std::nullopt, false});
-        });
+  s.run(source, std::move(completion), true);
+}
+
+void QtWebEngine::evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion) {
+  State& s = *state_;
+  if (!s.page) return;
+  if (!s.core->shows(document)) return EngineCore::dropped(completion);
+  auto envelope = encodeEnvelope(answer);
+  if (!envelope) return;  // the view let through only UTF-8
+  if (s.documentMark.empty()) {
+    // A document that never said hello has no answer function: the script.
+    return evaluateJavaScript("nativeResponse(" + *envelope + ")", std::move(completion));
   }
-  s.sent();
+  const QString& source =
+      s.source({scripts::kAnswerStart, s.documentMark, scripts::kAnswerMarkEnd, *envelope, scripts::kAnswerEnd});
+  scriptBuffers::give(std::move(*envelope));
+  s.run(source, std::move(completion), true);
 }
 
 void QtWebEngine::addUserScript(const UserScript& script) {

@@ -105,6 +105,10 @@ class WEBSDK_EXPORT QtWebEngine final : public WebEngine {
   void load(const URLRequest& request) override;
   void evaluateJavaScript(std::string script, ScriptCompletion completion) override;
   void evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) override;
+  /// Answers go as calls of a function the document holds, with its mark:
+  /// the page checks the mark in the call itself, with no script around it.
+  bool answersAsData() const override { return true; }
+  void evaluateAnswer(DocumentID document, WebSDKResponseModel answer, ScriptCompletion completion) override;
   /// Installed at document creation in the page's main world, main frame only.
   void addUserScript(const UserScript& script) override;
   void addScriptMessageHandler(std::weak_ptr<ScriptMessageHandler> handler, std::string name) override;

@@ -109,7 +109,7 @@ Object.defineProperty(window, 'webkit', {value: freeze({messageHandlers: freeze(
 inline std::string isolatedWorld(std::size_t limit) {
   std::string s = "(function () {\n'use strict';\nconst limit = " + std::to_string(limit) +
                   ", start = " + std::to_string(kRefusedMessageStart) + ";\n";
-  s += R"JS(let mark = null, bridge = null;
+  s += R"JS(let mark = null, bridge = null, cache = {};
 const waiting = [];
 const isTop = window === window.top;
 // Only the top frame has the channel (Qt takes the channel's messages from
@@ -120,10 +120,16 @@ const isTop = window === window.top;
 // The first message of a task goes to the app at once; the others of that
 // task go together at its end: a burst costs two crossings, not one each.
 let batchBytes = 0, inTask = false;
+// Calls go as writes of the object's property: no reply comes back. Qt's
+// channel keeps the last value written; the page's text is not kept there.
+const deliver = calls => {
+  bridge.calls = calls;
+  for (const key in cache) cache[key] = null;
+};
 const flush = () => {
   if (!bridge || waiting.length === 0) return;
   batchBytes = 0;
-  bridge.receive(waiting.splice(0));
+  deliver(waiting.splice(0));
 };
 const later = Promise.resolve(), then = Promise.prototype.then;
 const endOfTask = () => {
@@ -136,7 +142,7 @@ const toApp = args => {
     inTask = true;
     then.call(later, endOfTask);
   }
-  if (first && bridge && waiting.length === 0) return bridge.receive([args]);
+  if (first && bridge && waiting.length === 0) return deliver([args]);
   waiting.push(args);
   batchBytes += args[4] === undefined ? 0 : args[4].length;
   if (batchBytes > 1048576) flush();
@@ -213,6 +219,7 @@ if (isTop) {
     bridge = channel.objects.)JS";
   s += kChannelObject;
   s += R"JS(;
+    cache = bridge.__propertyCache__ || {};
     flush();
   });
 }

@@ -77,6 +77,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::deque<Known> recentMarks;                      // the last few, newest last
   std::map<DocumentID, std::string> topURLs;          // of the documents in recentMarks
   bool committedSinceStart = false;
+  // The document a load's end committed for want of a hello: its channel may
+  // still come up and say hello late. 0 once any navigation starts.
+  DocumentID unspoken = 0;
 
   bool javaScriptEnabled = true;
 
@@ -276,6 +279,14 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if (kind == QLatin1String("hello") && call.size() == 3) {
       if (known(mark) != nullptr) return;  // one document says hello once
       const std::string url = utf8(call.at(2).toString());
+      if (const DocumentID late = std::exchange(unspoken, 0); late != 0 && core->shows(late)) {
+        // The document the load's end already committed, its channel up only
+        // now: the same document, and no sign of a load under way.
+        documentMark = mark;
+        topURLs[late] = url;
+        remember({mark, late});
+        return;
+      }
       const DocumentID document = core->commitDocument(url);
       documentMark = mark;
       topURLs[document] = url;
@@ -460,6 +471,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
     navigating = true;
     committedSinceStart = false;
+    unspoken = 0;
     core->startNavigation(utf8(url.toString(QUrl::FullyEncoded)));
   }
   void loadingChanged(const QWebEngineLoadingInfo& info) {
@@ -470,7 +482,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
         core->disarmTimeout();
         if (!committedSinceStart) {
           // No word from the document (JavaScript off): the UI process's view of it.
-          core->commitDocument(utf8(info.url().toString(QUrl::FullyEncoded)));
+          unspoken = core->commitDocument(utf8(info.url().toString(QUrl::FullyEncoded)));
           documentMark.clear();
         }
         if (!navigating) return;

@@ -168,6 +168,29 @@ TEST_F(BridgeTest, RequestsArriveInTheOrderThePagePostedThem) {
   EXPECT_TRUE(waitForResponses(ids.size()));
 }
 
+// The answers to a burst of requests keep their order around what else the
+// app sends the page meanwhile, and one whose nativeResponse throws stops
+// none of those after it.
+TEST_F(BridgeTest, ABurstsAnswersKeepTheirOrderAndAThrowingOneStopsNoOther) {
+  view->setCartPlugin(cart);
+  cart->onRequest = [&](const WebSDKCartRequestModel& request, const WebSDKCartRequestPayload&) {
+    if (request.requestId == "b") view->executeJSFunction(WebSDKJSFunctionType::pageResume());
+    view->sendSuccess(request.requestId);
+  };
+  const std::string body(kGetCart);
+  const auto at = body.find(R"("7")");
+  view->engine().evaluateJavaScript(
+      "const request = id => window.webkit.messageHandlers.nativeRequest.postMessage({message: '" + body.substr(0, at) +
+          "\"' + id + '\"" + body.substr(at + 3) +
+          "'});"
+          "nativeResponse = e => { report('order', e.requestId); if (e.requestId === 'b') throw new Error('b'); };"
+          "pageResume = () => report('order', 'event');"
+          "for (const id of ['a', 'b', 'c', 'd']) request(id);",
+      nullptr);
+  ASSERT_TRUE(waitFor([&] { return page->of("order").size() >= 5; })) << page->of("order").size() << " arrived";
+  EXPECT_EQ(page->of("order"), (std::vector<JSON>{"a", "event", "b", "c", "d"}));
+}
+
 // The bridge judges a message by the page the view shows; a frame of another
 // host inside a trusted page is served as the page is (the README says so).
 TEST_F(BridgeTest, AFramesMessageIsJudgedByTheTopPage) {

@@ -22,8 +22,7 @@ class ChannelObject final : public QObject {
   /// Calls in the order the page made them, each ["hello", mark, url] or
   /// ["post", top document's mark, frame URL, handler, text, units, isMainFrame].
   void receive(const QJsonArray& calls) {
-    for (const auto& call : calls)
-      if (receiver_ && call.isArray()) receiver_(call.toArray());
+    if (receiver_) receiver_(calls);
   }
   QJsonArray calls() const { return {}; }
   void close() { receiver_ = nullptr; }

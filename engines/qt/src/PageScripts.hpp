@@ -236,6 +236,14 @@ inline constexpr std::string_view kAnswerStart = "typeof __websdkAnswer === 'fun
 inline constexpr std::string_view kAnswerMarkEnd = "',";
 inline constexpr std::string_view kAnswerEnd = ") : '\x01websdk:dropped'";
 static_assert(kAnswerEnd.substr(5, sizeof kDropped - 1) == std::string_view(kDropped));
+/// The answers of a burst, as one script: kBurstStart, then for each
+/// kBurstAnswerStart, the mark, kAnswerMarkEnd, the envelope's JSON and
+/// kBurstAnswerEnd, then kBurstEnd. An answer whose nativeResponse throws is
+/// reported as an uncaught error of its own, and the next still runs.
+inline constexpr std::string_view kBurstStart = "if (typeof __websdkAnswer === 'function') {\n";
+inline constexpr std::string_view kBurstAnswerStart = "try { __websdkAnswer('";
+inline constexpr std::string_view kBurstAnswerEnd = "); } catch (e) { setTimeout(() => { throw e; }); }\n";
+inline constexpr std::string_view kBurstEnd = "}";
 
 /// Around a script, runs it only in the document marked `mark`; elsewhere it
 /// completes with kDropped: what goes before the script, and after it.

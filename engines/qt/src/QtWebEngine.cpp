@@ -78,7 +78,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   std::map<DocumentID, std::string> topURLs;          // of the documents in recentMarks
   bool committedSinceStart = false;
   // The document a load's end committed for want of a hello: its channel may
-  // still come up and say hello late. 0 once any navigation starts.
+  // still come up and say hello late.
   DocumentID unspoken = 0;
 
   bool javaScriptEnabled = true;
@@ -136,8 +136,8 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     page->setUrlRequestInterceptor(guard.get());
     view->setPage(page);
     channel = new QWebChannel(page);
-    channelObject = new ChannelObject([weak](const QJsonArray& call) {
-      if (auto s = weak.lock(); s && s->page) s->received(call);
+    channelObject = new ChannelObject([weak](const QJsonArray& calls) {
+      if (auto s = weak.lock(); s && s->page) s->receivedAll(calls);
     });
     channelObject->setParent(channel);
     channel->registerObject(QString::fromLatin1(scripts::kChannelObject), channelObject);
@@ -272,6 +272,30 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     });
   }
 
+  // ---- Answers of a burst ----
+  // The answers given while a burst of page messages is delivered go to the
+  // page as one script at its end: one evaluation, not one each. Only
+  // answers no one waits to hear about; anything else evaluated meanwhile
+  // sends the burst's answers first, so the page sees them in order.
+  int inBurst = 0;
+  std::string burstAnswers;
+  void sendBurstAnswers() {
+    if (burstAnswers.empty()) return;
+    burstAnswers += scripts::kBurstEnd;
+    const QString& text = source({burstAnswers});
+    burstAnswers.clear();
+    if (page) run(text, nullptr, false);
+  }
+
+  void receivedAll(const QJsonArray& calls) {
+    const bool burst = calls.size() > 1;
+    inBurst += burst;
+    for (const auto& call : calls)
+      if (page && call.isArray()) received(call.toArray());
+    inBurst -= burst;
+    if (inBurst == 0) sendBurstAnswers();
+  }
+
   void received(const QJsonArray& call) {
     EngineCore::Emitting emitting(*core);
     const QString kind = call.at(0).toString();
@@ -279,9 +303,11 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if (kind == QLatin1String("hello") && call.size() == 3) {
       if (known(mark) != nullptr) return;  // one document says hello once
       const std::string url = utf8(call.at(2).toString());
-      if (const DocumentID late = std::exchange(unspoken, 0); late != 0 && core->shows(late)) {
-        // The document the load's end already committed, its channel up only
-        // now: the same document, and no sign of a load under way.
+      const DocumentID late = std::exchange(unspoken, 0);
+      const auto* under = navigating ? core->navigation() : nullptr;
+      if (late != 0 && core->shows(late) && topURLs[late] == url && !(under && under->url == url)) {
+        // The document the load's end committed, its channel up only now:
+        // the same document. A load started since goes on, its timeout with it.
         documentMark = mark;
         topURLs[late] = url;
         remember({mark, late});
@@ -471,7 +497,6 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
     if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
     navigating = true;
     committedSinceStart = false;
-    unspoken = 0;
     core->startNavigation(utf8(url.toString(QUrl::FullyEncoded)));
   }
   void loadingChanged(const QWebEngineLoadingInfo& info) {
@@ -482,7 +507,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
         core->disarmTimeout();
         if (!committedSinceStart) {
           // No word from the document (JavaScript off): the UI process's view of it.
-          unspoken = core->commitDocument(utf8(info.url().toString(QUrl::FullyEncoded)));
+          const std::string url = utf8(info.url().toString(QUrl::FullyEncoded));
+          unspoken = core->commitDocument(url);
+          topURLs[unspoken] = url;
           documentMark.clear();
         }
         if (!navigating) return;
@@ -578,6 +605,7 @@ void QtWebEngine::load(const URLRequest& request) {
 void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion completion) {
   State& s = *state_;
   if (!s.page) return;
+  s.sendBurstAnswers();
   const QString& source = s.source({script});
   scriptBuffers::give(std::move(script));
   s.run(source, std::move(completion), false);
@@ -586,6 +614,7 @@ void QtWebEngine::evaluateJavaScript(std::string script, ScriptCompletion comple
 void QtWebEngine::evaluateInDocument(DocumentID document, std::string script, ScriptCompletion completion) {
   State& s = *state_;
   if (!s.page) return;
+  s.sendBurstAnswers();
   if (!s.core->shows(document)) return EngineCore::dropped(completion);
   if (s.documentMark.empty()) return evaluateJavaScript(std::move(script), std::move(completion));
   // The page decides: a navigation racing the answer cannot carry it into the next document.
@@ -606,6 +635,20 @@ void QtWebEngine::evaluateAnswer(DocumentID document, WebSDKResponseModel answer
     // A document that never said hello has no answer function: the script.
     return evaluateJavaScript("nativeResponse(" + *envelope + ")", std::move(completion));
   }
+  // Answers of up to kBurstBytes: a larger one costs more to copy into the
+  // burst's script than its own evaluation. A burst's script is sent when
+  // the next answer would take it past that size.
+  constexpr std::size_t kBurstBytes = std::size_t{256} << 10;
+  if (s.inBurst > 0 && !completion && envelope->size() <= kBurstBytes) {
+    if (s.burstAnswers.size() + envelope->size() > kBurstBytes) s.sendBurstAnswers();
+    if (s.burstAnswers.empty()) s.burstAnswers = scripts::kBurstStart;
+    for (const auto part : {scripts::kBurstAnswerStart, std::string_view(s.documentMark), scripts::kAnswerMarkEnd,
+                            std::string_view(*envelope), scripts::kBurstAnswerEnd})
+      s.burstAnswers += part;
+    scriptBuffers::give(std::move(*envelope));
+    return;
+  }
+  s.sendBurstAnswers();
   const QString& source =
       s.source({scripts::kAnswerStart, s.documentMark, scripts::kAnswerMarkEnd, *envelope, scripts::kAnswerEnd});
   scriptBuffers::give(std::move(*envelope));

@@ -27,6 +27,13 @@ class BridgeTest : public E2ETest {
     ASSERT_TRUE(loadAndWait(server.url("/page")));
   }
   std::vector<JSON> responses() const { return page->of("nativeResponse"); }
+  // A page script defining request(id): posts the cart request with that id.
+  static std::string requestFunction() {
+    const std::string body(kGetCart);
+    const auto at = body.find(R"("7")");
+    return "const request = id => window.webkit.messageHandlers.nativeRequest.postMessage({message: '" +
+           body.substr(0, at) + "\"' + id + '\"" + body.substr(at + 3) + "'});";
+  }
   bool waitForResponses(std::size_t n) {
     return waitFor([&] { return responses().size() >= n; });
   }
@@ -149,12 +156,8 @@ TEST_F(BridgeTest, RequestsArriveInTheOrderThePagePostedThem) {
     ids.push_back(request.requestId);
     view->sendSuccess(request.requestId);
   };
-  const std::string body(kGetCart);
-  const auto at = body.find(R"("7")");
   view->engine().evaluateJavaScript(
-      "const request = id => window.webkit.messageHandlers.nativeRequest.postMessage({message: '" + body.substr(0, at) +
-          "\"' + id + '\"" + body.substr(at + 3) +
-          "'});"
+      requestFunction() +
           "let inside = false;"
           "for (const name of ['websdk:request', 'websdk:post'])"
           "  window.addEventListener(name, () => { if (!inside) { inside = true; request('inside'); } });"
@@ -177,12 +180,8 @@ TEST_F(BridgeTest, ABurstsAnswersKeepTheirOrderAndAThrowingOneStopsNoOther) {
     if (request.requestId == "b") view->executeJSFunction(WebSDKJSFunctionType::pageResume());
     view->sendSuccess(request.requestId);
   };
-  const std::string body(kGetCart);
-  const auto at = body.find(R"("7")");
   view->engine().evaluateJavaScript(
-      "const request = id => window.webkit.messageHandlers.nativeRequest.postMessage({message: '" + body.substr(0, at) +
-          "\"' + id + '\"" + body.substr(at + 3) +
-          "'});"
+      requestFunction() +
           "nativeResponse = e => { report('order', e.requestId); if (e.requestId === 'b') throw new Error('b'); };"
           "pageResume = () => report('order', 'event');"
           "for (const id of ['a', 'b', 'c', 'd']) request(id);",

@@ -799,12 +799,14 @@ void WebSDKWebView::Impl::send(WebSDKResponseModel response, AnswerRoute route) 
   // the page broken (or not parse there), so such an answer is not sent at all.
   // An engine that takes answers as data gets no script: only the check.
   std::optional<std::string> script;
-  if (engine_->answersAsData()) {
-    if (!isValidUTF8(response.type) || !isValidUTF8(response.requestId) ||
-        (response.statusMessage && !isValidUTF8(*response.statusMessage)) ||
-        (response.payload && !isValidUTF8(*response.payload)))
-      return;
-  } else if (script = nativeResponseScript(response); !script) {
+  const bool utf8 = engine_->answersAsData() ? isValidUTF8(response.type) && isValidUTF8(response.requestId) &&
+                                                   (!response.statusMessage || isValidUTF8(*response.statusMessage)) &&
+                                                   (!response.payload || isValidUTF8(*response.payload))
+                                             : (script = nativeResponseScript(response)).has_value();
+  if (!utf8) {
+    say(LogLevel::warning, "answer",
+        "the answer to request id \"" + shownInLog(response.requestId) +
+            "\" holds text that is not UTF-8, which no page can read; dropped");
     return;
   }
   if (route.readyEncoded) return evaluateAnswer(std::move(response), std::move(script), route);

@@ -62,6 +62,14 @@ TEST(Misuse, EachIsToldOnceWithWhatHappened) {
        },
        "answer",
        {"\"nobody\"", "no page asked"}},
+      {"an answer holding text that is not UTF-8",
+       [&ask](Harness& h) {
+         ask(h, "bytes");
+         h.view->sendFailure("bytes", std::nullopt, "cut \xE2\x82");
+         h.engine->queue().drain();
+       },
+       "answer",
+       {"\"bytes\"", "not UTF-8", "dropped"}},
       {"the same id answered twice",
        [&ask](Harness& h) {
          ask(h, "twice");

@@ -54,11 +54,26 @@ crypto.getRandomValues(random);
 const mark = Array.from(random, n => n.toString(16).padStart(8, '0')).join('');
 // The document's mark: answers for another document never run in this one.
 Object.defineProperty(window, '__websdkDocument', {value: mark});
-// The app's answers come as calls of this, with the mark of the document
-// they are for: nativeResponse is found as a page script would find it.
-Object.defineProperty(window, '__websdkAnswer', {value: (to, envelope) => to === mark ? nativeResponse(envelope) : ')JS";
+// The app's answers come as calls of these, with the mark of the document
+// they are for: nativeResponse is found as a page script would find it. The
+// answers of a burst come in one call; one whose nativeResponse throws is
+// reported as an uncaught error of its own (through the page's setTimeout as
+// it was at the start, whatever the page did to it since) and the next
+// still runs.
+const dropped = ')JS";
   s += kDropped;
-  s += R"JS('});
+  s += R"JS(', report = setTimeout.bind(window);
+Object.defineProperty(window, '__websdkAnswer', {value: (to, envelope) => to === mark ? nativeResponse(envelope) : dropped});
+Object.defineProperty(window, '__websdkAnswers', {value: (to, ...envelopes) => {
+  if (to !== mark) return dropped;
+  for (let i = 0; i < envelopes.length; ++i) {
+    try {
+      nativeResponse(envelopes[i]);
+    } catch (e) {
+      report(() => { throw e; });
+    }
+  }
+}});
 // One event, dispatched again for each message: a fresh event per message
 // costs the page far more than the dispatch. A message sent from a listener
 // of that event, while it is on its way, gets an event of its own.
@@ -236,14 +251,10 @@ inline constexpr std::string_view kAnswerStart = "typeof __websdkAnswer === 'fun
 inline constexpr std::string_view kAnswerMarkEnd = "',";
 inline constexpr std::string_view kAnswerEnd = ") : '\x01websdk:dropped'";
 static_assert(kAnswerEnd.substr(5, sizeof kDropped - 1) == std::string_view(kDropped));
-/// The answers of a burst, as one script: kBurstStart, then for each
-/// kBurstAnswerStart, the mark, kAnswerMarkEnd, the envelope's JSON and
-/// kBurstAnswerEnd, then kBurstEnd. An answer whose nativeResponse throws is
-/// reported as an uncaught error of its own, and the next still runs.
-inline constexpr std::string_view kBurstStart = "if (typeof __websdkAnswer === 'function') {\n";
-inline constexpr std::string_view kBurstAnswerStart = "try { __websdkAnswer('";
-inline constexpr std::string_view kBurstAnswerEnd = "); } catch (e) { setTimeout(() => { throw e; }); }\n";
-inline constexpr std::string_view kBurstEnd = "}";
+/// The answers of a burst, as one call: kAnswersStart, the mark, then for
+/// each answer "," and its envelope's JSON, then kAnswerEnd.
+inline constexpr std::string_view kAnswersStart = "typeof __websdkAnswers === 'function' ? __websdkAnswers('";
+inline constexpr std::string_view kAnswersMarkEnd = "'";
 
 /// Around a script, runs it only in the document marked `mark`; elsewhere it
 /// completes with kDropped: what goes before the script, and after it.

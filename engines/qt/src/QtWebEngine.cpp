@@ -80,6 +80,8 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   // The document a load's end committed for want of a hello: its channel may
   // still come up and say hello late.
   DocumentID unspoken = 0;
+  // Where the main-frame navigation under way is headed, redirects included.
+  std::string headedTo;
 
   bool javaScriptEnabled = true;
 
@@ -279,9 +281,10 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   // sends the burst's answers first, so the page sees them in order.
   int inBurst = 0;
   std::string burstAnswers;
+  std::string burstMark;  // the document all of burstAnswers are for
   void sendBurstAnswers() {
     if (burstAnswers.empty()) return;
-    burstAnswers += scripts::kBurstEnd;
+    burstAnswers += scripts::kAnswerEnd;
     const QString& text = source({burstAnswers});
     burstAnswers.clear();
     if (page) run(text, nullptr, false);
@@ -304,8 +307,9 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
       if (known(mark) != nullptr) return;  // one document says hello once
       const std::string url = utf8(call.at(2).toString());
       const DocumentID late = std::exchange(unspoken, 0);
-      const auto* under = navigating ? core->navigation() : nullptr;
-      if (late != 0 && core->shows(late) && topURLs[late] == url && !(under && under->url == url)) {
+      const auto lateURL = topURLs.find(late);
+      if (late != 0 && core->shows(late) && lateURL != topURLs.end() && lateURL->second == url &&
+          !(navigating && headedTo == url)) {
         // The document the load's end committed, its channel up only now:
         // the same document. A load started since goes on, its timeout with it.
         documentMark = mark;
@@ -494,6 +498,7 @@ struct QtWebEngine::State : std::enable_shared_from_this<State> {
   }
 
   void started(const QUrl& url, bool redirect) {
+    headedTo = utf8(url.toString(QUrl::FullyEncoded));
     if ((redirect || std::exchange(reissuing, false)) && navigating) return;  // the navigation under way goes on
     navigating = true;
     committedSinceStart = false;
@@ -629,22 +634,26 @@ void QtWebEngine::evaluateAnswer(DocumentID document, WebSDKResponseModel answer
   State& s = *state_;
   if (!s.page) return;
   if (!s.core->shows(document)) return EngineCore::dropped(completion);
-  auto envelope = encodeEnvelope(answer);
-  if (!envelope) return;  // the view let through only UTF-8
   if (s.documentMark.empty()) {
     // A document that never said hello has no answer function: the script.
-    return evaluateJavaScript("nativeResponse(" + *envelope + ")", std::move(completion));
+    if (auto script = nativeResponseScript(answer)) evaluateJavaScript(std::move(*script), std::move(completion));
+    return;
   }
+  auto envelope = encodeEnvelope(answer);
+  if (!envelope) return;  // the view let through only UTF-8
   // Answers of up to kBurstBytes: a larger one costs more to copy into the
   // burst's script than its own evaluation. A burst's script is sent when
-  // the next answer would take it past that size.
+  // the next answer would take it past that size, or is for another document.
   constexpr std::size_t kBurstBytes = std::size_t{256} << 10;
   if (s.inBurst > 0 && !completion && envelope->size() <= kBurstBytes) {
-    if (s.burstAnswers.size() + envelope->size() > kBurstBytes) s.sendBurstAnswers();
-    if (s.burstAnswers.empty()) s.burstAnswers = scripts::kBurstStart;
-    for (const auto part : {scripts::kBurstAnswerStart, std::string_view(s.documentMark), scripts::kAnswerMarkEnd,
-                            std::string_view(*envelope), scripts::kBurstAnswerEnd})
-      s.burstAnswers += part;
+    if (s.burstAnswers.size() + envelope->size() > kBurstBytes || s.burstMark != s.documentMark) s.sendBurstAnswers();
+    if (s.burstAnswers.empty()) {
+      s.burstMark = s.documentMark;
+      for (const auto part : {scripts::kAnswersStart, std::string_view(s.documentMark), scripts::kAnswersMarkEnd})
+        s.burstAnswers += part;
+    }
+    s.burstAnswers += ',';
+    s.burstAnswers += *envelope;
     scriptBuffers::give(std::move(*envelope));
     return;
   }

@@ -9,12 +9,17 @@
 
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace websdk::bench {
@@ -56,6 +61,9 @@ inline std::string payloadOfSize(std::size_t size) {
 
 struct Figures {
   double floorUs = 0, sdkUs = 0;
+  // CPU per round trip: of this process (the app, every thread of it) and of
+  // the side's web process, where its engine names one (else negative).
+  double floorAppCpuUs = 0, sdkAppCpuUs = 0, floorWebCpuUs = -1, sdkWebCpuUs = -1;
 };
 inline std::map<std::string, Figures>& results() {
   static std::map<std::string, Figures> r;
@@ -88,6 +96,47 @@ class Done final : public ScriptMessageHandler {
   bool done = false;
 };
 
+/// The CPU time, in microseconds, that the threads of process `pid` have run
+/// so far; 0 where Linux's per-thread figures cannot be read.
+inline double processCpuUs(long pid) {
+  double ns = 0;
+  std::error_code error;
+  for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task", error)) {
+    std::ifstream in(task.path() / "schedstat");
+    double run = 0;
+    if (in >> run) ns += run;
+  }
+  return ns / 1000;
+}
+
+/// A side's CPU so far: the app's, and its web process's when the side names
+/// it (`webProcess()`).
+struct CpuReading {
+  double app = 0, web = -1;
+  template <class Side>
+  static CpuReading of(Side& side) {
+    CpuReading r{processCpuUs(getpid()), -1};
+    if constexpr (requires { side.webProcess(); })
+      if (const long pid = side.webProcess(); pid > 0) r.web = processCpuUs(pid);
+    return r;
+  }
+};
+
+/// CPU over a side's batches, summed.
+struct CpuSpent {
+  double app = 0, web = 0;
+  bool hasWeb = true;
+  long trips = 0;
+  void add(const CpuReading& before, const CpuReading& after, int n) {
+    app += after.app - before.app;
+    hasWeb = hasWeb && before.web >= 0 && after.web >= 0;
+    web += after.web - before.web;
+    trips += n;
+  }
+  double appPerTrip() const { return trips ? app / static_cast<double>(trips) : 0; }
+  double webPerTrip() const { return trips && hasWeb ? web / static_cast<double>(trips) : -1; }
+};
+
 /// One figure: batches of `size`-byte answers, pipelined or not, floor and
 /// WebSDK alternating on `rig` (which has `ok`, `floor` and `sdk`).
 template <class Rig>
@@ -108,25 +157,40 @@ void roundTrip(benchmark::State& state, Rig& rig) {
   rig.sdk->run(batch, pipelined);
 
   // Medians of per-batch times: the machine is shared, and a spike in one
-  // batch should not decide the ratio.
+  // batch should not decide the ratio. CPU is read outside the timed spans;
+  // on a busy machine it tells where a round trip's cost lies when the wall
+  // clock cannot.
   std::vector<double> floorUs, sdkUs;
+  CpuSpent floorCpu, sdkCpu;
   for (auto _ : state) {
+    const auto floorBefore = CpuReading::of(*rig.floor);
     auto t0 = Clock::now();
     if (!rig.floor->run(batch, pipelined)) state.SkipWithError("floor batch did not finish");
     auto t1 = Clock::now();
-    if (!rig.sdk->run(batch, pipelined)) state.SkipWithError("WebSDK batch did not finish");
+    floorCpu.add(floorBefore, CpuReading::of(*rig.floor), batch);
+    const auto sdkBefore = CpuReading::of(*rig.sdk);
     auto t2 = Clock::now();
+    if (!rig.sdk->run(batch, pipelined)) state.SkipWithError("WebSDK batch did not finish");
+    auto t3 = Clock::now();
+    sdkCpu.add(sdkBefore, CpuReading::of(*rig.sdk), batch);
     floorUs.push_back(std::chrono::duration<double, std::micro>(t1 - t0).count() / batch);
-    sdkUs.push_back(std::chrono::duration<double, std::micro>(t2 - t1).count() / batch);
+    sdkUs.push_back(std::chrono::duration<double, std::micro>(t3 - t2).count() / batch);
   }
   const auto median = [](std::vector<double> v) {
     std::sort(v.begin(), v.end());
     return v.empty() ? 0.0 : v[v.size() / 2];
   };
-  const Figures f{median(floorUs), median(sdkUs)};
+  const Figures f{median(floorUs),     median(sdkUs),         floorCpu.appPerTrip(),
+                  sdkCpu.appPerTrip(), floorCpu.webPerTrip(), sdkCpu.webPerTrip()};
   state.counters["floor_us"] = f.floorUs;
   state.counters["websdk_us"] = f.sdkUs;
   state.counters["ratio"] = f.sdkUs / f.floorUs;
+  state.counters["floor_app_cpu_us"] = f.floorAppCpuUs;
+  state.counters["websdk_app_cpu_us"] = f.sdkAppCpuUs;
+  if (f.sdkWebCpuUs >= 0 && f.floorWebCpuUs >= 0) {
+    state.counters["floor_web_cpu_us"] = f.floorWebCpuUs;
+    state.counters["websdk_web_cpu_us"] = f.sdkWebCpuUs;
+  }
   results()[std::to_string(size) + (pipelined ? " pipelined" : " sequential")] = f;
 }
 
@@ -141,6 +205,15 @@ inline void printFigures(const char* title, const std::function<double(const std
   for (const auto& [name, f] : results())
     std::printf("%-22s %12.1f %12.1f %7.2fx %7.2fx\n", name.c_str(), f.floorUs, f.sdkUs, f.sdkUs / f.floorUs,
                 target(name));
+  // CPU is steadier than the wall clock on a shared machine: where the two
+  // disagree, it says which side does more work.
+  std::printf(
+      "\nCPU per round trip (microseconds, the last repetition): the app process, and the page's web process\n");
+  std::printf("%-22s %12s %12s %12s %12s\n", "answer", "floor app", "WebSDK app", "floor web", "WebSDK web");
+  const auto cell = [](double us) { return us >= 0 ? std::to_string(static_cast<long>(us + 0.5)) : std::string("-"); };
+  for (const auto& [name, f] : results())
+    std::printf("%-22s %12s %12s %12s %12s\n", name.c_str(), cell(f.floorAppCpuUs).c_str(), cell(f.sdkAppCpuUs).c_str(),
+                cell(f.floorWebCpuUs).c_str(), cell(f.sdkWebCpuUs).c_str());
 }
 
 /// The six figures: 100 B, 10 KB and 1 MB answers, sequential and pipelined.

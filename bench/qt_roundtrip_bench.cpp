@@ -83,6 +83,7 @@ class Floor {
   }
   ~Floor() { delete view_; }
   QWidget* widget() { return view_; }
+  long webProcess() const { return page_->renderProcessPid(); }
   bool load() {
     return loadPage(page_, [this] { return loaded_; });
   }
@@ -129,6 +130,7 @@ class SDK {
     view_->engine().addScriptMessageHandler(done_, "done");
   }
   QWidget* widget() { return qtwebengine::widget(view_->engine()); }
+  long webProcess() const { return qtwebengine::page(view_->engine())->renderProcessPid(); }
   bool load() {
     return loadPage(qtwebengine::page(view_->engine()), [this] { return navigation_->finished; });
   }

@@ -180,11 +180,11 @@ struct WebSDKWebView::Impl final : WebEngineClient, BridgeView {
   /// Request `serial` (id `requestId`) reached its family's deadline `limit`:
   /// reported if still unanswered, and failed when the view is set to.
   void answerOverdue(const std::string& requestId, std::uint64_t serial, std::chrono::milliseconds limit);
-  std::unordered_map<std::string, std::deque<Awaiting>> awaiting_;
+  std::unordered_map<std::string, std::vector<Awaiting>> awaiting_;
   std::size_t awaitingCount_ = 0;
   /// Takes the request `asked` of `requests` (of id `requestId`) off the
   /// waiting list and remembers who asked it.
-  void settle(const std::string& requestId, std::deque<Awaiting>& requests, std::deque<Awaiting>::iterator asked);
+  void settle(const std::string& requestId, std::vector<Awaiting>& requests, std::vector<Awaiting>::iterator asked);
   // Ids answered or failed lately, with the document that asked each: a
   // duplicate or late answer to a document gone goes nowhere, never to the
   // next page. Bounded in count and age. UI thread only.
@@ -661,8 +661,8 @@ std::vector<WebSDKPendingRequest> WebSDKWebView::Impl::pendingRequests() const {
   return out;
 }
 
-void WebSDKWebView::Impl::settle(const std::string& requestId, std::deque<Awaiting>& requests,
-                                 std::deque<Awaiting>::iterator asked) {
+void WebSDKWebView::Impl::settle(const std::string& requestId, std::vector<Awaiting>& requests,
+                                 std::vector<Awaiting>::iterator asked) {
   const DocumentID document = asked->document;
   requests.erase(asked);
   --awaitingCount_;

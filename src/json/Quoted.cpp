@@ -3,6 +3,8 @@
 // counts exactly how long the escaped text will be (and, for answers, checks
 // that it is UTF-8), a second writes it into storage sized once. Both passes
 // test sixteen bytes at a time; plain runs are copied a block at a time.
+// Everything is written for either quote `Q`: JSON's, or a script's single
+// quote, the one difference being which quote takes a backslash.
 
 #include "websdk/json/Quoted.hpp"
 #include "websdk/json/JSON.hpp"
@@ -19,12 +21,13 @@
 namespace websdk {
 namespace {
 
-// What a byte becomes inside a string literal: 0 = itself, 'u' = \u00XX,
-// anything else = a backslash and that character.
+// What a byte becomes inside a string literal between quotes `Q`: 0 = itself,
+// 'u' = \u00XX, anything else = a backslash and that character.
+template <char Q>
 constexpr auto kEscape = [] {
   std::array<char, 256> table{};
   for (int c = 0; c < 0x20; ++c) table[c] = 'u';
-  table['"'] = '"';
+  table[static_cast<unsigned char>(Q)] = Q;
   table['\\'] = '\\';
   table['\n'] = 'n';
   table['\r'] = 'r';
@@ -41,6 +44,7 @@ inline bool isLineSeparator(std::string_view s, std::size_t i) {
 }
 
 // The special byte at s[i]: how many bytes it takes written, how many it covers.
+template <char Q>
 inline std::size_t escapedWidth(std::string_view s, std::size_t i, std::size_t& consumed) {
   const auto c = static_cast<unsigned char>(s[i]);
   consumed = 1;
@@ -49,10 +53,11 @@ inline std::size_t escapedWidth(std::string_view s, std::size_t i, std::size_t& 
     consumed = 3;
     return 6;
   }
-  const char e = kEscape[c];
+  const char e = kEscape<Q>[c];
   return e == 0 ? 1 : e == 'u' ? 6 : 2;
 }
 
+template <char Q>
 inline char* writeEscaped(char* out, std::string_view s, std::size_t& i) {
   static constexpr char hex[] = "0123456789abcdef";
   const auto c = static_cast<unsigned char>(s[i]);
@@ -67,7 +72,7 @@ inline char* writeEscaped(char* out, std::string_view s, std::size_t& i) {
     return out + 1;
   }
   ++i;
-  const char e = kEscape[c];
+  const char e = kEscape<Q>[c];
   if (e == 'u') {
     const char u[6] = {'\\', 'u', '0', '0', hex[c >> 4], hex[c & 0xF]};
     std::memcpy(out, u, 6);
@@ -109,7 +114,10 @@ std::size_t checkSequences(std::string_view s, std::size_t i) {
   return n;
 }
 
-inline bool isSpecial(unsigned char c) { return c < 0x20 || c == '"' || c == '\\' || c == 0xE2; }
+template <char Q>
+inline bool isSpecial(unsigned char c) {
+  return c < 0x20 || c == static_cast<unsigned char>(Q) || c == '\\' || c == 0xE2;
+}
 
 // Bits of a 16-bit mask, without relying on a popcount instruction.
 inline std::size_t bitCount(unsigned m) {
@@ -129,9 +137,10 @@ inline unsigned maskOf(__m128i m) { return static_cast<unsigned>(_mm_movemask_ep
 
 // Bytes that need escaping: quote, backslash, control characters, and 0xE2
 // (the lead byte of U+2028 and U+2029, checked more closely later).
+template <char Q>
 inline unsigned specialMask(__m128i v) {
   const __m128i control = _mm_cmpeq_epi8(_mm_max_epu8(v, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
-  return maskOf(_mm_or_si128(_mm_or_si128(bytesEqual(v, '"'), bytesEqual(v, '\\')),
+  return maskOf(_mm_or_si128(_mm_or_si128(bytesEqual(v, Q), bytesEqual(v, '\\')),
                              _mm_or_si128(control, bytesEqual(v, static_cast<char>(0xE2)))));
 }
 
@@ -146,7 +155,7 @@ inline unsigned rareMask(__m128i v) {
 // The length of `s` as a string literal, or (when checking) kNotUTF8 when `s`
 // is not UTF-8: one pass both counts and checks. `checked` is where the bytes
 // not yet known to be UTF-8 begin.
-template <bool kCheck>
+template <bool kCheck, char Q>
 std::size_t sizeOf(std::string_view s) {
   std::size_t size = 2 + s.size(), i = 0, checked = 0;
   const std::size_t n = s.size();
@@ -161,7 +170,7 @@ std::size_t sizeOf(std::string_view s) {
         high = checked - i < kBlock ? high & (~0u << (checked - i)) : 0;
       }
     }
-    const unsigned special = specialMask(v);
+    const unsigned special = specialMask<Q>(v);
     if (special == 0) {
       i += kBlock;
       continue;
@@ -177,7 +186,7 @@ std::size_t sizeOf(std::string_view s) {
     size += bitCount(special & ((1u << k) - 1));
     i += static_cast<std::size_t>(k);
     std::size_t consumed;
-    size += escapedWidth(s, i, consumed);
+    size += escapedWidth<Q>(s, i, consumed);
     size -= consumed;
     i += consumed;
   }
@@ -189,24 +198,21 @@ std::size_t sizeOf(std::string_view s) {
     while (checked < n && static_cast<unsigned char>(s[checked]) < 0x80) ++checked;
   }
   while (i < n) {
-    if (!isSpecial(static_cast<unsigned char>(s[i]))) {
+    if (!isSpecial<Q>(static_cast<unsigned char>(s[i]))) {
       ++i;
       continue;
     }
     std::size_t consumed;
-    size += escapedWidth(s, i, consumed);
+    size += escapedWidth<Q>(s, i, consumed);
     size -= consumed;
     i += consumed;
   }
   return size;
 }
 
-}  // namespace
-
-std::size_t quotedSize(std::string_view s) { return sizeOf<true>(s); }
-
-char* writeQuoted(char* out, std::string_view s) {
-  *out++ = '"';
+template <char Q>
+char* write(char* out, std::string_view s) {
+  *out++ = Q;
   std::size_t i = 0;
   const std::size_t n = s.size();
 #if defined(__SSE2__)
@@ -215,7 +221,7 @@ char* writeQuoted(char* out, std::string_view s) {
   // text, and at least two blocks of input remain, so no store runs past the
   // end of the sized output.
   while (i + 2 * kBlock <= n) {
-    const unsigned special = specialMask(loadBlock(s.data() + i));
+    const unsigned special = specialMask<Q>(loadBlock(s.data() + i));
     if (special == 0) {
       storeBlock(out, loadBlock(s.data() + i));
       out += kBlock;
@@ -231,7 +237,7 @@ char* writeQuoted(char* out, std::string_view s) {
         storeBlock(out, loadBlock(s.data() + i));
         out += next - i;
         out[0] = '\\';
-        out[1] = kEscape[static_cast<unsigned char>(s[next])];
+        out[1] = kEscape<Q>[static_cast<unsigned char>(s[next])];
         out += 2;
         i = next + 1;
         pending &= pending - 1;
@@ -242,7 +248,7 @@ char* writeQuoted(char* out, std::string_view s) {
         storeBlock(out, loadBlock(s.data() + i));
         out += next - i;
         i = next;
-        out = writeEscaped(out, s, i);  // may step past the block (U+2028 at its end)
+        out = writeEscaped<Q>(out, s, i);  // may step past the block (U+2028 at its end)
         if (i >= end) break;
         pending &= ~0u << (i - start);
       }
@@ -255,19 +261,31 @@ char* writeQuoted(char* out, std::string_view s) {
   }
 #endif
   while (i < n) {
-    if (isSpecial(static_cast<unsigned char>(s[i]))) {
-      out = writeEscaped(out, s, i);
+    if (isSpecial<Q>(static_cast<unsigned char>(s[i]))) {
+      out = writeEscaped<Q>(out, s, i);
     } else {
       *out++ = s[i++];
     }
   }
-  *out++ = '"';
+  *out++ = Q;
   return out;
+}
+
+}  // namespace
+
+std::size_t quotedSize(std::string_view s) { return sizeOf<true, '"'>(s); }
+std::size_t quotedSize(std::string_view s, Quote quote) {
+  return quote == Quote::json ? sizeOf<true, '"'>(s) : sizeOf<true, '\''>(s);
+}
+
+char* writeQuoted(char* out, std::string_view s) { return write<'"'>(out, s); }
+char* writeQuoted(char* out, std::string_view s, Quote quote) {
+  return quote == Quote::json ? write<'"'>(out, s) : write<'\''>(out, s);
 }
 
 void appendQuoted(std::string& out, std::string_view s) {
   const std::size_t at = out.size();
-  out.resize(at + sizeOf<false>(s));
+  out.resize(at + sizeOf<false, '"'>(s));
   writeQuoted(out.data() + at, s);
 }
 

@@ -19,7 +19,8 @@ char* writeLiteral(char* out, std::string_view s) {
   return out + s.size();
 }
 
-std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view prefix, std::string_view suffix) {
+std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view prefix, std::string_view suffix,
+                                  Quote quote = Quote::json) {
   char code[24];
   const auto codeEnd = std::to_chars(code, code + sizeof code, r.statusCode).ptr;
   const std::string_view codeText(code, static_cast<std::size_t>(codeEnd - code));
@@ -27,7 +28,7 @@ std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view
   std::size_t size = prefix.size() + suffix.size() + codeText.size() + 1;
   bool utf8 = true;
   const auto quoted = [&](std::string_view key, std::string_view value) {
-    const std::size_t q = quotedSize(value);
+    const std::size_t q = quotedSize(value, quote);
     utf8 = utf8 && q != kNotUTF8;
     size += key.size() + q;
   };
@@ -43,18 +44,18 @@ std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view
   char* p = out.data();
   p = writeLiteral(p, prefix);
   p = writeLiteral(p, R"({"type":)");
-  p = writeQuoted(p, r.type);
+  p = writeQuoted(p, r.type, quote);
   p = writeLiteral(p, R"(,"statusCode":)");
   p = writeLiteral(p, codeText);
   if (r.statusMessage) {
     p = writeLiteral(p, R"(,"statusMessage":)");
-    p = writeQuoted(p, *r.statusMessage);
+    p = writeQuoted(p, *r.statusMessage, quote);
   }
   p = writeLiteral(p, R"(,"requestId":)");
-  p = writeQuoted(p, r.requestId);
+  p = writeQuoted(p, r.requestId, quote);
   if (r.payload) {
     p = writeLiteral(p, R"(,"payload":)");
-    p = writeQuoted(p, *r.payload);
+    p = writeQuoted(p, *r.payload, quote);
   }
   *p++ = '}';
   writeLiteral(p, suffix);
@@ -64,6 +65,10 @@ std::optional<std::string> encode(const WebSDKResponseModel& r, std::string_view
 }  // namespace
 
 std::optional<std::string> encodeEnvelope(const WebSDKResponseModel& response) { return encode(response, {}, {}); }
+
+std::optional<std::string> encodeEnvelopeForScript(const WebSDKResponseModel& response) {
+  return encode(response, {}, {}, Quote::script);
+}
 
 WebSDKResponseProtocol::WebSDKResponseProtocol(const std::map<std::string, std::string>& dictionary) {
   JSONObject o;

@@ -17,6 +17,43 @@ TEST(Envelope, WritesTheFieldsAndLeavesAbsentOptionalsOut) {
             R"({"type":"FAILED","statusCode":-7,"requestId":""})");
 }
 
+TEST(Envelope, AScriptsEnvelopeHoldsItsTextsBetweenSingleQuotes) {
+  EXPECT_EQ(
+      encodeEnvelopeForScript({"SUCCESS", 0, "it's", "r'1", R"({"a":"x\"y"})"}),
+      R"({"type":'SUCCESS',"statusCode":0,"statusMessage":'it\'s',"requestId":'r\'1',"payload":'{"a":"x\\"y"}'})");
+  EXPECT_EQ(encodeEnvelopeForScript({"FAILED", 1, std::nullopt, "2", std::string("\xFF")}), std::nullopt);
+}
+
+// The JSON envelope's text values moved between single quotes by hand: what a
+// script's envelope must be (keys stay as they are: none holds a quote).
+std::string withSingleQuotedValues(std::string_view json) {
+  std::string out;
+  for (std::size_t i = 0; i < json.size();) {
+    if (json[i] != '"') {
+      out += json[i++];
+      continue;
+    }
+    std::size_t end = i + 1;
+    while (json[end] != '"') end += json[end] == '\\' ? 2 : 1;
+    if (json[end + 1] == ':') {
+      out.append(json.substr(i, end + 1 - i));
+    } else {
+      out += '\'';
+      for (std::size_t k = i + 1; k < end; ++k) {
+        if (json[k] == '\\' && json[k + 1] == '"')
+          out += json[++k];
+        else if (json[k] == '\\')
+          out.append(json.substr(k++, 2));
+        else
+          out += json[k] == '\'' ? std::string("\\'") : std::string(1, json[k]);
+      }
+      out += '\'';
+    }
+    i = end + 1;
+  }
+  return out;
+}
+
 TEST(Envelope, EscapesWhatJSONAndJavaScriptRequire) {
   const std::string payload = "{\n  \"a\" : \"x/y\\\\\"\t\x01\x1f \xE2\x80\xA8\xE2\x80\xA9 \xE2\x80\x94";
   const std::string text = encodeEnvelope({"SUCCESS", 0, std::nullopt, "id", payload}).value();
@@ -29,11 +66,13 @@ TEST(Envelope, EscapesWhatJSONAndJavaScriptRequire) {
 
 // Random fields of every byte pattern around the special characters, the
 // sixteen-byte blocks and bytes that are not UTF-8: the envelope parses back to
-// the same fields, or is nothing exactly when a field is not UTF-8.
+// the same fields, or is nothing exactly when a field is not UTF-8; a script's
+// envelope is the same text between single quotes.
 TEST(Envelope, AnyFieldsParseBackOrAreRefusedWhenNotUTF8) {
   std::mt19937 rng(42);
   const std::string alphabet[] = {"a",
                                   "\"",
+                                  "'",
                                   "\\",
                                   "\n",
                                   "\x01",
@@ -60,6 +99,8 @@ TEST(Envelope, AnyFieldsParseBackOrAreRefusedWhenNotUTF8) {
     const WebSDKResponseModel model{"SUCCESS", 0, id, id, payload};
     const auto text = encodeEnvelope(model);
     ASSERT_EQ(text.has_value(), isValidUTF8(payload) && isValidUTF8(id)) << payload;
+    const auto script = encodeEnvelopeForScript(model);
+    ASSERT_EQ(script.has_value(), text.has_value()) << payload;
     if (!text) {
       ++refused;
       continue;
@@ -69,6 +110,7 @@ TEST(Envelope, AnyFieldsParseBackOrAreRefusedWhenNotUTF8) {
     EXPECT_EQ(back.at("payload").as_string(), payload);
     EXPECT_EQ(back.at("requestId").as_string(), id);
     EXPECT_EQ(back.at("statusMessage").as_string(), id);
+    EXPECT_EQ(*script, withSingleQuotedValues(*text)) << payload;
   }
   EXPECT_GT(refused, 500u) << "the broken bytes must be drawn often enough to test anything";
 }

@@ -3,7 +3,8 @@
 /// JSON string literals: the one writer of them, for answers' envelopes and
 /// every serialisation. A literal is also a valid JavaScript string literal:
 /// control characters, quotes, backslashes, U+2028 and U+2029 are escaped,
-/// everything else stays as it is.
+/// everything else stays as it is. For a script alone, the same literal can
+/// stand between single quotes instead.
 
 #include "websdk/Export.hpp"
 
@@ -12,16 +13,25 @@
 
 namespace websdk {
 
+/// The quote a literal stands between. `script`: a single quote, for text
+/// that only JavaScript reads; the double quotes that fill JSON text then
+/// need no backslash, and a page's parser reads such a literal faster.
+enum class Quote : char { json = '"', script = '\'' };
+
 /// What quotedSize() gives for text that is not well-formed UTF-8.
 inline constexpr std::size_t kNotUTF8 = static_cast<std::size_t>(-1);
 
 /// The length of `s` written as a literal, quotes included, or kNotUTF8 when
 /// `s` is not well-formed UTF-8.
 WEBSDK_EXPORT std::size_t quotedSize(std::string_view s);
+/// quotedSize(), between `quote`s.
+WEBSDK_EXPORT std::size_t quotedSize(std::string_view s, Quote quote);
 
 /// Writes `s` as a literal at `out`, which has room for quotedSize(s) bytes;
 /// returns the end of what it wrote.
 WEBSDK_EXPORT char* writeQuoted(char* out, std::string_view s);
+/// writeQuoted(), between `quote`s; `out` has room for quotedSize(s, quote) bytes.
+WEBSDK_EXPORT char* writeQuoted(char* out, std::string_view s, Quote quote);
 
 /// Whether `bytes` is well-formed UTF-8.
 WEBSDK_EXPORT bool isValidUTF8(std::string_view bytes);

@@ -156,7 +156,7 @@ inline unsigned rareMask(__m128i v) {
 // is not UTF-8: one pass both counts and checks. `checked` is where the bytes
 // not yet known to be UTF-8 begin.
 template <bool kCheck, char Q>
-std::size_t sizeOf(std::string_view s) {
+[[gnu::noinline]] std::size_t sizeOf(std::string_view s) {
   std::size_t size = 2 + s.size(), i = 0, checked = 0;
   const std::size_t n = s.size();
 #if defined(__SSE2__)
@@ -210,8 +210,11 @@ std::size_t sizeOf(std::string_view s) {
   return size;
 }
 
+// The two passes stay out of line, one copy per quote: inlined into the
+// functions that pick the quote, the loops ran about 8% slower on JSON
+// payloads full of escapes.
 template <char Q>
-char* write(char* out, std::string_view s) {
+[[gnu::noinline]] char* write(char* out, std::string_view s) {
   *out++ = Q;
   std::size_t i = 0;
   const std::size_t n = s.size();

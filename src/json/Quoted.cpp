@@ -276,12 +276,10 @@ template <char Q>
 
 }  // namespace
 
-std::size_t quotedSize(std::string_view s) { return sizeOf<true, '"'>(s); }
 std::size_t quotedSize(std::string_view s, Quote quote) {
   return quote == Quote::json ? sizeOf<true, '"'>(s) : sizeOf<true, '\''>(s);
 }
 
-char* writeQuoted(char* out, std::string_view s) { return write<'"'>(out, s); }
 char* writeQuoted(char* out, std::string_view s, Quote quote) {
   return quote == Quote::json ? write<'"'>(out, s) : write<'\''>(out, s);
 }
@@ -289,7 +287,7 @@ char* writeQuoted(char* out, std::string_view s, Quote quote) {
 void appendQuoted(std::string& out, std::string_view s) {
   const std::size_t at = out.size();
   out.resize(at + sizeOf<false, '"'>(s));
-  writeQuoted(out.data() + at, s);
+  write<'"'>(out.data() + at, s);
 }
 
 bool isValidUTF8(std::string_view s) {

@@ -310,6 +310,15 @@ nativeResponse = function (e) {
        std::nullopt,
        {"type", "statusCode", "requestId", "payload"},
        23},
+      // Answers travel between single quotes under Qt WebEngine: text that
+      // tries to close them and run stays text.
+      {"d 'single' \\' id",
+       "it's '); window.broken = true; ('\\'",
+       WebSDKResponseType::failure,
+       2,
+       "\\'); throw 1; //",
+       {"type", "statusCode", "statusMessage", "requestId", "payload"},
+       35},
   };
   for (const auto& row : rows) {
     if (row.payload)

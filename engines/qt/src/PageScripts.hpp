@@ -245,14 +245,14 @@ window.dispatchEvent(new CustomEvent('websdk:listening'));
 }
 
 /// An answer: kAnswerStart, the document's mark, kAnswerMarkEnd, the
-/// envelope's JSON, then kAnswerEnd. A document without the answer function
+/// envelope (encodeEnvelopeForScript), then kAnswerEnd. A document without the answer function
 /// (one the scripts never reached, as an error page) completes with kDropped.
 inline constexpr std::string_view kAnswerStart = "typeof __websdkAnswer === 'function' ? __websdkAnswer('";
 inline constexpr std::string_view kAnswerMarkEnd = "',";
 inline constexpr std::string_view kAnswerEnd = ") : '\x01websdk:dropped'";
 static_assert(kAnswerEnd.substr(5, sizeof kDropped - 1) == std::string_view(kDropped));
 /// The answers of a burst, as one call: kAnswersStart, the mark, then for
-/// each answer "," and its envelope's JSON, then kAnswerEnd.
+/// each answer "," and its envelope (encodeEnvelopeForScript), then kAnswerEnd.
 inline constexpr std::string_view kAnswersStart = "typeof __websdkAnswers === 'function' ? __websdkAnswers('";
 inline constexpr std::string_view kAnswersMarkEnd = "'";
 

@@ -21,17 +21,13 @@ enum class Quote : char { json = '"', script = '\'' };
 /// What quotedSize() gives for text that is not well-formed UTF-8.
 inline constexpr std::size_t kNotUTF8 = static_cast<std::size_t>(-1);
 
-/// The length of `s` written as a literal, quotes included, or kNotUTF8 when
-/// `s` is not well-formed UTF-8.
-WEBSDK_EXPORT std::size_t quotedSize(std::string_view s);
-/// quotedSize(), between `quote`s.
-WEBSDK_EXPORT std::size_t quotedSize(std::string_view s, Quote quote);
+/// The length of `s` written as a literal between `quote`s, quotes included,
+/// or kNotUTF8 when `s` is not well-formed UTF-8.
+WEBSDK_EXPORT std::size_t quotedSize(std::string_view s, Quote quote = Quote::json);
 
-/// Writes `s` as a literal at `out`, which has room for quotedSize(s) bytes;
-/// returns the end of what it wrote.
-WEBSDK_EXPORT char* writeQuoted(char* out, std::string_view s);
-/// writeQuoted(), between `quote`s; `out` has room for quotedSize(s, quote) bytes.
-WEBSDK_EXPORT char* writeQuoted(char* out, std::string_view s, Quote quote);
+/// Writes `s` as a literal between `quote`s at `out`, which has room for
+/// quotedSize(s, quote) bytes; returns the end of what it wrote.
+WEBSDK_EXPORT char* writeQuoted(char* out, std::string_view s, Quote quote = Quote::json);
 
 /// Whether `bytes` is well-formed UTF-8.
 WEBSDK_EXPORT bool isValidUTF8(std::string_view bytes);
